@@ -1,0 +1,188 @@
+#include "util/time_text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "corv/util/time_units.h"
+#include "platform/ascii.h"
+#include "util/saturate.h"
+
+namespace corv::util {
+namespace {
+
+constexpr double kMaxBaseUnits = 9.2e18;
+constexpr std::int64_t kMaxWholeUnits = 9'200'000'000'000'000'000;
+constexpr std::size_t kExactDigits = 18;  // every number of so many digits fits 63 bits
+
+// The number of a time text, cut into its pieces.
+struct NumberText {
+    bool negative = false;
+    std::string_view whole;     // digits before the point, without leading zeros
+    std::string_view fraction;  // digits behind it, without trailing zeros
+    std::string_view rest;      // what follows the number
+    std::string_view digits;    // the number as written, without its sign
+};
+
+std::string_view TakeDigits(std::string_view& text) noexcept {
+    const auto end = std::find_if_not(text.begin(), text.end(), platform::IsDigit);
+    const auto count = static_cast<std::size_t>(end - text.begin());
+    const std::string_view digits = text.substr(0, count);
+    text.remove_prefix(count);
+    return digits;
+}
+
+std::optional<NumberText> SplitNumber(std::string_view text) noexcept {
+    NumberText out;
+    if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
+        out.negative = text[0] == '-';
+        text.remove_prefix(1);
+    }
+    const std::string_view start = text;
+    out.whole = TakeDigits(text);
+    if (!text.empty() && text[0] == '.') {
+        text.remove_prefix(1);
+        out.fraction = TakeDigits(text);
+    }
+    if (out.whole.empty() && out.fraction.empty()) {
+        return std::nullopt;
+    }
+    out.rest = text;
+    out.digits = start.substr(0, start.size() - text.size());
+    out.whole.remove_prefix(std::min(out.whole.find_first_not_of('0'), out.whole.size()));
+    out.fraction = out.fraction.substr(0, out.fraction.find_last_not_of('0') + 1);
+    return out;
+}
+
+std::int64_t DigitsToInt(std::string_view digits, std::int64_t number = 0) noexcept {
+    for (const char c : digits) {
+        number = number * 10 + (c - '0');
+    }
+    return number;
+}
+
+std::int64_t PowerOfTen(std::size_t exponent) noexcept {
+    std::int64_t power = 1;
+    while (exponent-- > 0) {
+        power *= 10;
+    }
+    return power;
+}
+
+// A number with few digits, kept as whole + part / scale until it is whole or in the smallest unit.
+// Nothing when a step would leave 64 bits.
+std::optional<TimeReading> ReadExact(const NumberText& text, int unit) noexcept {
+    std::int64_t whole = DigitsToInt(text.whole);
+    std::int64_t part = DigitsToInt(text.fraction);
+    const std::int64_t scale = PowerOfTen(text.fraction.size());
+    for (; part != 0 && unit > 0; --unit) {
+        const std::int64_t step = kTimeUnits[static_cast<unsigned>(unit) - 1].per_next;
+        if (part > Int64Limits::max() / step || whole > (Int64Limits::max() - step) / step) {
+            return std::nullopt;
+        }
+        whole = whole * step + part * step / scale;
+        part = part * step % scale;
+    }
+    const double number =
+        static_cast<double>(whole) + static_cast<double>(part) / static_cast<double>(scale);
+    return TimeReading{text.negative ? -number : number, text.negative ? -whole : whole, unit};
+}
+
+// Any other number, as a double.
+std::optional<TimeReading> ReadRounded(const NumberText& text, int unit) noexcept {
+    double number = 0;
+    const char* end = text.digits.data() + text.digits.size();
+    const auto read = std::from_chars(text.digits.data(), end, number, std::chars_format::fixed);
+    if (read.ec != std::errc()) {
+        if (!text.whole.empty()) {
+            return std::nullopt;  // too large for a double
+        }
+        number = 0;  // too small for one
+    }
+    for (; number != std::trunc(number) && unit > 0; --unit) {
+        number *= static_cast<double>(kTimeUnits[static_cast<unsigned>(unit) - 1].per_next);
+    }
+    number = text.negative ? -number : number;
+    return TimeReading{number, ToInt64(number), unit};
+}
+
+bool InRange(const TimeReading& time) noexcept {
+    const unsigned unit = time.unit < 0 ? kBaseUnit : static_cast<unsigned>(time.unit);
+    if (unit < kBaseUnit) {
+        return std::abs(time.number) <= kMaxBaseUnits * static_cast<double>(UnitRatio(unit, 1));
+    }
+    const std::int64_t limit = kMaxWholeUnits / UnitRatio(kBaseUnit, unit);
+    return time.whole <= limit && time.whole >= -limit;
+}
+
+// Whether the digits fit 64 bits and may be read exactly; a fraction without a larger unit to leave
+// is read as a double.
+bool IsExact(const NumberText& text, int unit) noexcept {
+    if (!text.fraction.empty()) {
+        return unit > 0 && text.whole.size() <= kExactDigits &&
+               text.fraction.size() <= kExactDigits - 3;
+    }
+    return text.whole.size() <= kExactDigits ||
+           (text.whole.size() == kExactDigits + 1 && text.whole <= "9223372036854775807");
+}
+
+template <class T>
+void AppendAny(std::string& out, T value) {
+    char digits[24];
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+}  // namespace
+
+int FindTimeUnit(std::string_view name) noexcept {
+    if (name.size() != 2 && name.size() != 3) {
+        return -1;
+    }
+    for (std::size_t i = 0; i < kTimeUnits.size(); ++i) {
+        if (platform::EqualNoCase(kTimeUnits[i].name, name)) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit) noexcept {
+    const std::optional<NumberText> number = SplitNumber(text);
+    if (!number || (!number->rest.empty() && !unit.empty())) {
+        return std::nullopt;
+    }
+    const std::string_view name = number->rest.empty() ? unit : number->rest;
+    const int id = name.empty() ? -1 : FindTimeUnit(name);
+    if (id < 0 && !name.empty()) {
+        return std::nullopt;
+    }
+    std::optional<TimeReading> out;
+    if (IsExact(*number, id)) {
+        out = ReadExact(*number, id);
+    }
+    if (!out) {
+        out = ReadRounded(*number, id);
+    }
+    return out && InRange(*out) ? out : std::nullopt;
+}
+
+std::size_t NumberLength(std::string_view text) noexcept {
+    const std::optional<NumberText> number = SplitNumber(text);
+    return number ? text.size() - number->rest.size() : 0;
+}
+
+void ScaleWhole(std::int64_t& value, unsigned& unit) noexcept {
+    while (value != 0 && unit + 1 < kTimeUnits.size() && value % kTimeUnits[unit].per_next == 0) {
+        value /= kTimeUnits[unit].per_next;
+        ++unit;
+    }
+}
+
+void AppendNumber(std::string& out, std::int64_t value) {
+    AppendAny(out, value);
+}
+void AppendNumber(std::string& out, std::uint64_t value) {
+    AppendAny(out, value);
+}
+
+}  // namespace corv::util

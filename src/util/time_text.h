@@ -1,0 +1,66 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// The unit table, and the reading and writing of times on views of a text.
+namespace corv::util {
+
+struct TimeUnitRow {
+    std::string_view name;  // zero-terminated
+    std::int64_t per_next;  // how many make the next larger unit, 0 for the largest
+};
+
+inline constexpr std::array<TimeUnitRow, 8> kTimeUnits{{
+    {"fs", 1000},
+    {"ps", 1000},
+    {"ns", 1000},
+    {"us", 1000},
+    {"ms", 1000},
+    {"sec", 60},
+    {"min", 60},
+    {"hr", 0},
+}};
+
+inline constexpr unsigned kBaseUnit = 1;      // ps
+inline constexpr unsigned kNotationUnit = 2;  // ns
+
+// How many of the smaller unit make one of the larger; both known, from <= to.
+constexpr std::int64_t UnitRatio(unsigned from, unsigned to) noexcept {
+    std::int64_t ratio = 1;
+    for (; from < to; ++from) {
+        ratio *= kTimeUnits[from].per_next;
+    }
+    return ratio;
+}
+
+// The identifier of a unit name in any case, -1 for anything else.
+int FindTimeUnit(std::string_view name) noexcept;
+
+// A time that was read: the number and the unit it is in (-1: none was written). `whole` is the
+// number truncated toward zero, exact where the double is rounded.
+struct TimeReading {
+    double number = 0;
+    std::int64_t whole = 0;
+    int unit = -1;
+};
+
+// Reads a number and the unit right behind it; a unit may also be given as a second text that
+// counts as standing directly behind the first. Nothing when the text is not a time.
+std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit = {}) noexcept;
+
+// How much of a text is a number as times are written: a sign, digits, a point, digits. 0 when it
+// does not begin with one.
+std::size_t NumberLength(std::string_view text) noexcept;
+
+// Moves a whole number up to the largest unit in which it is still whole; 0 stays.
+void ScaleWhole(std::int64_t& value, unsigned& unit) noexcept;
+
+// Appends the number in decimal.
+void AppendNumber(std::string& out, std::int64_t value);
+void AppendNumber(std::string& out, std::uint64_t value);
+
+}  // namespace corv::util
