@@ -1,0 +1,139 @@
+#include "stimulus/formula_text.h"
+
+#include "corv/util/time_units.h"
+#include "platform/ascii.h"
+#include "util/time_text.h"
+#include "util/words.h"
+
+namespace corv::stimulus {
+namespace {
+
+constexpr util::Pairs kPairs{"(\"'", ")\"'"};
+constexpr std::string_view kBlanks = " \n\t";
+constexpr std::string_view kNotationMark = "/vesk";
+
+constexpr bool IsBlank(char c) noexcept {
+    return c == ' ' || c == '\n' || c == '\t';
+}
+constexpr bool IsSeparator(char c) noexcept {
+    return IsBlank(c) || c == ',';
+}
+
+}  // namespace
+
+FormulaReader::Word FormulaReader::ReadWord(std::size_t from) const noexcept {
+    Word word{{}, from, false};
+    std::size_t begin = from;
+    while (begin < text_.size() && IsSeparator(text_[begin])) {
+        word.comma_skipped |= text_[begin] == ',';
+        ++begin;
+    }
+    std::size_t end = begin;
+    if (begin < text_.size() && kPairs.Closing(text_[begin]) != '\0') {
+        end += util::WordLength(text_.substr(begin), kPairs, {});
+    } else {
+        while (end < text_.size() && !IsSeparator(text_[end])) {
+            ++end;
+        }
+    }
+    word.text = text_.substr(begin, end - begin);
+    word.end = end;
+    return word;
+}
+
+bool FormulaReader::ElementEndsAt(std::size_t at) const noexcept {
+    return at >= text_.size() || text_[at] == ',';
+}
+
+FormulaReader::Word FormulaReader::ReadSameElement(std::size_t from) const noexcept {
+    return ElementEndsAt(from) ? Word{{}, from, false} : ReadWord(from);
+}
+
+std::optional<FormulaItem> FormulaReader::Next() noexcept {
+    const Word value = ReadWord(at_);
+    if (value.text.empty()) {
+        at_ = text_.size();
+        return std::nullopt;
+    }
+    FormulaItem item;
+    item.value = value.text;
+    item.is_repeat = IsParameter(value.text);
+    at_ = value.end;
+    if (const Word time = ReadSameElement(at_); !time.text.empty()) {
+        item.time = time.text;
+        item.comma_skipped = time.comma_skipped;
+        at_ = time.end;
+        const Word unit = ReadSameElement(at_);
+        if (util::FindTimeUnit(unit.text) >= 0) {
+            item.unit = unit.text;
+            item.comma_skipped |= unit.comma_skipped;
+            at_ = unit.end;
+        }
+    }
+    item.ends_element = ElementEndsAt(at_);
+    return item;
+}
+
+bool IsUnmatched(std::string_view word) noexcept {
+    const char closing = word.empty() ? '\0' : kPairs.Closing(word[0]);
+    return closing != '\0' && util::MatchEnd(word, closing) == std::string_view::npos;
+}
+
+bool IsParameter(std::string_view word) noexcept {
+    return word[0] == '-' &&
+           (platform::EqualNoCase(word, "-r") || platform::EqualNoCase(word, "-repeat"));
+}
+
+FormulaTime ReadFormulaTime(const FormulaItem& item, std::uint32_t default_unit) noexcept {
+    std::string_view text = item.time;
+    FormulaTime out{{0, default_unit, util::kBaseUnit}};
+    if (text.empty()) {
+        return out;
+    }
+    if (!item.is_repeat && text[0] == '@') {
+        out.absolute = true;
+        text.remove_prefix(1);
+    }
+    const std::optional<util::TimeReading> time = util::ReadTime(text, item.unit);
+    out.readable = time.has_value();
+    if (time) {
+        out.time.value = time->whole;
+        out.fraction_cut = time->number != static_cast<double>(time->whole) ||
+                           (time->unit == 0 && time->whole % util::UnitRatio(0, 1) != 0);
+        out.time.unit = time->unit < 0 ? default_unit : static_cast<std::uint32_t>(time->unit);
+    }
+    return out;
+}
+
+void AppendElement(std::string& out, std::string_view value, bool absolute, std::int64_t number,
+                   std::string_view unit) {
+    out += value;
+    out += absolute ? " @" : " ";
+    util::AppendNumber(out, static_cast<std::uint64_t>(number));
+    out += unit;
+}
+
+std::string_view WrittenUnit(const TTimeUnit<std::int64_t>& time) noexcept {
+    return time.unit == time.target_unit ? "" : UnitNameFromID(time.unit);
+}
+
+FormulaKind FindFormulaKind(std::string_view formula) noexcept {
+    if (platform::FindNoCase(formula, "/custom") != std::string_view::npos) {
+        return FormulaKind::Custom;
+    }
+    if (platform::FindNoCase(formula, "\\counter") != std::string_view::npos) {
+        return FormulaKind::Counter;
+    }
+    return platform::FindNoCase(formula, kNotationMark) != std::string_view::npos
+               ? FormulaKind::Notation
+               : FormulaKind::Ordinary;
+}
+
+std::string_view NotationText(std::string_view formula) noexcept {
+    const std::size_t mark = platform::FindNoCase(formula, kNotationMark);
+    return mark == std::string_view::npos
+               ? std::string_view()
+               : util::SkipFront(formula.substr(mark + kNotationMark.size()), kBlanks);
+}
+
+}  // namespace corv::stimulus
