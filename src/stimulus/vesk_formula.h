@@ -1,0 +1,129 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "corv/platform/cstring.h"
+#include "corv/stimulus/time_unit.h"
+
+// The compact notation of gate-level waveforms, read into a tree and written as an ordinary
+// formula.
+//
+//     notation = { value | group } [ "/CLK" anything ]
+//     group    = "(" { value | group } ")" digits
+//     value    = ( character | "[" hexadecimal "]" ) duration
+//     duration = digits [ "." digits ] [ unit of two letters ]
+//
+// Letters count as upper case; white space stands between items only. A value or group that can't
+// be read is left out; what makes the whole text unreadable is listed in VeskFault.
+
+// What is wrong at a place of a notation text.
+enum class VeskFault {
+    UnmatchedParenthesis,  // from here on the text is unreadable
+    UnmatchedBracket,
+    NothingAfterGroup,
+    NothingAfterValue,
+    NothingAfterPoint,
+    NestedTooDeep,
+    NoDuration,  // from here on: left out or without effect
+    NotHexadecimal,
+    TooLong,
+    GroupDropped,
+    GroupWithoutCount,
+};
+
+// Whether the fault makes the whole text, or the group it stands in, unreadable.
+constexpr bool IsFatal(VeskFault fault) noexcept {
+    return fault <= VeskFault::NestedTooDeep;
+}
+
+struct VeskProblem {
+    VeskFault fault;
+    std::size_t position;  // in the text given to Parse
+    std::size_t length;
+};
+
+class CVeskNode {
+public:
+    CVeskNode() = default;
+    CVeskNode(const CVeskNode&) = delete;
+    CVeskNode& operator=(const CVeskNode&) = delete;
+    virtual ~CVeskNode() = default;
+
+    // Appends the node's elements, the first at the running time (picoseconds), and moves that on.
+    // False when a value would start past the range of times.
+    virtual bool WriteFormula(std::string& out, std::int64_t& running_time) const = 0;
+    // Whether no group in it repeats more often.
+    virtual bool CheckMaxRepeat(std::uint32_t maximum) const noexcept = 0;
+    // How many entries between commas it writes, saturating.
+    virtual std::uint64_t CountEntries() const noexcept = 0;
+};
+
+class CVeskValue final : public CVeskNode {
+public:
+    CVeskValue(std::uint32_t value, TTimeUnit<std::int64_t> duration, bool hexadecimal) noexcept
+        : value_(value), duration_(duration), hexadecimal_(hexadecimal) {}
+
+    bool WriteFormula(std::string& out, std::int64_t& running_time) const override;
+    bool CheckMaxRepeat(std::uint32_t) const noexcept override { return true; }
+    std::uint64_t CountEntries() const noexcept override { return 1; }
+
+private:
+    std::uint32_t value_;  // a character's code, or a number
+    TTimeUnit<std::int64_t> duration_;
+    bool hexadecimal_;  // the value is a number
+};
+
+class CVeskGroup final : public CVeskNode {
+public:
+    void Append(std::unique_ptr<CVeskNode> child) { children_.push_back(std::move(child)); }
+    void SetRepeatCount(std::uint32_t count) noexcept { repeat_count_ = count; }
+    bool IsEmpty() const noexcept { return children_.empty(); }
+
+    bool WriteFormula(std::string& out, std::int64_t& running_time) const override;
+    bool CheckMaxRepeat(std::uint32_t maximum) const noexcept override;
+    std::uint64_t CountEntries() const noexcept override;
+
+private:
+    std::vector<std::unique_ptr<CVeskNode>> children_;  // in text order
+    std::uint32_t repeat_count_ = 1;
+};
+
+class CVeskFormula {
+public:
+    // A text that unrolls to more entries than this is not converted.
+    static constexpr std::uint64_t kMaxEntries = 16'777'216;
+    // Nor is one that nests more groups than this.
+    static constexpr int kMaxDepth = 256;
+    static constexpr std::size_t kMaxProblems = 100;
+
+    // Reads a text, null counting as empty. False when it is unreadable.
+    bool Parse(const char* text) { return Parse(std::string_view(text ? text : "")); }
+    bool Parse(std::string_view text);
+
+    // Writes the ordinary formula. False, `out` empty, before the first Parse, for a text without
+    // any item, and for one that unrolls too far or runs past the range of times.
+    bool Convert(CString& out) const;
+
+    bool CheckMaxRepeat(std::uint32_t maximum) const noexcept {
+        return root_ && root_->CheckMaxRepeat(maximum);
+    }
+
+    // What the last Parse found, at most kMaxProblems.
+    const std::vector<VeskProblem>& Problems() const noexcept { return problems_; }
+    // Whether the last text holds any item that was read.
+    bool IsEmpty() const noexcept { return !root_ || root_->IsEmpty(); }
+    std::uint64_t CountEntries() const noexcept { return root_ ? root_->CountEntries() : 0; }
+
+private:
+    class Parser;
+
+    std::unique_ptr<CVeskGroup> root_;
+    bool clock_ = false;  // the whole pattern repeats
+    bool too_deep_ = false;
+    std::vector<VeskProblem> problems_;
+};
