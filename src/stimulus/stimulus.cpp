@@ -1,0 +1,278 @@
+#include "corv/stimulus/stimulus.h"
+
+#include <algorithm>
+#include <string>
+
+#include "platform/guard.h"
+#include "stimulus/element_index.h"
+#include "stimulus/formula_text.h"
+#include "stimulus/vesk_formula.h"
+#include "util/saturate.h"
+#include "util/time_text.h"
+
+using corv::stimulus::FormulaItem;
+using corv::stimulus::FormulaKind;
+using corv::stimulus::FormulaReader;
+using Time = TTimeUnit<std::int64_t>;
+
+namespace {
+
+// Up to this many elements a plain scan answers sooner than an index (bench/stimulus_bench.cpp).
+constexpr std::size_t kScanLimit = 8;
+
+}  // namespace
+
+CStimulus::CStimulus() noexcept : CStimulus(1, 1) {}
+
+CStimulus::CStimulus(std::uint32_t default_unit, std::uint32_t repeat_target_unit) noexcept
+    : start_time_(0, repeat_target_unit, repeat_target_unit),
+      repeat_period_(0, default_unit, repeat_target_unit),
+      pattern_offset_(0, repeat_target_unit, repeat_target_unit),
+      repeat_target_unit_(repeat_target_unit),
+      default_unit_(default_unit) {}
+
+CStimulus::~CStimulus() = default;
+
+void CStimulus::Destroy() noexcept {
+    index_.reset();
+    elements_.clear();
+    start_time_ = Time(0, default_unit_);
+    repeat_period_ = Time(0, default_unit_);
+    pattern_offset_ = Time(0);
+}
+
+int CStimulus::Create(const char* formula, std::int64_t start) noexcept {
+    Destroy();
+    if (!formula || !*formula) {
+        return 0;
+    }
+    const bool read = corv::platform::Guarded(false, [&] { return ReadFormula(formula); });
+    start_time_.value = start;
+    SetOffset();
+    return read && !elements_.empty() ? 1 : 0;
+}
+
+bool CStimulus::ReadFormula(std::string_view formula) {
+    switch (corv::stimulus::FindFormulaKind(formula)) {
+        case FormulaKind::Ordinary:
+            return ReadElements(formula);
+        case FormulaKind::Notation: {
+            CVeskFormula notation;
+            CString converted;
+            return notation.Parse(corv::stimulus::NotationText(formula)) &&
+                   notation.Convert(converted) && ReadElements(converted.View());
+        }
+        case FormulaKind::Custom:
+        case FormulaKind::Counter:
+            break;
+    }
+    return false;
+}
+
+bool CStimulus::ReadElements(std::string_view formula) {
+    FormulaReader reader(formula);
+    if (reader.StartsWithComma()) {
+        return false;
+    }
+    while (const auto item = reader.Next()) {
+        if (item->is_repeat) {
+            SetParameter(*item);
+        } else if (!SetValue(*item)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void CStimulus::SetParameter(const FormulaItem& item) noexcept {
+    repeat_period_ = corv::stimulus::ReadFormulaTime(item, default_unit_).time;
+    repeat_period_.target_unit = repeat_target_unit_;
+}
+
+bool CStimulus::SetValue(const FormulaItem& item) {
+    const auto time = corv::stimulus::ReadFormulaTime(item, default_unit_);
+    if (time.time.GetTime() < 0) {
+        return false;
+    }
+    auto element = std::make_unique<CSimpleStimulus>();
+    element->value_ += item.value;
+    element->time_ = time.time;
+    element->absolute_ = time.absolute ? 1 : 0;
+    if (item.time.empty()) {
+        element->time_.target_unit = repeat_target_unit_;
+        element->include_time_ = false;
+    }
+    elements_.push_back(std::move(element));
+    return true;
+}
+
+// The pattern starts where its first relative element stands; relative times count from there.
+void CStimulus::SetOffset() noexcept {
+    const auto first = std::find_if(elements_.begin(), elements_.end(),
+                                    [](const auto& element) { return element->Absolute() == 0; });
+    pattern_offset_ = Time(first == elements_.end() ? 0 : (*first)->GetTime());
+    if (pattern_offset_.value == 0) {
+        return;
+    }
+    for (const auto& element : elements_) {
+        if (element->Absolute() == 0) {
+            element->time_ = Time(element->GetTime() - pattern_offset_.value);
+        }
+    }
+}
+
+std::int64_t CStimulus::GetStartTime() const noexcept {
+    return corv::util::SaturatingAdd(start_time_.GetTime(), pattern_offset_.GetTime());
+}
+
+// A negative period repeats like a positive one of its size.
+std::uint64_t CStimulus::Period() const noexcept {
+    const std::int64_t period = repeat_period_.GetTime();
+    return period < 0 ? 0 - static_cast<std::uint64_t>(period) : static_cast<std::uint64_t>(period);
+}
+
+const corv::stimulus::ElementIndex* CStimulus::Index() const noexcept {
+    if (!index_ && elements_.size() > kScanLimit) {
+        // without the memory for it the scan answers the same, only later
+        corv::platform::Done(
+            [this] { index_ = std::make_unique<corv::stimulus::ElementIndex>(elements_); });
+    }
+    return index_.get();
+}
+
+const CSimpleStimulus* CStimulus::GetNearestNext(std::int64_t time, int absolute) const noexcept {
+    if (const auto* index = Index()) {
+        return index->Next(time, absolute != 0);
+    }
+    const CSimpleStimulus* nearest = nullptr;
+    std::int64_t nearest_time = 0;
+    for (const auto& element : elements_) {
+        const std::int64_t at = element->GetTime();
+        if (element->Absolute() == absolute && at >= time && (!nearest || at < nearest_time)) {
+            nearest = element.get();
+            nearest_time = at;
+        }
+    }
+    return nearest;
+}
+
+const CSimpleStimulus* CStimulus::GetNearestPrev(std::int64_t time, int absolute) const noexcept {
+    if (const auto* index = Index()) {
+        return index->Prev(time, absolute != 0);
+    }
+    const CSimpleStimulus* nearest = nullptr;
+    std::int64_t nearest_time = 0;
+    for (const auto& element : elements_) {
+        const std::int64_t at = element->GetTime();
+        if (element->Absolute() == absolute && at <= time && (!nearest || at > nearest_time)) {
+            nearest = element.get();
+            nearest_time = at;
+        }
+    }
+    return nearest;
+}
+
+int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
+    const std::int64_t pattern_start = GetStartTime();
+    if (elements_.empty() || time < pattern_start) {
+        return 0;
+    }
+    // unsigned, since a negative start may lie further back than 63 bits count
+    std::uint64_t in_pattern =
+        static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(pattern_start);
+    if (const std::uint64_t period = Period(); period != 0) {
+        in_pattern %= period;
+    }
+    constexpr auto kMax = static_cast<std::uint64_t>(corv::util::Int64Limits::max());
+    const CSimpleStimulus* winner =
+        GetNearestPrev(static_cast<std::int64_t>(std::min(in_pattern, kMax)), 0);
+    if (const CSimpleStimulus* absolute = GetNearestPrev(time, 1)) {
+        const auto since_relative =
+            winner ? in_pattern - static_cast<std::uint64_t>(winner->GetTime()) : 0;
+        const auto since_absolute =
+            static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(absolute->GetTime());
+        if (!winner || since_absolute <= since_relative) {
+            winner = absolute;
+        }
+    }
+    return winner && corv::platform::Done([&] { value = winner->value_; }) ? 1 : 0;
+}
+
+// The first event of the repeated pattern at or after a time that is not before its start.
+std::optional<std::int64_t> CStimulus::NextRelativeEvent(std::int64_t from) const noexcept {
+    const std::int64_t pattern_start = GetStartTime();
+    std::uint64_t in_pattern =
+        static_cast<std::uint64_t>(from) - static_cast<std::uint64_t>(pattern_start);
+    std::uint64_t periods_before = 0;
+    const std::uint64_t period = Period();
+    if (period != 0) {
+        periods_before = in_pattern - in_pattern % period;
+        in_pattern %= period;
+    }
+    constexpr auto kMax = static_cast<std::uint64_t>(corv::util::Int64Limits::max());
+    const CSimpleStimulus* next =
+        in_pattern > kMax ? nullptr : GetNearestNext(static_cast<std::int64_t>(in_pattern), 0);
+    if (!next && period != 0) {
+        next = GetNearestNext(0, 0);
+        periods_before += period;  // may pass 2^64: caught below
+        if (periods_before < period) {
+            return std::nullopt;
+        }
+    }
+    if (!next) {
+        return std::nullopt;
+    }
+    const std::uint64_t since_start = periods_before + static_cast<std::uint64_t>(next->GetTime());
+    const std::uint64_t room = static_cast<std::uint64_t>(corv::util::Int64Limits::max()) -
+                               static_cast<std::uint64_t>(pattern_start);
+    if (since_start < periods_before || since_start > room) {
+        return std::nullopt;
+    }
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(pattern_start) + since_start);
+}
+
+std::int64_t CStimulus::GetNextEventTime(std::int64_t time) const noexcept {
+    if (elements_.empty() || time == corv::util::Int64Limits::max()) {
+        return -1;
+    }
+    const std::int64_t from = std::max(time + 1, GetStartTime());
+    const CSimpleStimulus* absolute = GetNearestNext(from, 1);
+    const std::optional<std::int64_t> relative = NextRelativeEvent(from);
+    if (absolute && (!relative || absolute->GetTime() < *relative)) {
+        return absolute->GetTime();
+    }
+    return relative.value_or(-1);
+}
+
+void CStimulus::GenerateFormula(CString& out) noexcept {
+    if (!corv::platform::Done([&] { out = CString(WriteFormula()); })) {
+        out.Empty();
+    }
+}
+
+std::string CStimulus::WriteFormula() {
+    std::string out;
+    for (const auto& element : elements_) {
+        element->time_ = Time(element->GetTime());
+        if (!out.empty()) {
+            out += ", ";
+        }
+        if (element->include_time_) {
+            const std::int64_t offset = element->Absolute() != 0 ? 0 : pattern_offset_.GetTime();
+            corv::stimulus::AppendElement(out, element->value_.View(), element->Absolute() != 0,
+                                          element->time_.value + offset, {});
+        } else {
+            out += element->value_.View();
+        }
+    }
+    if (repeat_period_.GetTime() != 0) {
+        out += " -r ";
+        corv::util::AppendNumber(out, repeat_period_.value);
+        out += corv::stimulus::WrittenUnit(repeat_period_);
+    }
+    return out;
+}
+
+const char* CStimulus::GetSignalTypeInfo() const noexcept {
+    return nullptr;
+}
