@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "corv/platform/export.h"
+
+namespace corv {
+
+// What is wrong at one place of a formula.
+struct FormulaProblem {
+    enum class Severity {
+        Error,    // CStimulus::Create refuses the formula, or takes something else than is written
+        Warning,  // the formula is taken as written, but hardly as it was meant
+    };
+
+    std::size_t position;  // of the first byte, from 0
+    std::size_t length;    // in bytes; 0 points at the end of the text
+    Severity severity;
+    std::string sentence;  // what is wrong and what would do, in one sentence without a full stop
+};
+
+// The most problems that are listed; the last one then says that there are more.
+inline constexpr std::size_t kMaxFormulaProblems = 100;
+
+// Reads a formula as CStimulus::Create does, with a start time of 0, and lists what is wrong with
+// it in the order of the text. `default_unit` is the unit of times written without one, in the
+// identifiers of time_units.h. An empty list means that the formula is fine; a null formula is an
+// empty one. Should memory run out, the list ends with an error "out of memory".
+//
+//     for (const corv::FormulaProblem& p : corv::CheckFormula("0 0, 1 10xs", 1))
+//         ...   // position 9, length 2: "unknown unit `xs`; did you mean `ns`?"
+CORV_API std::vector<FormulaProblem> CheckFormula(const char* formula,
+                                                  std::uint32_t default_unit = 1) noexcept;
+
+}  // namespace corv

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string_view>
+
+namespace corv::stimulus {
+
+// The time unit that a misspelt one was most likely meant to be, empty when none is near.
+std::string_view NearestUnit(std::string_view word) noexcept;
+
+}  // namespace corv::stimulus
