@@ -162,6 +162,10 @@ void OrdinaryChecker::Check() {
                         "the formula holds no value; write values with their times, such as "
                         "`0 0, 1 10ns`");
     }
+    if (timeless && period_) {
+        // the normal form puts the period behind it, where it would be read as its time
+        WarnTimeless(*timeless);
+    }
     CheckPatternAgainstPeriod();
     CheckAbsolutes();
 }
@@ -286,16 +290,16 @@ void OrdinaryChecker::Record(const FormulaItem& item, const FormulaTime& time) {
 void OrdinaryChecker::CheckPatternAgainstPeriod() {
     const std::int64_t length = pattern_last_ - pattern_start_.value_or(pattern_last_);
     if (period_ && period_->time > 0 && length >= period_->time) {
-        problems_.Error(period_->place, "the repeat period of " + TimeText(period_->time) +
-                                            " is not longer than the pattern, whose last value "
-                                            "stands " +
-                                            TimeText(length) + " behind its start");
+        problems_.Warn(period_->place, "the repeat period of " + TimeText(period_->time) +
+                                           " is not longer than the pattern, whose last value "
+                                           "stands " +
+                                           TimeText(length) + " behind its start");
     }
 }
 
 void OrdinaryChecker::CheckAbsolutes() {
     for (const Timed& absolute : absolutes_) {
-        if (absolute.time < pattern_start_.value_or(0)) {
+        if (absolute.time >= 0 && absolute.time < pattern_start_.value_or(0)) {
             problems_.Warn(absolute.place, "the absolute time " + TimeText(absolute.time) +
                                                " lies before the pattern starts at " +
                                                TimeText(*pattern_start_) +

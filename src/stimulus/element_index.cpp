@@ -36,34 +36,10 @@ void ElementIndex::List::Build(std::span<const std::unique_ptr<CSimpleStimulus>>
     }
 }
 
-// The number of times at or before `time`.
-std::size_t ElementIndex::List::CountUpTo(std::int64_t time) const noexcept {
-    const std::size_t n = times.size();
-    const auto is_count = [&](std::size_t count) {
-        return (count == 0 || times[count - 1] <= time) && (count == n || times[count] > time);
-    };
-    if (is_count(cursor)) {
-        return cursor;
-    }
-    if (cursor < n && is_count(cursor + 1)) {
-        return ++cursor;
-    }
+std::size_t ElementIndex::List::Bisect(std::int64_t time) const noexcept {
     cursor = static_cast<std::size_t>(std::upper_bound(times.begin(), times.end(), time) -
                                       times.begin());
     return cursor;
-}
-
-const CSimpleStimulus* ElementIndex::List::Next(std::int64_t time) const noexcept {
-    const std::size_t count = CountUpTo(time);
-    if (count > 0 && times[count - 1] == time) {
-        return elements[count - 1];
-    }
-    return count < elements.size() ? elements[count] : nullptr;
-}
-
-const CSimpleStimulus* ElementIndex::List::Prev(std::int64_t time) const noexcept {
-    const std::size_t count = CountUpTo(time);
-    return count > 0 ? elements[count - 1] : nullptr;
 }
 
 }  // namespace corv::stimulus

@@ -27,9 +27,32 @@ public:
 private:
     struct List {
         void Build(std::span<const std::unique_ptr<CSimpleStimulus>> elements, bool absolute);
-        const CSimpleStimulus* Next(std::int64_t time) const noexcept;
-        const CSimpleStimulus* Prev(std::int64_t time) const noexcept;
-        std::size_t CountUpTo(std::int64_t time) const noexcept;
+        const CSimpleStimulus* Next(std::int64_t time) const noexcept {
+            const std::size_t count = CountUpTo(time);
+            if (count > 0 && times[count - 1] == time) {
+                return elements[count - 1];
+            }
+            return count < elements.size() ? elements[count] : nullptr;
+        }
+        const CSimpleStimulus* Prev(std::int64_t time) const noexcept {
+            const std::size_t count = CountUpTo(time);
+            return count > 0 ? elements[count - 1] : nullptr;
+        }
+        // The number of times at or before `time`.
+        std::size_t CountUpTo(std::int64_t time) const noexcept {
+            if (IsCount(cursor, time)) {
+                return cursor;
+            }
+            if (cursor < times.size() && IsCount(cursor + 1, time)) {
+                return ++cursor;
+            }
+            return Bisect(time);
+        }
+        bool IsCount(std::size_t count, std::int64_t time) const noexcept {
+            return (count == 0 || times[count - 1] <= time) &&
+                   (count == times.size() || times[count] > time);
+        }
+        std::size_t Bisect(std::int64_t time) const noexcept;
 
         std::vector<std::int64_t> times;  // rising, no two alike
         std::vector<const CSimpleStimulus*> elements;

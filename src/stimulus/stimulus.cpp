@@ -18,7 +18,7 @@ using Time = TTimeUnit<std::int64_t>;
 namespace {
 
 // Up to this many elements a plain scan answers sooner than an index (bench/stimulus_bench.cpp).
-constexpr std::size_t kScanLimit = 8;
+constexpr std::size_t kScanLimit = 3;
 
 }  // namespace
 
@@ -36,6 +36,7 @@ CStimulus::~CStimulus() = default;
 void CStimulus::Destroy() noexcept {
     index_.reset();
     elements_.clear();
+    absolute_count_ = 0;
     start_time_ = Time(0, default_unit_);
     repeat_period_ = Time(0, default_unit_);
     pattern_offset_ = Time(0);
@@ -103,6 +104,7 @@ bool CStimulus::SetValue(const FormulaItem& item) {
         element->include_time_ = false;
     }
     elements_.push_back(std::move(element));
+    absolute_count_ += time.absolute ? 1 : 0;
     return true;
 }
 
@@ -121,8 +123,9 @@ void CStimulus::SetOffset() noexcept {
     }
 }
 
-std::int64_t CStimulus::GetStartTime() const noexcept {
-    return corv::util::SaturatingAdd(start_time_.GetTime(), pattern_offset_.GetTime());
+// When the pattern starts; nothing when that is past the range of times.
+std::optional<std::int64_t> CStimulus::GetStartTime() const noexcept {
+    return corv::util::CheckedAdd(start_time_.GetTime(), pattern_offset_.GetTime());
 }
 
 // A negative period repeats like a positive one of its size.
@@ -131,16 +134,23 @@ std::uint64_t CStimulus::Period() const noexcept {
     return period < 0 ? 0 - static_cast<std::uint64_t>(period) : static_cast<std::uint64_t>(period);
 }
 
-const corv::stimulus::ElementIndex* CStimulus::Index() const noexcept {
+inline const corv::stimulus::ElementIndex* CStimulus::Index() const noexcept {
     if (!index_ && elements_.size() > kScanLimit) {
-        // without the memory for it the scan answers the same, only later
-        corv::platform::Done(
-            [this] { index_ = std::make_unique<corv::stimulus::ElementIndex>(elements_); });
+        BuildIndex();
     }
     return index_.get();
 }
 
+// Without the memory for it the scan answers the same, only later.
+void CStimulus::BuildIndex() const noexcept {
+    corv::platform::Done(
+        [this] { index_ = std::make_unique<corv::stimulus::ElementIndex>(elements_); });
+}
+
 const CSimpleStimulus* CStimulus::GetNearestNext(std::int64_t time, int absolute) const noexcept {
+    if (absolute != 0 && absolute_count_ == 0) {
+        return nullptr;
+    }
     if (const auto* index = Index()) {
         return index->Next(time, absolute != 0);
     }
@@ -157,6 +167,9 @@ const CSimpleStimulus* CStimulus::GetNearestNext(std::int64_t time, int absolute
 }
 
 const CSimpleStimulus* CStimulus::GetNearestPrev(std::int64_t time, int absolute) const noexcept {
+    if (absolute != 0 && absolute_count_ == 0) {
+        return nullptr;
+    }
     if (const auto* index = Index()) {
         return index->Prev(time, absolute != 0);
     }
@@ -173,13 +186,13 @@ const CSimpleStimulus* CStimulus::GetNearestPrev(std::int64_t time, int absolute
 }
 
 int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
-    const std::int64_t pattern_start = GetStartTime();
-    if (elements_.empty() || time < pattern_start) {
+    const std::optional<std::int64_t> pattern_start = GetStartTime();
+    if (elements_.empty() || !pattern_start || time < *pattern_start) {
         return 0;
     }
     // unsigned, since a negative start may lie further back than 63 bits count
     std::uint64_t in_pattern =
-        static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(pattern_start);
+        static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(*pattern_start);
     if (const std::uint64_t period = Period(); period != 0) {
         in_pattern %= period;
     }
@@ -199,8 +212,8 @@ int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
 }
 
 // The first event of the repeated pattern at or after a time that is not before its start.
-std::optional<std::int64_t> CStimulus::NextRelativeEvent(std::int64_t from) const noexcept {
-    const std::int64_t pattern_start = GetStartTime();
+std::optional<std::int64_t> CStimulus::NextRelativeEvent(
+    std::int64_t from, std::int64_t pattern_start) const noexcept {
     std::uint64_t in_pattern =
         static_cast<std::uint64_t>(from) - static_cast<std::uint64_t>(pattern_start);
     std::uint64_t periods_before = 0;
@@ -232,12 +245,13 @@ std::optional<std::int64_t> CStimulus::NextRelativeEvent(std::int64_t from) cons
 }
 
 std::int64_t CStimulus::GetNextEventTime(std::int64_t time) const noexcept {
-    if (elements_.empty() || time == corv::util::Int64Limits::max()) {
+    const std::optional<std::int64_t> pattern_start = GetStartTime();
+    if (elements_.empty() || !pattern_start || time == corv::util::Int64Limits::max()) {
         return -1;
     }
-    const std::int64_t from = std::max(time + 1, GetStartTime());
+    const std::int64_t from = std::max(time + 1, *pattern_start);
     const CSimpleStimulus* absolute = GetNearestNext(from, 1);
-    const std::optional<std::int64_t> relative = NextRelativeEvent(from);
+    const std::optional<std::int64_t> relative = NextRelativeEvent(from, *pattern_start);
     if (absolute && (!relative || absolute->GetTime() < *relative)) {
         return absolute->GetTime();
     }

@@ -79,20 +79,16 @@ std::size_t SkipDigits(std::string_view text, std::size_t at) noexcept {
 
 // A duration: a number, of which digits may be missing, in a unit. Finer than a picosecond is cut
 // off, unless the unit itself is finer.
-std::optional<TTimeUnit<std::int64_t>> ReadDuration(std::string_view number,
-                                                    std::string_view unit) noexcept {
-    const int written =
-        unit.empty() ? static_cast<int>(kNotationUnit) : corv::util::FindTimeUnit(unit);
+std::optional<TTimeUnit<std::int64_t>> ReadDuration(std::string_view number, int unit) noexcept {
     if (number.empty() || number == ".") {
-        return TTimeUnit<std::int64_t>(0, static_cast<std::uint32_t>(written));
+        return TTimeUnit<std::int64_t>(0, static_cast<std::uint32_t>(unit));
     }
-    const auto time = corv::util::ReadTime(
-        number, corv::util::kTimeUnits[static_cast<std::size_t>(written)].name);
+    const auto time = corv::util::ReadTimeIn(number, unit);
     if (!time) {
         return std::nullopt;
     }
     TTimeUnit<std::int64_t> out(time->whole, static_cast<std::uint32_t>(time->unit));
-    if (time->unit < static_cast<int>(kBaseUnit) && written > time->unit) {
+    if (time->unit < static_cast<int>(kBaseUnit) && unit > time->unit) {
         out = TTimeUnit<std::int64_t>(out.GetTime());
     }
     return out;
@@ -162,8 +158,7 @@ public:
 private:
     bool ParseChild(CVeskGroup& group, std::size_t& at, std::size_t end, int depth);
     bool ParseValue(CVeskGroup& group, std::size_t& at, std::size_t end);
-    std::unique_ptr<CVeskNode> MakeValue(std::string_view value, std::string_view number,
-                                         std::string_view unit, std::size_t begin);
+    std::unique_ptr<CVeskNode> MakeValue(std::string_view value, std::string_view number, int unit);
     // Notes a problem; false, the result of what is unreadable.
     bool Note(VeskFault fault, std::size_t position, std::size_t length);
 
@@ -250,40 +245,38 @@ bool CVeskFormula::Parser::ParseValue(CVeskGroup& group, std::size_t& at, std::s
         at = SkipDigits(text, at + 1);
     }
     const std::string_view number = text.substr(value_end, at - value_end);
-    std::string_view unit = text.substr(at, 2);
-    if (corv::util::FindTimeUnit(unit) < 0) {
-        unit = {};
-    }
-    at += unit.size();
-    if (auto node = MakeValue(text.substr(begin, value_end - begin), number, unit, begin)) {
+    const int unit = corv::util::FindTimeUnit(text.substr(at, 2));
+    at += unit < 0 ? 0 : 2;
+    if (auto node = MakeValue(text.substr(begin, value_end - begin), number, unit)) {
         group.Append(std::move(node));
     }
     return true;
 }
 
+// Nothing, with the problem noted, for what can't be read. A unit of -1 means that none is written.
 std::unique_ptr<CVeskNode> CVeskFormula::Parser::MakeValue(std::string_view value,
-                                                           std::string_view number,
-                                                           std::string_view unit,
-                                                           std::size_t begin) {
+                                                           std::string_view number, int unit) {
+    const auto position = static_cast<std::size_t>(value.data() - text_.data());
+    const auto drop = [&](VeskFault fault, std::size_t length) {
+        Note(fault, position, length);
+        return nullptr;
+    };
     const bool hexadecimal = value.size() > 1;
     std::int64_t code = static_cast<unsigned char>(value[0]);
     if (hexadecimal) {
         const std::string digits(value.substr(1, value.size() - 2));
         if (c_decConverter().Convert(digits.c_str(), 16, &code) == 0) {
-            Note(VeskFault::NotHexadecimal, begin, value.size());
-            return nullptr;
+            return drop(VeskFault::NotHexadecimal, value.size());
         }
-    } else if (value == "H" || value == "L") {
-        code = value == "H" ? '1' : '0';
+    } else if (code == 'H' || code == 'L') {
+        code = code == 'H' ? '1' : '0';
     }
-    if (number.empty() && unit.empty()) {
-        Note(VeskFault::NoDuration, begin, value.size());
-        return nullptr;
+    if (number.empty() && unit < 0) {
+        return drop(VeskFault::NoDuration, value.size());
     }
-    const auto duration = ReadDuration(number, unit);
+    const auto duration = ReadDuration(number, unit < 0 ? static_cast<int>(kNotationUnit) : unit);
     if (!duration) {
-        Note(VeskFault::TooLong, begin, value.size() + number.size() + unit.size());
-        return nullptr;
+        return drop(VeskFault::TooLong, value.size() + number.size());
     }
     return std::make_unique<CVeskValue>(static_cast<std::uint32_t>(code), *duration, hexadecimal);
 }
@@ -310,7 +303,9 @@ bool CVeskFormula::Convert(CString& out) const {
     if (IsEmpty() || too_deep_ || CountEntries() > kMaxEntries) {
         return false;
     }
+    constexpr std::uint64_t kUsualEntry = 12;  // "0 12345ns,"
     std::string text;
+    text.reserve(CountEntries() * kUsualEntry);
     std::int64_t running_time = 0;
     if (!root_->WriteFormula(text, running_time) || (clock_ && running_time > kMaxTime)) {
         return false;

@@ -37,6 +37,10 @@ inline std::int64_t SaturatingSubtract(std::int64_t a, std::int64_t b) noexcept 
 
 // For a factor above 0.
 inline std::int64_t SaturatingMultiply(std::int64_t value, std::int64_t factor) noexcept {
+    constexpr std::int64_t kSmall = std::numeric_limits<std::int32_t>::max();
+    if (value >= -kSmall && value <= kSmall && factor <= kSmall) {
+        return value * factor;  // no division for the times that are met most
+    }
     if (value > Int64Limits::max() / factor) {
         return Int64Limits::max();
     }

@@ -12,7 +12,14 @@ namespace corv::util {
 namespace {
 
 constexpr double kMaxBaseUnits = 9.2e18;
-constexpr std::int64_t kMaxWholeUnits = 9'200'000'000'000'000'000;
+// The largest whole number of each unit from the base unit on.
+constexpr auto kMaxWhole = [] {
+    std::array<std::int64_t, kTimeUnits.size()> limits{};
+    for (unsigned unit = kBaseUnit; unit < limits.size(); ++unit) {
+        limits[unit] = 9'200'000'000'000'000'000 / UnitRatio(kBaseUnit, unit);
+    }
+    return limits;
+}();
 constexpr std::size_t kExactDigits = 18;  // every number of so many digits fits 63 bits
 
 // The number of a time text, cut into its pieces.
@@ -54,7 +61,8 @@ std::optional<NumberText> SplitNumber(std::string_view text) noexcept {
     return out;
 }
 
-std::int64_t DigitsToInt(std::string_view digits, std::int64_t number = 0) noexcept {
+std::int64_t DigitsToInt(std::string_view digits) noexcept {
+    std::int64_t number = 0;
     for (const char c : digits) {
         number = number * 10 + (c - '0');
     }
@@ -111,8 +119,7 @@ bool InRange(const TimeReading& time) noexcept {
     if (unit < kBaseUnit) {
         return std::abs(time.number) <= kMaxBaseUnits * static_cast<double>(UnitRatio(unit, 1));
     }
-    const std::int64_t limit = kMaxWholeUnits / UnitRatio(kBaseUnit, unit);
-    return time.whole <= limit && time.whole >= -limit;
+    return time.whole <= kMaxWhole[unit] && time.whole >= -kMaxWhole[unit];
 }
 
 // Whether the digits fit 64 bits and may be read exactly; a fraction without a larger unit to leave
@@ -126,6 +133,47 @@ bool IsExact(const NumberText& text, int unit) noexcept {
            (text.whole.size() == kExactDigits + 1 && text.whole <= "9223372036854775807");
 }
 
+// Most times are a few digits and nothing else.
+std::optional<std::int64_t> PlainDigits(std::string_view text) noexcept {
+    if (text.empty() || text.size() > kExactDigits ||
+        !std::all_of(text.begin(), text.end(), platform::IsDigit)) {
+        return std::nullopt;
+    }
+    return DigitsToInt(text);
+}
+
+std::optional<TimeReading> ReadPlain(std::int64_t number, int unit) noexcept {
+    const TimeReading out{static_cast<double>(number), number, unit};
+    return InRange(out) ? std::optional(out) : std::nullopt;
+}
+
+std::optional<TimeReading> ReadNumber(const NumberText& number, int unit) noexcept {
+    std::optional<TimeReading> out;
+    if (IsExact(number, unit)) {
+        out = ReadExact(number, unit);
+    }
+    if (!out) {
+        out = ReadRounded(number, unit);
+    }
+    return out && InRange(*out) ? out : std::nullopt;
+}
+
+// A unit name of two or three characters in lower case as one number, 0 for any other length.
+constexpr std::uint32_t UnitKey(std::string_view name) noexcept {
+    std::uint32_t key = 0;
+    for (std::size_t i = 0; i < name.size() && name.size() <= 3; ++i) {
+        key = key << 8 | static_cast<unsigned char>(platform::Lower(name[i]));
+    }
+    return name.size() < 2 ? 0 : key;
+}
+
+constexpr auto kUnitKeys = [] {
+    std::array<std::uint32_t, kTimeUnits.size()> keys{};
+    std::transform(kTimeUnits.begin(), kTimeUnits.end(), keys.begin(),
+                   [](const TimeUnitRow& row) { return UnitKey(row.name); });
+    return keys;
+}();
+
 template <class T>
 void AppendAny(std::string& out, T value) {
     char digits[24];
@@ -135,35 +183,30 @@ void AppendAny(std::string& out, T value) {
 }  // namespace
 
 int FindTimeUnit(std::string_view name) noexcept {
-    if (name.size() != 2 && name.size() != 3) {
-        return -1;
-    }
-    for (std::size_t i = 0; i < kTimeUnits.size(); ++i) {
-        if (platform::EqualNoCase(kTimeUnits[i].name, name)) {
-            return static_cast<int>(i);
-        }
-    }
-    return -1;
+    const std::uint32_t key = UnitKey(name);
+    const auto row = std::find(kUnitKeys.begin(), kUnitKeys.end(), key);
+    return key == 0 || row == kUnitKeys.end() ? -1 : static_cast<int>(row - kUnitKeys.begin());
 }
 
 std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit) noexcept {
+    if (const auto digits = PlainDigits(text); digits && unit.empty()) {
+        return ReadPlain(*digits, -1);
+    }
     const std::optional<NumberText> number = SplitNumber(text);
     if (!number || (!number->rest.empty() && !unit.empty())) {
         return std::nullopt;
     }
     const std::string_view name = number->rest.empty() ? unit : number->rest;
     const int id = name.empty() ? -1 : FindTimeUnit(name);
-    if (id < 0 && !name.empty()) {
-        return std::nullopt;
+    return id < 0 && !name.empty() ? std::nullopt : ReadNumber(*number, id);
+}
+
+std::optional<TimeReading> ReadTimeIn(std::string_view text, int unit) noexcept {
+    if (const auto digits = PlainDigits(text)) {
+        return ReadPlain(*digits, unit);
     }
-    std::optional<TimeReading> out;
-    if (IsExact(*number, id)) {
-        out = ReadExact(*number, id);
-    }
-    if (!out) {
-        out = ReadRounded(*number, id);
-    }
-    return out && InRange(*out) ? out : std::nullopt;
+    const std::optional<NumberText> number = SplitNumber(text);
+    return number && number->rest.empty() ? ReadNumber(*number, unit) : std::nullopt;
 }
 
 std::size_t NumberLength(std::string_view text) noexcept {
@@ -172,8 +215,13 @@ std::size_t NumberLength(std::string_view text) noexcept {
 }
 
 void ScaleWhole(std::int64_t& value, unsigned& unit) noexcept {
-    while (value != 0 && unit + 1 < kTimeUnits.size() && value % kTimeUnits[unit].per_next == 0) {
-        value /= kTimeUnits[unit].per_next;
+    constexpr unsigned kSecond = 5;
+    while (value != 0 && unit < kSecond && value % 1000 == 0) {
+        value /= 1000;
+        ++unit;
+    }
+    while (value != 0 && unit >= kSecond && unit + 1 < kTimeUnits.size() && value % 60 == 0) {
+        value /= 60;
         ++unit;
     }
 }

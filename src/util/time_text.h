@@ -28,13 +28,18 @@ inline constexpr std::array<TimeUnitRow, 8> kTimeUnits{{
 inline constexpr unsigned kBaseUnit = 1;      // ps
 inline constexpr unsigned kNotationUnit = 2;  // ns
 
+// Every unit in femtoseconds.
+inline constexpr auto kFemtoseconds = [] {
+    std::array<std::int64_t, kTimeUnits.size()> sizes{1};
+    for (std::size_t i = 1; i < sizes.size(); ++i) {
+        sizes[i] = sizes[i - 1] * kTimeUnits[i - 1].per_next;
+    }
+    return sizes;
+}();
+
 // How many of the smaller unit make one of the larger; both known, from <= to.
 constexpr std::int64_t UnitRatio(unsigned from, unsigned to) noexcept {
-    std::int64_t ratio = 1;
-    for (; from < to; ++from) {
-        ratio *= kTimeUnits[from].per_next;
-    }
-    return ratio;
+    return kFemtoseconds[to] / kFemtoseconds[from];
 }
 
 // The identifier of a unit name in any case, -1 for anything else.
@@ -51,6 +56,9 @@ struct TimeReading {
 // Reads a number and the unit right behind it; a unit may also be given as a second text that
 // counts as standing directly behind the first. Nothing when the text is not a time.
 std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit = {}) noexcept;
+
+// Reads a number alone, given in a unit (-1: none).
+std::optional<TimeReading> ReadTimeIn(std::string_view number, int unit) noexcept;
 
 // How much of a text is a number as times are written: a sign, digits, a point, digits. 0 when it
 // does not begin with one.

@@ -79,19 +79,21 @@ public:
 private:
     friend class CStimIterator;
 
-    std::int64_t GetStartTime() const noexcept;
+    std::optional<std::int64_t> GetStartTime() const noexcept;
     bool ReadFormula(std::string_view formula);
     bool ReadElements(std::string_view formula);
     void SetParameter(const corv::stimulus::FormulaItem& item) noexcept;
     bool SetValue(const corv::stimulus::FormulaItem& item);
     void SetOffset() noexcept;
     std::string WriteFormula();
-    std::optional<std::int64_t> NextRelativeEvent(std::int64_t from) const noexcept;
+    std::optional<std::int64_t> NextRelativeEvent(std::int64_t from,
+                                                  std::int64_t pattern_start) const noexcept;
     std::uint64_t Period() const noexcept;
 
     const CSimpleStimulus* GetNearestNext(std::int64_t time, int absolute) const noexcept;
     const CSimpleStimulus* GetNearestPrev(std::int64_t time, int absolute) const noexcept;
     const corv::stimulus::ElementIndex* Index() const noexcept;
+    void BuildIndex() const noexcept;
 
     std::vector<std::unique_ptr<CSimpleStimulus>> elements_;
     TTimeUnit<std::int64_t> start_time_;
@@ -101,6 +103,7 @@ private:
     std::uint32_t repeat_target_unit_;
     std::uint32_t default_unit_;
 
+    std::size_t absolute_count_ = 0;  // elements at absolute times
     // Sorted times of the elements, made at the first question of a stimulus with many of them.
     mutable std::unique_ptr<corv::stimulus::ElementIndex> index_;
 };
