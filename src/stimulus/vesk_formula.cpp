@@ -38,24 +38,26 @@ void AppendTime(std::string& out, std::int64_t time) {
     out += corv::util::kTimeUnits[unit].name;
 }
 
-// Where each parenthesis is closed, for all of a text at once, so that nested groups are not
+// Where each parenthesis of a group is closed, all found in one pass, so that nested groups are not
 // searched again and again.
 class Parentheses {
 public:
-    explicit Parentheses(std::string_view text) {
-        std::vector<std::size_t> open;
-        for (std::size_t i = 0; i < text.size(); ++i) {
+    // Reads the group from its opening to its closing parenthesis.
+    void Build(std::string_view text, std::size_t open, std::size_t close) {
+        std::vector<std::size_t> unclosed;
+        pairs_.clear();
+        for (std::size_t i = open; i <= close; ++i) {
             if (text[i] == '(') {
-                open.push_back(pairs_.size());
-                pairs_.push_back({i, std::string_view::npos});
-            } else if (text[i] == ')' && !open.empty()) {
-                pairs_[open.back()].close = i;
-                open.pop_back();
+                unclosed.push_back(pairs_.size());
+                pairs_.push_back({i, close});
+            } else if (text[i] == ')') {
+                pairs_[unclosed.back()].close = i;
+                unclosed.pop_back();
             }
         }
     }
 
-    // The position of the match of the parenthesis at a position, npos when there is none.
+    // The position of the match of a parenthesis in the group.
     std::size_t Close(std::size_t position) const noexcept {
         return std::lower_bound(pairs_.begin(), pairs_.end(), position,
                                 [](const Pair& pair, std::size_t at) { return pair.open < at; })
@@ -150,8 +152,7 @@ std::uint64_t CVeskGroup::CountEntries() const noexcept {
 // Reads one text, already in upper case.
 class CVeskFormula::Parser {
 public:
-    Parser(std::string_view text, CVeskFormula& formula)
-        : text_(text), parentheses_(text), formula_(formula) {}
+    Parser(std::string_view text, CVeskFormula& formula) : text_(text), formula_(formula) {}
 
     bool ParseGroup(CVeskGroup& group, std::size_t begin, std::size_t end, int depth);
 
@@ -193,9 +194,16 @@ bool CVeskFormula::Parser::ParseGroup(CVeskGroup& group, std::size_t begin, std:
 bool CVeskFormula::Parser::ParseChild(CVeskGroup& group, std::size_t& at, std::size_t end,
                                       int depth) {
     const std::size_t open = at;
-    const std::size_t close = parentheses_.Close(open);
-    if (close >= end) {
-        return Note(VeskFault::UnmatchedParenthesis, open, 1);
+    std::size_t close = 0;
+    if (depth > 0) {
+        close = parentheses_.Close(open);  // inside a closed group all others are closed
+    } else {
+        const std::size_t length = corv::util::MatchEnd(text_.substr(open), ')');
+        if (length == std::string_view::npos) {
+            return Note(VeskFault::UnmatchedParenthesis, open, 1);
+        }
+        close = open + length;
+        parentheses_.Build(text_, open, close);
     }
     if (close + 1 == end) {
         return Note(VeskFault::NothingAfterGroup, close, 1);
@@ -269,7 +277,7 @@ std::unique_ptr<CVeskNode> CVeskFormula::Parser::MakeValue(std::string_view valu
             return drop(VeskFault::NotHexadecimal, value.size());
         }
     } else if (code == 'H' || code == 'L') {
-        code = code == 'H' ? '1' : '0';
+        code = code == 'H' ? std::int64_t{'1'} : std::int64_t{'0'};
     }
     if (number.empty() && unit < 0) {
         return drop(VeskFault::NoDuration, value.size());

@@ -67,12 +67,9 @@ void ScaleNumberNoFloat(double* value, int* unit) noexcept {
     if (!IsScalable(value, unit)) {
         return;
     }
-    for (double next = *value; IsWhole(*value); *value = next) {
-        const double step = PerNextUnit(*unit);
-        next = *value / step;
-        if (step == 0 || std::fmod(*value, step) != 0) {
-            return;
-        }
+    while (IsWhole(*value) && PerNextUnit(*unit) != 0 &&
+           std::fmod(*value, PerNextUnit(*unit)) == 0) {
+        *value /= PerNextUnit(*unit);
         ++*unit;
     }
 }
@@ -81,9 +78,8 @@ void ScaleNumber(double* value, int* unit) noexcept {
     if (!IsScalable(value, unit) || IsWhole(*value)) {
         return ScaleNumberNoFloat(value, unit);
     }
-    for (double step = PerNextUnit(*unit); step != 0 && std::abs(*value) >= step;
-         step = PerNextUnit(*unit)) {
-        *value /= step;
+    while (PerNextUnit(*unit) != 0 && std::abs(*value) >= PerNextUnit(*unit)) {
+        *value /= PerNextUnit(*unit);
         ++*unit;
     }
 }
