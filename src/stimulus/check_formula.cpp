@@ -7,10 +7,13 @@
 #include <optional>
 #include <string_view>
 
+#include "corv/stimulus/formula_parser.h"
 #include "corv/stimulus/stimulus.h"
 #include "platform/guard.h"
+#include "stimulators/counter_check.h"
 #include "stimulus/formula_text.h"
 #include "stimulus/unit_suggestion.h"
+#include "stimulus/vector_value.h"
 #include "stimulus/vesk_formula.h"
 #include "util/time_text.h"
 
@@ -110,11 +113,17 @@ std::vector<FormulaProblem> ProblemList::Take() {
     return std::move(problems_);
 }
 
+// What a formula is checked as.
+struct CheckedAs {
+    std::uint32_t default_unit = 1;
+    std::optional<stimulus::VectorShape> vector;
+};
+
 // Checks the value and time lists of ordinary formulas.
 class OrdinaryChecker {
 public:
-    OrdinaryChecker(std::string_view formula, std::uint32_t default_unit, ProblemList& problems)
-        : formula_(formula), default_unit_(default_unit), problems_(problems) {}
+    OrdinaryChecker(std::string_view formula, const CheckedAs& as, ProblemList& problems)
+        : formula_(formula), as_(as), problems_(problems) {}
 
     void Check();
 
@@ -134,7 +143,7 @@ private:
     };
 
     std::string_view formula_;
-    std::uint32_t default_unit_;
+    const CheckedAs& as_;
     ProblemList& problems_;
 
     std::size_t values_ = 0;
@@ -188,7 +197,7 @@ void OrdinaryChecker::CheckItem(const FormulaItem& item, std::optional<FormulaIt
                             " is the time of " + Quote(item.value) +
                             "; write the comma directly behind the word before it");
     }
-    const FormulaTime time = stimulus::ReadFormulaTime(item, default_unit_);
+    const FormulaTime time = stimulus::ReadFormulaTime(item, as_.default_unit);
     CheckTime(item, time);
     if (item.is_repeat) {
         CheckPeriod(item, time);
@@ -196,6 +205,11 @@ void OrdinaryChecker::CheckItem(const FormulaItem& item, std::optional<FormulaIt
     }
     ++values_;
     Record(item, time);
+    if (as_.vector && !stimulus::VectorValue::Read(item.value, *as_.vector)) {
+        problems_.Error(problems_.PlaceOf(item.value),
+                        "the value " + Quote(item.value) + " is neither a number nor " +
+                            std::to_string(as_.vector->width) + " characters long");
+    }
     if (item.time.empty()) {
         before_timeless_ = unitless_time_;
         timeless = item;
@@ -343,7 +357,7 @@ constexpr std::string_view SentenceOf(VeskFault fault) noexcept {
     return kFaults[static_cast<std::size_t>(fault)].sentence;
 }
 
-void CheckNotation(std::string_view formula, std::uint32_t default_unit, ProblemList& problems) {
+void CheckNotation(std::string_view formula, const CheckedAs& as, ProblemList& problems) {
     const std::string_view text = stimulus::NotationText(formula);
     const Place place = problems.PlaceOf(text);
     CVeskFormula notation;
@@ -356,6 +370,7 @@ void CheckNotation(std::string_view formula, std::uint32_t default_unit, Problem
         return;
     }
     CString converted;
+    CStringArray list;
     if (notation.IsEmpty()) {
         problems.Error(place,
                        "the notation holds no value; write values with their durations, "
@@ -366,12 +381,16 @@ void CheckNotation(std::string_view formula, std::uint32_t default_unit, Problem
                        "repeat counts");
     } else if (!notation.Convert(converted)) {
         problems.Error(place, "the notation runs past the range of 9.2e18 ps");
-    } else if (!problems.HasErrors() && CStimulus(default_unit, 1).Create(converted, 0) == 0) {
+    } else if (as.vector && CSimpleFormulaParser().Run(converted, list, as.vector->width,
+                                                       as.vector->split_mode) == 0) {
+        problems.Error(place, "the notation holds a value that does not fit a vector of " +
+                                  std::to_string(as.vector->width) + " elements");
+    } else if (!problems.HasErrors() && CStimulus(as.default_unit, 1).Create(converted, 0) == 0) {
         problems.Error(place, "the notation holds no value that takes effect");
     }
 }
 
-std::vector<FormulaProblem> Check(std::string_view formula, std::uint32_t default_unit) {
+std::vector<FormulaProblem> Check(std::string_view formula, const CheckedAs& as) {
     ProblemList problems(formula);
     const auto refuse = [&](std::string sentence) {
         problems.Error(problems.Whole(), std::move(sentence));
@@ -382,13 +401,15 @@ std::vector<FormulaProblem> Check(std::string_view formula, std::uint32_t defaul
     }
     switch (stimulus::FindFormulaKind(formula)) {
         case stimulus::FormulaKind::Ordinary:
-            OrdinaryChecker(formula, default_unit, problems).Check();
+            OrdinaryChecker(formula, as, problems).Check();
             break;
         case stimulus::FormulaKind::Notation:
-            CheckNotation(formula, default_unit, problems);
+            CheckNotation(formula, as, problems);
             break;
         case stimulus::FormulaKind::Counter:
-            refuse("counter formulas are not read by this version");
+            if (auto problem = stimulators::CheckCounter(formula, !as.vector)) {
+                problems.Error(problems.PlaceOf(problem->place), std::move(problem->sentence));
+            }
             break;
         case stimulus::FormulaKind::Custom:
             refuse("custom formulas are not read by this version");
@@ -397,15 +418,24 @@ std::vector<FormulaProblem> Check(std::string_view formula, std::uint32_t defaul
     return problems.Take();
 }
 
-}  // namespace
-
-std::vector<FormulaProblem> CheckFormula(const char* formula, std::uint32_t default_unit) noexcept {
+std::vector<FormulaProblem> CheckGuarded(const char* formula, const CheckedAs& as) noexcept {
     std::vector<FormulaProblem> problems;
-    if (!platform::Done([&] { problems = Check(formula ? formula : "", default_unit); })) {
+    if (!platform::Done([&] { problems = Check(formula ? formula : "", as); })) {
         // a sentence this short needs no memory of its own
         platform::Done([&] { problems.push_back({0, 0, Severity::Error, "out of memory"}); });
     }
     return problems;
+}
+
+}  // namespace
+
+std::vector<FormulaProblem> CheckFormula(const char* formula, std::uint32_t default_unit) noexcept {
+    return CheckGuarded(formula, {default_unit, std::nullopt});
+}
+
+std::vector<FormulaProblem> CheckVectorFormula(const char* formula, int width, int split_mode,
+                                               std::uint32_t default_unit) noexcept {
+    return CheckGuarded(formula, {default_unit, stimulus::VectorShape{width, split_mode}});
 }
 
 }  // namespace corv

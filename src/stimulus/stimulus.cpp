@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "corv/stimulators/counter.h"
 #include "platform/guard.h"
 #include "stimulus/element_index.h"
 #include "stimulus/formula_text.h"
@@ -40,6 +41,7 @@ void CStimulus::Destroy() noexcept {
     start_time_ = Time(0, default_unit_);
     repeat_period_ = Time(0, default_unit_);
     pattern_offset_ = Time(0);
+    counter_.reset();
 }
 
 int CStimulus::Create(const char* formula, std::int64_t start) noexcept {
@@ -47,13 +49,13 @@ int CStimulus::Create(const char* formula, std::int64_t start) noexcept {
     if (!formula || !*formula) {
         return 0;
     }
-    const bool read = corv::platform::Guarded(false, [&] { return ReadFormula(formula); });
+    const bool read = corv::platform::Guarded(false, [&] { return ReadFormula(formula, start); });
     start_time_.value = start;
     SetOffset();
-    return read && !elements_.empty() ? 1 : 0;
+    return read && (counter_ || !elements_.empty()) ? 1 : 0;
 }
 
-bool CStimulus::ReadFormula(std::string_view formula) {
+bool CStimulus::ReadFormula(std::string_view formula, std::int64_t start) {
     switch (corv::stimulus::FindFormulaKind(formula)) {
         case FormulaKind::Ordinary:
             return ReadElements(formula);
@@ -63,11 +65,23 @@ bool CStimulus::ReadFormula(std::string_view formula) {
             return notation.Parse(corv::stimulus::NotationText(formula)) &&
                    notation.Convert(converted) && ReadElements(converted.View());
         }
-        case FormulaKind::Custom:
         case FormulaKind::Counter:
+            return CreateCounter(formula, start);
+        case FormulaKind::Custom:
             break;
     }
     return false;
+}
+
+bool CStimulus::CreateCounter(std::string_view formula, std::int64_t start) {
+    CString lower(formula);
+    lower.MakeLower();
+    auto counter = std::make_unique<CCounterRef>();
+    if (!counter->Init(lower, start)) {
+        return false;
+    }
+    counter_ = std::move(counter);
+    return true;
 }
 
 bool CStimulus::ReadElements(std::string_view formula) {
@@ -186,6 +200,9 @@ const CSimpleStimulus* CStimulus::GetNearestPrev(std::int64_t time, int absolute
 }
 
 int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
+    if (counter_) {
+        return counter_->GetValue(time, value);
+    }
     const std::optional<std::int64_t> pattern_start = GetStartTime();
     if (elements_.empty() || !pattern_start || time < *pattern_start) {
         return 0;
@@ -245,6 +262,9 @@ std::optional<std::int64_t> CStimulus::NextRelativeEvent(
 }
 
 std::int64_t CStimulus::GetNextEventTime(std::int64_t time) const noexcept {
+    if (counter_) {
+        return counter_->GetNextEventTime(time);
+    }
     const std::optional<std::int64_t> pattern_start = GetStartTime();
     if (elements_.empty() || !pattern_start || time == corv::util::Int64Limits::max()) {
         return -1;
@@ -266,6 +286,9 @@ void CStimulus::GenerateFormula(CString& out) noexcept {
 
 std::string CStimulus::WriteFormula() {
     std::string out;
+    if (counter_) {
+        return out;
+    }
     for (const auto& element : elements_) {
         element->time_ = Time(element->GetTime());
         if (!out.empty()) {

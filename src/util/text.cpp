@@ -13,17 +13,6 @@ std::string_view View(const char* text) noexcept {
     return text ? text : "";
 }
 
-// The text without the separators and blanks at its front, in any mixture.
-std::string_view SkipAny(std::string_view text, std::string_view separators,
-                         std::string_view blanks) noexcept {
-    std::size_t before = 0;
-    do {
-        before = text.size();
-        text = corv::util::SkipFront(corv::util::SkipFront(text, separators), blanks);
-    } while (text.size() != before);
-    return text;
-}
-
 // Copies the part out and makes `rest`, a view of the source, the source.
 CString Consume(CString& source, std::string_view part, std::string_view rest) noexcept {
     return corv::platform::Guarded(CString(), [&] {
@@ -37,44 +26,33 @@ CString Consume(CString& source, std::string_view part, std::string_view rest) n
 
 CString NextToken(CString& source, const char* separators, const char* opening, const char* closing,
                   const char* blanks) noexcept {
-    const std::string_view text = source.View();
-    const std::size_t end =
-        corv::util::FindOutsidePairs(text, {View(opening), View(closing)}, View(separators));
-    return Consume(source, corv::util::TrimEnds(text.substr(0, end), View(blanks)),
-                   SkipAny(text.substr(end), View(separators), View(blanks)));
+    std::string_view rest = source.View();
+    const std::string_view token =
+        corv::util::TakeToken(rest, View(separators), {View(opening), View(closing)}, View(blanks));
+    return Consume(source, token, rest);
 }
 
 CString NextWord(CString& source, const char* opening, const char* closing,
                  const char* blanks) noexcept {
-    const std::string_view text = corv::util::SkipFront(source.View(), View(blanks));
-    const std::size_t length =
-        corv::util::WordLength(text, {View(opening), View(closing)}, View(blanks));
-    const std::string_view rest = corv::util::SkipFront(text.substr(length), View(blanks));
-    return Consume(source, text.substr(0, length), rest);
+    return _GetBracedWord(source, blanks, opening, closing);
 }
 
 CString GetBracedWord(CString& source, const char* separators, const char* opening,
                       const char* closing) noexcept {
     const Pairs pairs{View(opening), View(closing)};
-    std::string_view word = source.View();
-    if (!View(separators).empty()) {
-        word = corv::util::SkipFront(word, View(separators));
-        word = word.substr(0, corv::util::WordLength(word, pairs, View(separators)));
-    }
-    const char closer = word.empty() ? '\0' : pairs.Closing(word[0]);
-    if (closer != '\0' && corv::util::MatchEnd(word, closer) == word.size() - 1) {
-        word = word.substr(1, word.size() - 2);
-    }
-    return corv::platform::Guarded(CString(), [&] { return CString(word); });
+    std::string_view text = source.View();
+    const std::string_view word =
+        View(separators).empty() ? text : corv::util::TakeWord(text, pairs, View(separators));
+    return corv::platform::Guarded(CString(),
+                                   [&] { return CString(corv::util::StripPair(word, pairs)); });
 }
 
 CString _GetBracedWord(CString& source, const char* separators, const char* opening,
                        const char* closing) noexcept {
-    const std::string_view text = corv::util::SkipFront(source.View(), View(separators));
-    const std::size_t length =
-        corv::util::WordLength(text, {View(opening), View(closing)}, View(separators));
-    const std::string_view rest = corv::util::SkipFront(text.substr(length), View(separators));
-    return Consume(source, text.substr(0, length), rest);
+    std::string_view rest = source.View();
+    const std::string_view word =
+        corv::util::TakeWord(rest, {View(opening), View(closing)}, View(separators));
+    return Consume(source, word, rest);
 }
 
 void Trim(CString& text, const char* characters) noexcept {

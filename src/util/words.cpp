@@ -50,6 +50,44 @@ std::size_t FindOutsidePairs(std::string_view text, Pairs pairs,
     return at;
 }
 
+namespace {
+
+// The text without the separators and blanks at its front, in any mixture.
+std::string_view SkipAny(std::string_view text, std::string_view separators,
+                         std::string_view blanks) noexcept {
+    std::size_t before = 0;
+    do {
+        before = text.size();
+        text = SkipFront(SkipFront(text, separators), blanks);
+    } while (text.size() != before);
+    return text;
+}
+
+}  // namespace
+
+std::string_view TakeToken(std::string_view& text, std::string_view separators, Pairs pairs,
+                           std::string_view blanks) noexcept {
+    const std::size_t end = FindOutsidePairs(text, pairs, separators);
+    const std::string_view token = TrimEnds(text.substr(0, end), blanks);
+    text = SkipAny(text.substr(end), separators, blanks);
+    return token;
+}
+
+std::string_view TakeWord(std::string_view& text, Pairs pairs,
+                          std::string_view separators) noexcept {
+    text = SkipFront(text, separators);
+    const std::size_t length = WordLength(text, pairs, separators);
+    const std::string_view word = text.substr(0, length);
+    text = SkipFront(text.substr(length), separators);
+    return word;
+}
+
+std::string_view StripPair(std::string_view word, Pairs pairs) noexcept {
+    const char closing = word.empty() ? '\0' : pairs.Closing(word[0]);
+    const bool enclosed = closing != '\0' && MatchEnd(word, closing) == word.size() - 1;
+    return enclosed ? word.substr(1, word.size() - 2) : word;
+}
+
 std::string_view SkipFront(std::string_view text, std::string_view characters) noexcept {
     return text.substr(std::min(text.find_first_not_of(characters), text.size()));
 }

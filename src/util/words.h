@@ -29,6 +29,15 @@ std::size_t WordLength(std::string_view text, Pairs pairs, std::string_view sepa
 std::size_t FindOutsidePairs(std::string_view text, Pairs pairs,
                              std::string_view separators) noexcept;
 
+// Parts taken off the front of a text, with the separators behind them; what text.h tells of the
+// functions of these names.
+std::string_view TakeToken(std::string_view& text, std::string_view separators, Pairs pairs,
+                           std::string_view blanks) noexcept;
+std::string_view TakeWord(std::string_view& text, Pairs pairs,
+                          std::string_view separators) noexcept;
+// The word without the one pair that encloses all of it.
+std::string_view StripPair(std::string_view word, Pairs pairs) noexcept;
+
 // The text without the characters at its front; at both ends.
 std::string_view SkipFront(std::string_view text, std::string_view characters) noexcept;
 std::string_view TrimEnds(std::string_view text, std::string_view characters) noexcept;

@@ -35,4 +35,10 @@ inline constexpr std::size_t kMaxFormulaProblems = 100;
 CORV_API std::vector<FormulaProblem> CheckFormula(const char* formula,
                                                   std::uint32_t default_unit = 1) noexcept;
 
+// The same for the formula of a vector, as CFormulaParser::Run takes it with this width and split
+// mode: counters of any type are fine, and every value has to fit the width.
+CORV_API std::vector<FormulaProblem> CheckVectorFormula(const char* formula, int width,
+                                                        int split_mode,
+                                                        std::uint32_t default_unit = 1) noexcept;
+
 }  // namespace corv

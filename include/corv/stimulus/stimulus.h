@@ -13,6 +13,7 @@
 #include "corv/stimulus/simple_stimulus.h"
 #include "corv/stimulus/time_unit.h"
 
+class CCounterRef;
 class CCustomStimulus;
 namespace corv::stimulus {
 class ElementIndex;
@@ -30,10 +31,11 @@ struct FormulaItem;
 // may be left out at the element's end and then is 0. A time is a number with an optional unit
 // ("10", "1.5ns", "10 ns"); one behind "@" is a simulation time, any other counts from the start.
 // "-r" and a time repeat the pattern with that period. A formula with "/vesk" holds the compact
-// notation of vesk.h behind that word. corv::CheckFormula tells what is wrong with a formula.
+// notation of vesk.h behind that word; one with "\\counter" is a counter or a wire of a registered
+// one, as counter.h tells. corv::CheckFormula tells what is wrong with a formula.
 //
 // An ordinary stimulus owns its elements. One thread at a time may use it: questions asked of a
-// const stimulus may build its index of elements.
+// const stimulus may build its index of elements, or move its counter on.
 class CORV_API CStimulus {
 public:
     // Picoseconds throughout: the units (1, 1).
@@ -48,7 +50,8 @@ public:
     // Reads a formula; what the stimulus held before is dropped. `start`, in the default unit, is
     // when the stimulus begins. Gives 1, or 0 for a null or empty formula, an empty or unreadable
     // element, a negative time, a formula without elements, a notation text that can't be read, a
-    // custom or counter formula, and when memory runs out. After 0 the elements read so far stay.
+    // counter that can't be registered or is not there, a custom formula, and when memory runs out.
+    // After 0 the elements read so far stay.
     int Create(const char* formula, std::int64_t start) noexcept;
 
     // Back to an empty stimulus.
@@ -80,8 +83,9 @@ private:
     friend class CStimIterator;
 
     std::optional<std::int64_t> GetStartTime() const noexcept;
-    bool ReadFormula(std::string_view formula);
+    bool ReadFormula(std::string_view formula, std::int64_t start);
     bool ReadElements(std::string_view formula);
+    bool CreateCounter(std::string_view formula, std::int64_t start);
     void SetParameter(const corv::stimulus::FormulaItem& item) noexcept;
     bool SetValue(const corv::stimulus::FormulaItem& item);
     void SetOffset() noexcept;
@@ -100,6 +104,7 @@ private:
     TTimeUnit<std::int64_t> repeat_period_;
     TTimeUnit<std::int64_t> pattern_offset_;
     CCustomStimulus* custom_ = nullptr;
+    std::unique_ptr<CCounterRef> counter_;
     std::uint32_t repeat_target_unit_;
     std::uint32_t default_unit_;
 

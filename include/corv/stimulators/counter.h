@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "corv/platform/cstring.h"
+#include "corv/platform/export.h"
+#include "corv/stimulators/counter_stimulus_info.h"
+
+// Counters are registered once for all wires of a vector; each wire's stimulus refers to its
+// counter by handle and wire. A counter keeps one count period: the old value from its start on,
+// the new one from its end on. A question past the end makes the next period, for all wires, so
+// callers walk forward in time, from event to event. All times are picoseconds.
+
+// One registered counter.
+class CORV_API CCounterState {
+public:
+    // Reads a counter formula for a number of wires (the split mode is 0 for words, else
+    // characters). False for a formula that can't be read, a period below 1 ps and a starting value
+    // or increment that is no number in the formula's radix.
+    bool Init(const char* formula, unsigned width, int split_mode) noexcept;
+
+    // Moves the end of the period to a later time: counting starts at the latest start time of the
+    // stimuli linked before the first question. Earlier times change nothing.
+    void NoteStartTime(std::int64_t time) noexcept;
+
+    // The value of a wire, 0 being the most significant, at a time: 1 with the text written. 0, the
+    // text left alone, for a wire outside the width, before any start time was noted, before the
+    // period's start, and when the next period can't be made.
+    int GetValue(unsigned wire, std::int64_t time, CString& value) noexcept;
+    // The first event of a wire after a time, -1 when there is none and where GetValue gives 0.
+    std::int64_t GetNextEventTime(unsigned wire, std::int64_t time) noexcept;
+
+    // Makes the next period. False when its end is past the range of times; the value has moved on.
+    bool Advance() noexcept;
+
+    // Moves the value on and writes the period from the current end on as a formula:
+    // "10#14 @0,10#15 @10". False, nothing written, for a counter without wires or period and when
+    // memory runs out.
+    bool BuildSegment(CString& out) noexcept;
+
+    // The number of wires.
+    unsigned GetWidth() const noexcept { return width_; }
+
+    // Drive one stimulus with the whole value; binary counters only.
+    bool MakeWhole() noexcept;
+
+private:
+    struct Shown {
+        std::int64_t before;
+        std::int64_t after;
+    };
+    struct Segment {
+        std::int64_t begin;
+        std::int64_t end;
+        Shown shown;
+    };
+
+    std::int64_t NextValue() noexcept;
+    std::int64_t ShownValue(std::int64_t value) const noexcept;
+    Shown StepShown() noexcept;
+    bool ReadPeriod() noexcept;
+    bool Answers(unsigned wire) const noexcept;
+
+    corv::CCounterStimulusInfo settings_;
+    std::int64_t segment_end_ = -1;  // where counting starts, before the first period
+    std::int64_t period_ = 0;
+    std::int64_t increment_ = 0;
+    std::int64_t current_ = 0;  // bits above the width may be set; they are never shown
+    std::optional<Segment> segment_;
+    unsigned width_ = 0;
+    int split_mode_ = 0;
+    bool whole_ = false;
+    bool ready_ = false;  // Init has succeeded
+};
+
+// Registers a counter and gives its handle: 0, 1, 2, … by order of success. -1 for a formula that
+// CCounterState::Init refuses and when memory runs out; no handle is taken then.
+CORV_API int RegisterCounter(const char* formula, unsigned width, int split_mode) noexcept;
+// The same for a counter that drives one stimulus with its whole value; binary counters only.
+CORV_API int RegisterWholeCounter(const char* formula) noexcept;
+// The counter of a handle, owned by the registry, or null.
+CORV_API CCounterState* FindCounter(int handle) noexcept;
+
+// What a counter stimulus holds: a counter's handle and a wire.
+class CORV_API CCounterRef {
+public:
+    // Links to a wire by a reference text, "\counter\wire\2\handle\0", or registers a counter
+    // formula of its own as a whole counter, and notes the stimulus's start time. False when there
+    // is no such counter or it can't be registered.
+    bool Init(const char* formula, std::int64_t start) noexcept;
+
+    // Writes the reference text; false, nothing written, before handle and wire are set and when
+    // memory runs out.
+    bool Format(CString& out) const noexcept;
+
+    // As CCounterState's; 0 and -1 when the counter does not exist any more.
+    int GetValue(std::int64_t time, CString& value) const noexcept;
+    std::int64_t GetNextEventTime(std::int64_t time) const noexcept;
+
+    int handle = -1;
+    int wire = -1;
+};
+
+namespace corv {
+
+// Drops every registered counter; handles start at 0 again. For hosts that run many sessions in one
+// process: stimuli linked before answer nothing afterwards, until their handle is given anew.
+CORV_API void ResetCounters() noexcept;
+
+}  // namespace corv

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "util/fields.h"
+
+// Counter formulas and the texts that refer to a wire of a registered counter.
+//
+//     formula   = "\counter" "\TYPE\" int "\DIR\" int "\RADIX\" int "\START\" text "\INC\" text
+//                 "\PERIOD\" time "\REV\" int
+//     reference = "\counter\wire\" int "\handle\" int
+//
+// Words are separated by runs of "\", of which a leading one may be missing; case does not matter;
+// what follows the last value is ignored.
+namespace corv::stimulators {
+
+enum class CounterKey { Type, Dir, Radix, Start, Inc, Period, Rev };
+inline constexpr std::array<std::string_view, 7> kCounterKeys{"TYPE", "DIR",    "RADIX", "START",
+                                                              "INC",  "PERIOD", "REV"};
+
+class CounterReader {
+public:
+    explicit CounterReader(std::string_view text) noexcept
+        : text_(text), fields_(text, '\\'), at_(text.substr(0, 0)) {}
+
+    // Reads the word "counter" at the front.
+    bool Begin() noexcept { return ReadWord("counter"); }
+    // Reads a key and its value; nothing when either is missing or the key another one.
+    std::optional<std::string_view> Value(CounterKey key) noexcept {
+        return Value(kCounterKeys[static_cast<std::size_t>(key)]);
+    }
+    std::optional<std::string_view> Value(std::string_view key) noexcept;
+
+    // Where reading stopped: the last word looked at, empty at the end of the text.
+    std::string_view At() const noexcept { return at_; }
+
+private:
+    bool ReadWord(std::string_view expected) noexcept;
+    std::optional<std::string_view> Next() noexcept;
+
+    std::string_view text_;
+    util::FieldReader fields_;
+    std::string_view at_;
+};
+
+// A value's leading whole number, cut to 32 bits.
+int CounterInt(std::string_view value) noexcept;
+
+struct CounterReference {
+    int wire;
+    int handle;
+};
+std::optional<CounterReference> ReadCounterReference(std::string_view text) noexcept;
+std::string WriteCounterReference(CounterReference reference);
+
+struct CounterFields {
+    int type;
+    int dir;
+    int radix;
+    std::string_view start;
+    std::string_view increment;
+    std::string_view period;
+    bool reverse;
+};
+std::string WriteCounterText(const CounterFields& fields);
+
+}  // namespace corv::stimulators

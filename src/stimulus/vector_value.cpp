@@ -1,0 +1,76 @@
+#include "stimulus/vector_value.h"
+
+#include <cstdint>
+
+#include "corv/util/dec_converter.h"
+#include "stimulus/formula_text.h"
+#include "util/words.h"
+
+namespace corv::stimulus {
+namespace {
+
+constexpr util::Pairs kQuotesFirst{"\"'([{", "\"')]}"};
+constexpr std::string_view kBlanksAndComma = " \n\t,";
+
+std::string ToBits(std::int64_t number, int width) {
+    CString bits;
+    c_decConverter().MakeBin(static_cast<std::uint64_t>(number), width, bits);
+    return std::string(bits.View());
+}
+
+}  // namespace
+
+std::optional<VectorValue> VectorValue::Read(std::string_view word, VectorShape shape) {
+    VectorValue value;
+    if (shape.InWords()) {
+        word = util::TrimEnds(word, kBlanksAndComma);
+    }
+    value.text_ = util::StripPair(word, kQuotesFirst);
+    if (value.text_.empty()) {
+        return std::nullopt;
+    }
+    if (IsParameter(value.text_)) {
+        value.kind_ = Kind::Repeat;
+        return value;
+    }
+    const CString text(value.text_);
+    std::int64_t number = 0;
+    if (c_decConverter().Convert(text, &number) != 0 ||
+        (!shape.InWords() && c_decConverter().Convert(text, 2, &number) != 0)) {
+        value.bits_ = ToBits(number, shape.width);
+    } else if (shape.InWords()) {
+        value.kind_ = Kind::Words;
+        return value;
+    } else if (static_cast<std::int64_t>(value.text_.size()) != shape.width) {
+        return std::nullopt;
+    }
+    if (!shape.InWords() && word[0] == '"') {
+        value.kind_ = Kind::QuotedCharacters;
+    }
+    return value;
+}
+
+bool VectorValue::AppendNext(std::string& out) {
+    const std::string_view text = Text();
+    if (kind_ == Kind::Repeat) {
+        out += text;
+        return true;
+    }
+    if (kind_ == Kind::Words) {
+        std::string_view rest = text.substr(at_);
+        const std::string_view word = util::TakeWord(rest, kQuotesFirst, kBlanksAndComma);
+        at_ = text.size() - rest.size();
+        out += word;
+        return !word.empty();
+    }
+    if (at_ == text.size()) {
+        return false;
+    }
+    const std::string_view quote = kind_ == Kind::QuotedCharacters ? "'" : "";
+    out += quote;
+    out += text[at_++];
+    out += quote;
+    return true;
+}
+
+}  // namespace corv::stimulus
