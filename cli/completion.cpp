@@ -1,0 +1,236 @@
+#include <memory>
+
+#include "cli/command.h"
+#include "cli/description.h"
+#include "cli/options.h"
+#include "cli/output.h"
+
+namespace corv::cli {
+namespace {
+
+// Shell scripts are written from these texts, in which single quotes would end a quoted word.
+std::string Quote(std::string_view text, std::string_view quote) {
+    std::string out = "'";
+    for (const char c : text) {
+        out += c == '\'' ? std::string(quote) : std::string(1, c);
+    }
+    return out + "'";
+}
+
+std::string Join(const std::vector<std::string>& words, std::string_view between) {
+    std::string out;
+    for (const std::string& word : words) {
+        out += (out.empty() ? "" : std::string(between)) + word;
+    }
+    return out;
+}
+
+std::vector<std::string> NamesOf(const OptionInfo& option) {
+    std::vector<std::string> names{option.long_name};
+    if (!option.short_name.empty()) {
+        names.push_back(option.short_name);
+    }
+    return names;
+}
+
+// What may stand next: commands, options and the words of an operand.
+std::vector<std::string> WordsOf(const CommandInfo& command) {
+    std::vector<std::string> words;
+    for (const CommandInfo& inner : command.commands) {
+        words.push_back(inner.name);
+    }
+    for (const OptionInfo& operand : command.operands) {
+        const auto choices = operand.Choices();
+        words.insert(words.end(), choices.begin(), choices.end());
+    }
+    for (const OptionInfo& option : command.options) {
+        const auto names = NamesOf(option);
+        words.insert(words.end(), names.begin(), names.end());
+    }
+    return words;
+}
+
+std::string BashValues(const CommandInfo& command) {
+    std::string out;
+    for (const OptionInfo& option : command.options) {
+        if (option.value.empty()) {
+            continue;
+        }
+        std::vector<std::string> patterns;
+        for (const std::string& name : NamesOf(option)) {
+            patterns.push_back("'" + command.path + " " + name + "'");
+        }
+        const std::string words = Join(option.Choices(), " ");
+        out += "        " + Join(patterns, "|") + ")\n            " +
+               (option.IsFile()
+                    ? "compopt -o filenames; COMPREPLY=($(compgen -f -- \"$cur\"))\n            "
+                : words.empty()
+                    ? ""
+                    : "COMPREPLY=($(compgen -W '" + words + "' -- \"$cur\"))\n            ") +
+               "return ;;\n";
+    }
+    return out;
+}
+
+std::string Bash(const CommandInfo& program) {
+    std::string paths, values, words;
+    for (const CommandInfo* command : AllCommands(program)) {
+        if (command != &program) {
+            paths += (paths.empty() ? "'" : "|'") + command->path + "'";
+        }
+        values += BashValues(*command);
+        words +=
+            "        '" + command->path + "') words='" + Join(WordsOf(*command), " ") + "' ;;\n";
+    }
+    return "# bash completion of corv\n"
+           "_corv() {\n"
+           "    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}\n"
+           "    local command=corv words= i\n"
+           "    COMPREPLY=()\n"
+           "    for ((i = 1; i < COMP_CWORD; i++)); do\n"
+           "        case \"$command ${COMP_WORDS[i]}\" in\n"
+           "        " +
+           paths +
+           ") command+=\" ${COMP_WORDS[i]}\" ;;\n"
+           "        esac\n"
+           "    done\n"
+           "    case \"$command $prev\" in\n" +
+           values +
+           "    esac\n"
+           "    case \"$command\" in\n" +
+           words +
+           "    esac\n"
+           "    COMPREPLY=($(compgen -W \"$words\" -- \"$cur\"))\n"
+           "}\n"
+           "complete -F _corv corv\n";
+}
+
+// A text inside an argument of _arguments: brackets and colons divide it.
+std::string ZshText(std::string_view text) {
+    std::string out;
+    for (const char c : text) {
+        out += c == '[' || c == ']' || c == ':' || c == '\\' ? "\\" : "";
+        out += c;
+    }
+    return out;
+}
+
+std::string ZshAction(const OptionInfo& option) {
+    const std::string choices = Join(option.Choices(), " ");
+    return option.IsFile() ? "_files" : choices.empty() ? " " : "(" + choices + ")";
+}
+
+std::string ZshArguments(const CommandInfo& command) {
+    std::string out;
+    for (const OptionInfo& option : command.options) {
+        const auto names = NamesOf(option);
+        const std::string tail =
+            "[" + ZshText(option.text) + "]" +
+            (option.value.empty() ? "" : ":" + ZshText(option.value) + ":" + ZshAction(option));
+        for (const std::string& name : names) {
+            const std::string head = option.repeatable ? "*" : "(" + Join(names, " ") + ")";
+            out += " \\\n        " + Quote(head + name + tail, "'\\''");
+        }
+    }
+    for (const OptionInfo& operand : command.operands) {
+        out += " \\\n        " +
+               Quote(":" + ZshText(operand.long_name) + ":" + ZshAction(operand), "'\\''");
+    }
+    return out;
+}
+
+std::string ZshFunction(const CommandInfo& command) {
+    std::string name = "_" + command.path;
+    for (char& c : name) {
+        c = c == ' ' ? '_' : c;
+    }
+    std::string out = name + "() {\n";
+    if (command.commands.empty()) {
+        return out + "    _arguments -s" + ZshArguments(command) + "\n}\n";
+    }
+    std::string names, calls;
+    for (const CommandInfo& inner : command.commands) {
+        names += " \\\n            " + Quote(inner.name + ":" + ZshText(inner.summary), "'\\''");
+        calls += "        " + inner.name + ") " + name + "_" + inner.name + " ;;\n";
+    }
+    return out + "    local state line\n    local -a commands\n    _arguments -C" +
+           ZshArguments(command) +
+           " \\\n        '1: :->command' '*:: :->arguments'\n"
+           "    case $state in\n    command)\n        commands=(" +
+           names +
+           ")\n        _describe command commands ;;\n"
+           "    arguments)\n        case $words[1] in\n" +
+           calls + "        esac ;;\n    esac\n}\n";
+}
+
+std::string Zsh(const CommandInfo& program) {
+    std::string out = "#compdef corv\n";
+    for (const CommandInfo* command : AllCommands(program)) {
+        out += ZshFunction(*command);
+    }
+    return out + "_corv \"$@\"\n";
+}
+
+// When a command of the path was given and none of the commands under it.
+std::string FishCondition(const CommandInfo& command) {
+    std::string seen = "true";
+    const std::string below = command.path.substr(std::min<std::size_t>(5, command.path.size()));
+    for (std::size_t at = 0; at < below.size();) {
+        const std::size_t end = std::min(below.find(' ', at), below.size());
+        seen += "; and __fish_seen_subcommand_from " + below.substr(at, end - at);
+        at = end + 1;
+    }
+    for (const CommandInfo& inner : command.commands) {
+        seen += "; and not __fish_seen_subcommand_from " + inner.name;
+    }
+    return "complete -c corv -n '" + seen + "'";
+}
+
+std::string Fish(const CommandInfo& program) {
+    std::string out = "# fish completion of corv\ncomplete -c corv -f\n";
+    for (const CommandInfo* command : AllCommands(program)) {
+        const std::string head = FishCondition(*command);
+        for (const CommandInfo& inner : command->commands) {
+            out += head + " -a " + inner.name + " -d " + Quote(inner.summary, "\\'") + "\n";
+        }
+        for (const OptionInfo& operand : command->operands) {
+            const std::string choices = Join(operand.Choices(), " ");
+            out += choices.empty() ? "" : head + " -a '" + choices + "'\n";
+        }
+        for (const OptionInfo& option : command->options) {
+            const std::string choices = Join(option.Choices(), " ");
+            out += head + " -l " + option.long_name.substr(2) +
+                   (option.short_name.empty() ? "" : " -s " + option.short_name.substr(1)) +
+                   (option.value.empty() ? ""
+                    : option.IsFile()    ? " -r -F"
+                    : choices.empty()    ? " -x"
+                                         : " -x -a '" + choices + "'") +
+                   " -d " + Quote(option.text, "\\'") + "\n";
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+void AddCompletion(CLI::App& program, Action& chosen) {
+    constexpr const char* kShells = "bash|zsh|fish";
+    CLI::App* command = program.add_subcommand("completion", "write completions for a shell");
+    auto shell = std::make_shared<std::string>();
+    command->add_option("SHELL", *shell, "The shell")
+        ->required()
+        ->type_name(kShells)
+        ->check(OneOf(kShells));
+    command->footer("source <(corv completion bash)");
+    command->callback([&chosen, &program, shell] {
+        chosen = [&program, shell] {
+            const CommandInfo described = Describe(program);
+            WriteOutput("", *shell == "bash"  ? Bash(described)
+                            : *shell == "zsh" ? Zsh(described)
+                                              : Fish(described));
+            return kFine;
+        };
+    });
+}
+
+}  // namespace corv::cli

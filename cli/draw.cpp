@@ -1,0 +1,112 @@
+#include <unistd.h>
+
+#include <memory>
+
+#include "cli/command.h"
+#include "cli/formulas.h"
+#include "cli/options.h"
+#include "cli/output.h"
+#include "host/axis.h"
+#include "host/driver.h"
+#include "host/svg.h"
+#include "host/terminal.h"
+
+namespace corv::cli {
+namespace {
+
+constexpr int kLeastPlot = 10;  // columns that a drawing in the terminal needs beside the names
+
+struct DrawOptions : FormulaOptions {
+    std::string output, svg, title;
+    std::optional<int> width, svg_width;
+    bool ascii = false;
+};
+
+std::vector<std::string> Names(const std::vector<NamedStimulus>& stimuli) {
+    std::vector<std::string> names;
+    for (const NamedStimulus& named : stimuli) {
+        names.push_back(named.name);
+    }
+    return names;
+}
+
+host::Picture MakePicture(const DrawOptions& options, const std::vector<NamedStimulus>& stimuli,
+                          const host::TimeGrid& grid, std::int64_t columns_per_character) {
+    host::Picture picture{
+        options.title, grid, host::MakeTicks(grid, columns_per_character, options.time_unit), {}};
+    for (const NamedStimulus& named : stimuli) {
+        host::Trace trace = host::RecordForGrid(*named.stimulus, grid);
+        trace.name = named.name;
+        picture.lanes.push_back(host::LayOut(trace, grid));
+    }
+    return picture;
+}
+
+void DrawText(const DrawOptions& options, const std::vector<NamedStimulus>& stimuli,
+              host::TimeWindow window) {
+    const bool to_screen = options.output.empty() || options.output == "-";
+    const int file_descriptor = to_screen ? STDOUT_FILENO : -1;
+    const int width = options.width ? *options.width : host::DrawingWidth(file_descriptor);
+    host::TerminalStyle style;
+    style.ascii = options.ascii;
+    style.colour = WithColour(options.colour, file_descriptor);
+    style.name_width = host::TerminalNameWidth(Names(stimuli), static_cast<std::size_t>(width));
+    const auto names = static_cast<int>(style.name_width + host::kTerminalGap);
+    const host::TimeGrid grid(window, std::max(width - names, kLeastPlot));
+    WriteOutput(options.output, DrawTerminal(MakePicture(options, stimuli, grid, 1), style));
+}
+
+void DrawPicture(const DrawOptions& options, const std::vector<NamedStimulus>& stimuli,
+                 host::TimeWindow window) {
+    host::SvgStyle style;
+    style.width = options.svg_width.value_or(static_cast<int>(style.width));
+    style.name_columns = host::SvgNameColumns(Names(stimuli), style.width);
+    const host::TimeGrid grid(window, host::SvgPlotWidth(style));
+    const host::Picture picture = MakePicture(options, stimuli, grid, host::kSvgLabelWidth);
+    WriteOutput(options.svg, DrawSvg(picture, style));
+}
+
+int RunDraw(const DrawOptions& options) {
+    if (options.svg == "-" && options.output == "-") {
+        throw Failure("only one of --svg and --output can go to standard output");
+    }
+    const std::vector<NamedStimulus> stimuli = LoadStimuli(options);
+    const host::TimeWindow window = ChooseWindow(options, stimuli);
+    if (options.svg.empty() || !options.output.empty()) {
+        DrawText(options, stimuli, window);
+    }
+    if (!options.svg.empty()) {
+        DrawPicture(options, stimuli, window);
+    }
+    return kFine;
+}
+
+}  // namespace
+
+void AddDraw(CLI::App& program, Action& chosen) {
+    CLI::App* command = program.add_subcommand(
+        "draw",
+        "draw the waveforms of formulas\n"
+        "Draws a line for each formula, under a time ruler, to standard output or as SVG. 0 and 1 "
+        "are lines, X, U, W and - boxes with their letter, other values boxes with their text. "
+        "Where more happens than can be shown a mark says so.");
+    auto options = std::make_shared<DrawOptions>();
+    AddFormulaOptions(*command, *options);
+    AddText(*command, "--svg", "FILE", options->svg,
+            "Write an SVG picture to FILE instead of the drawing in text");
+    AddText(*command, "-o,--output", "FILE", options->output,
+            "Write the drawing in text to FILE, also beside --svg");
+    AddText(*command, "--title", "TEXT", options->title, "A title above the waveforms");
+    AddNumber(*command, "--width", 20, 10000, options->width,
+              "Columns of the drawing in text; the terminal's unless given");
+    AddNumber(*command, "--svg-width", 200, 10000, options->svg_width,
+              "Pixels of the SVG picture's width; 1000 unless given");
+    command->add_flag("--ascii", options->ascii, "Draw with 7-bit characters");
+    command->footer(
+        "corv draw -f clk='0 0, 1 5ns -r 10ns' -f rst='1 0, 0 @23ns'\n"
+        "corv draw -f bus='/vesk [1F]25ns[2A]40ns z10ns' --svg bus.svg --title Transfer\n"
+        "corv clock --freq 100MHz --formula | corv draw -f clk=- -e 50ns");
+    command->callback([&chosen, options] { chosen = [options] { return RunDraw(*options); }; });
+}
+
+}  // namespace corv::cli

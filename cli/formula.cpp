@@ -1,0 +1,117 @@
+#include <unistd.h>
+
+#include <memory>
+
+#include "cli/command.h"
+#include "cli/formulas.h"
+#include "cli/json.h"
+#include "cli/options.h"
+#include "cli/output.h"
+#include "corv/stimulus/check_formula.h"
+#include "corv/stimulus/stimulus.h"
+#include "host/diagnostic.h"
+#include "host/time_text.h"
+
+namespace corv::cli {
+namespace {
+
+constexpr const char* kName = "formula";  // what stands before the line in messages
+
+struct TextOptions {
+    std::string text;
+    std::optional<unsigned> default_unit;
+    host::ColourMode colour = host::ColourMode::Auto;
+    bool json = false;
+    bool quiet = false;
+
+    unsigned Unit() const { return default_unit.value_or(host::kPicosecond); }
+};
+
+int RunNormal(const TextOptions& options) {
+    const std::string formula = FormulaText(options.text);
+    const auto problems = CheckFormula(formula.c_str(), options.Unit());
+    if (ReportProblems(kName, formula, problems, options.colour)) {
+        return kFailed;
+    }
+    CStimulus stimulus(options.Unit(), host::kPicosecond);
+    if (!stimulus.Create(formula.c_str(), 0)) {
+        throw Failure("the formula cannot be read");
+    }
+    CString normal;
+    stimulus.GenerateFormula(normal);
+    const std::string text(normal.View());
+    WriteOutput("", options.json ? JsonLine({{"schema", 1}, {"formula", text}}) : text + "\n");
+    return kFine;
+}
+
+std::string Problems(const std::string& formula, const std::vector<FormulaProblem>& problems) {
+    Json list = Json::array();
+    for (const FormulaProblem& problem : problems) {
+        const host::TextPlace place = host::PlaceOf(formula, problem.position);
+        const bool error = problem.severity == FormulaProblem::Severity::Error;
+        list.push_back({{"severity", error ? "error" : "warning"},
+                        {"position", problem.position},
+                        {"length", problem.length},
+                        {"line", place.line},
+                        {"column", place.column},
+                        {"sentence", problem.sentence}});
+    }
+    return JsonLine({{"schema", 1},
+                     {"truncated", problems.size() >= kMaxFormulaProblems},
+                     {"problems", std::move(list)}});
+}
+
+int RunCheck(const TextOptions& options) {
+    const std::string formula = FormulaText(options.text);
+    const auto problems = CheckFormula(formula.c_str(), options.Unit());
+    if (options.json) {
+        WriteOutput("", Problems(formula, problems));
+    } else if (!options.quiet) {
+        const bool colour = WithColour(options.colour, STDOUT_FILENO);
+        WriteOutput("", DescribeProblems(kName, formula, problems, colour));
+    }
+    return problems.empty() ? kFine : kFound;
+}
+
+CLI::App* AddTextCommand(CLI::App& formula, const std::string& name, const std::string& summary,
+                         TextOptions& options) {
+    CLI::App* command = formula.add_subcommand(name, summary);
+    command->add_option("TEXT", options.text, "The formula, or - for standard input")
+        ->required()
+        ->type_name("");
+    AddTimeUnit(*command, "--default-unit", options.default_unit,
+                "The unit of times written without one; ps unless given");
+    AddColour(*command, options.colour);
+    command->add_flag("--json", options.json, "Write JSON");
+    return command;
+}
+
+}  // namespace
+
+void AddFormula(CLI::App& program, Action& chosen) {
+    CLI::App* formula = program.add_subcommand("formula", "check formulas and bring them to form");
+    formula->footer("corv formula check '0 0, 1 10ns'\ncorv formula normal '0 0, 1 1.5ns -r 3ns'");
+
+    auto normal = std::make_shared<TextOptions>();
+    CLI::App* command = AddTextCommand(
+        *formula, "normal",
+        "write a formula in its normal form\n"
+        "In the normal form the times are whole picoseconds and the compact notation is unrolled.",
+        *normal);
+    command->footer("corv formula normal '0 0, 1 1.5ns -r 3ns'");
+    command->callback([&chosen, normal] { chosen = [normal] { return RunNormal(*normal); }; });
+
+    auto check = std::make_shared<TextOptions>();
+    command = AddTextCommand(*formula, "check",
+                             "tell what is wrong with a formula\n"
+                             "Writes every problem with its place. A text that begins with - goes "
+                             "behind --.",
+                             *check);
+    command->add_flag("-q,--quiet", check->quiet, "Write nothing, only give the exit status");
+    command->footer(
+        "corv formula check '0 0, 1 10ns'\n"
+        "corv formula check --json - < formula.txt");
+    command->callback([&chosen, check] { chosen = [check] { return RunCheck(*check); }; });
+}
+
+}  // namespace corv::cli

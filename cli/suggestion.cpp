@@ -1,0 +1,57 @@
+#include "cli/suggestion.h"
+
+#include <algorithm>
+
+namespace corv::cli {
+namespace {
+
+// How many letters must be changed, added, dropped or swapped with their neighbour.
+std::size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<std::vector<std::size_t>> cost(a.size() + 1,
+                                               std::vector<std::size_t>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i) {
+        for (std::size_t j = 0; j <= b.size(); ++j) {
+            if (i == 0 || j == 0) {
+                cost[i][j] = i + j;
+                continue;
+            }
+            const std::size_t change = a[i - 1] == b[j - 1] ? 0 : 1;
+            cost[i][j] =
+                std::min({cost[i - 1][j - 1] + change, cost[i - 1][j] + 1, cost[i][j - 1] + 1});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+                cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return cost[a.size()][b.size()];
+}
+
+}  // namespace
+
+std::string Suggestion(std::string_view word, const std::vector<std::string>& known) {
+    constexpr std::size_t kLongest = 40;
+    std::string nearest;
+    std::size_t least = word.size() <= kLongest ? 1 + std::max<std::size_t>(1, word.size() / 3) : 0;
+    for (const std::string& candidate : known) {
+        const std::size_t distance = least > 0 ? Distance(word, candidate) : 0;
+        const bool same_start = distance == least && !nearest.empty() &&
+                                nearest.front() != word.front() &&
+                                candidate.front() == word.front();
+        if ((distance < least || same_start) && distance < candidate.size()) {
+            least = distance;
+            nearest = candidate;
+        }
+    }
+    return nearest.empty() ? "" : "; did you mean `" + nearest + "`?";
+}
+
+std::string Alternatives(const std::vector<std::string>& words) {
+    std::string list;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        list += i == 0 ? "" : i + 1 == words.size() ? " or " : ", ";
+        list += words[i];
+    }
+    return list;
+}
+
+}  // namespace corv::cli

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Text of any bytes made fit for a picture. A character takes one place.
+namespace corv::host {
+
+// The characters of a UTF-8 text. A byte that is no part of one and a control character become
+// U+FFFD, so that no text can move a terminal's cursor or break a document.
+std::vector<std::string> Characters(std::string_view text);
+
+// The text rebuilt from its characters.
+std::string CleanText(std::string_view text);
+
+std::size_t TextWidth(std::string_view text);
+
+// A clean text in at most `width` places: whole, or its head and tail around the ellipsis
+// ("16#D…F") when there is room for one character on either side, else empty. A part of the text
+// never stands for the whole.
+std::string FitText(std::string_view text, std::size_t width, std::string_view ellipsis);
+
+}  // namespace corv::host

@@ -1,0 +1,164 @@
+#include "host/picture.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/fit_text.h"
+
+namespace corv::host {
+namespace {
+
+struct LetterRow {
+    char letter;
+    ValueClass value_class;
+};
+constexpr std::array<LetterRow, 9> kLetters{{
+    {'U', ValueClass::Unknown},
+    {'X', ValueClass::Unknown},
+    {'0', ValueClass::Low},
+    {'1', ValueClass::High},
+    {'Z', ValueClass::HighZ},
+    {'W', ValueClass::WeakUnknown},
+    {'L', ValueClass::WeakLow},
+    {'H', ValueClass::WeakHigh},
+    {'-', ValueClass::DontCare},
+}};
+
+char Bare(std::string_view text) {
+    if (text.size() == 3 && text.front() == text.back() && (text[0] == '\'' || text[0] == '"')) {
+        text = text.substr(1, 1);
+    }
+    const char c = text.size() == 1 ? text[0] : '\0';
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// Appends what holds from a time on; what held before ends there.
+void Append(Lane& lane, std::int64_t from, ShownValue value, std::int64_t end) {
+    if (!lane.segments.empty()) {
+        if (lane.segments.back().from == from) {
+            lane.segments.pop_back();
+        }
+    }
+    if (!lane.segments.empty()) {
+        Segment& last = lane.segments.back();
+        last.to = last.value == value ? end : from;
+        if (last.value == value) {
+            return;
+        }
+    }
+    lane.segments.push_back({from, end, std::move(value)});
+}
+
+// Walks a trace column by column.
+class LaneBuilder {
+public:
+    LaneBuilder(const Trace& trace, const TimeGrid& grid)
+        : trace_(trace), grid_(grid), window_(grid.Window()) {
+        lane_.name = CleanText(trace.name);
+        if (trace.before) {
+            value_ = Classify(*trace.before);
+        }
+        Append(lane_, window_.start, value_, window_.end);
+    }
+
+    Lane Build() {
+        auto crowded = trace_.crowded.begin();
+        std::size_t next = 0;
+        for (;;) {
+            const std::int64_t change =
+                next < trace_.changes.size() ? trace_.changes[next].time : window_.end;
+            const std::int64_t crowd =
+                crowded != trace_.crowded.end() ? crowded->start : window_.end;
+            if (std::min(change, crowd) >= window_.end) {
+                return std::move(lane_);
+            }
+            if (grid_.Column(crowd) <= grid_.Column(change)) {
+                next = AddCrowd(*crowded, next);
+                ++crowded;
+            } else {
+                next = AddColumn(next);
+            }
+        }
+    }
+
+private:
+    std::size_t AddCrowd(TimeWindow crowd, std::size_t next) {
+        const std::int64_t last = std::min(grid_.Column(crowd.end - 1), grid_.Columns() - 1);
+        const std::int64_t end = grid_.First(last + 1);
+        for (; next < trace_.changes.size() && trace_.changes[next].time < end; ++next) {
+            value_ = Classify(trace_.changes[next].value);
+        }
+        AddActivity(grid_.First(grid_.Column(crowd.start)), end);
+        return next;
+    }
+
+    std::size_t AddColumn(std::size_t next) {
+        const std::int64_t column = grid_.Column(trace_.changes[next].time);
+        const std::int64_t end = grid_.First(column + 1);
+        std::int64_t at = 0;
+        int changes = 0;
+        for (; next < trace_.changes.size() && trace_.changes[next].time < end; ++next) {
+            ShownValue value = Classify(trace_.changes[next].value);
+            if (value != value_) {
+                at = trace_.changes[next].time;
+                value_ = std::move(value);
+                ++changes;
+            }
+        }
+        if (changes == 1) {
+            Append(lane_, at, value_, window_.end);
+        } else if (changes > 1) {
+            AddActivity(grid_.First(column), end);
+        }
+        return next;
+    }
+
+    void AddActivity(std::int64_t from, std::int64_t to) {
+        from = std::max(from, lane_.segments.back().from);
+        Append(lane_, from, {ValueClass::Activity, {}}, window_.end);
+        if (to < window_.end) {
+            Append(lane_, to, value_, window_.end);
+        }
+    }
+
+    const Trace& trace_;
+    const TimeGrid& grid_;
+    TimeWindow window_;
+    Lane lane_;
+    ShownValue value_;
+};
+
+}  // namespace
+
+ShownValue Classify(std::string_view value_text) {
+    const char letter = Bare(value_text);
+    const auto row = std::find_if(kLetters.begin(), kLetters.end(),
+                                  [&](const LetterRow& r) { return r.letter == letter; });
+    if (row == kLetters.end()) {
+        return {ValueClass::Bus, CleanText(value_text)};
+    }
+    return {row->value_class, std::string(1, letter)};
+}
+
+Lane LayOut(const Trace& trace, const TimeGrid& grid) {
+    return LaneBuilder(trace, grid).Build();
+}
+
+std::vector<Cell> CellsOf(const Lane& lane, const TimeGrid& grid) {
+    std::vector<Cell> cells(static_cast<std::size_t>(grid.Columns()));
+    const Segment* before = nullptr;
+    for (const Segment& segment : lane.segments) {
+        const auto first = cells.begin() + grid.Column(segment.from);
+        std::fill(first, cells.end(), Cell{&segment});
+        const bool plain = before == nullptr || before->value.value_class == ValueClass::None ||
+                           before->value.value_class == ValueClass::Activity ||
+                           segment.value.value_class == ValueClass::Activity;
+        if (!plain) {
+            first->before = before;
+        }
+        before = &segment;
+    }
+    return cells;
+}
+
+}  // namespace corv::host

@@ -1,0 +1,209 @@
+#include "host/terminal.h"
+
+#include <algorithm>
+#include <array>
+
+#include "host/fit_text.h"
+
+namespace corv::host {
+namespace {
+
+constexpr std::size_t kLevels = 6;
+
+struct Glyphs {
+    std::array<std::string_view, kClasses.size()> body;               // by ValueClass
+    std::array<std::array<std::string_view, kLevels>, kLevels> edge;  // by the Levels it joins
+    std::string_view ruler, tick, ellipsis;
+};
+
+// Rows and columns of `edge`: Nothing, Bottom, Middle, Top, Box, Rails.
+constexpr Glyphs kBoxDrawing{{" ", "▁", "▔", "─", "₋", "⁻", "░", "░", "╱", "═", "║"},
+                             {{{"", "", "", "", "", ""},
+                               {"", "▁", "╭", "╱", "│", "<"},
+                               {"", "╮", "─", "╯", "│", "<"},
+                               {"", "╲", "╰", "▔", "│", "<"},
+                               {"", "│", "│", "│", "│", "│"},
+                               {"", ">", ">", ">", "│", "╳"}}},
+                             "─",
+                             "┬",
+                             "…"};
+
+constexpr Glyphs kAscii{{" ", "_", "\"", "-", ".", "'", "?", "~", "/", "=", "#"},
+                        {{{"", "", "", "", "", ""},
+                          {"", "_", "/", "/", "|", "<"},
+                          {"", "\\", "-", "/", "|", "<"},
+                          {"", "\\", "\\", "\"", "|", "<"},
+                          {"", "|", "|", "|", "|", "|"},
+                          {"", ">", ">", ">", "|", "|"}}},
+                        "-",
+                        "+",
+                        ".."};
+
+struct Place {
+    std::string character;
+    Ink ink = Ink::Text;
+};
+using Row = std::vector<Place>;
+
+class TerminalDrawing {
+public:
+    TerminalDrawing(const Picture& picture, const TerminalStyle& style)
+        : picture_(picture), style_(style), glyphs_(style.ascii ? kAscii : kBoxDrawing) {}
+
+    std::string Draw() {
+        if (!picture_.title.empty()) {
+            AddRow(TextRow(picture_.title));
+            out_ += '\n';
+        }
+        DrawRuler();
+        for (const Lane& lane : picture_.lanes) {
+            DrawLane(lane);
+        }
+        if (crowded_) {
+            Row legend(Start());
+            Put(legend, Start(), glyphs_.body[static_cast<std::size_t>(ValueClass::Activity)],
+                Ink::Activity);
+            Put(legend, Start() + 2, "more happens here than a column can show", Ink::Muted);
+            out_ += '\n';
+            AddRow(legend);
+        }
+        return std::move(out_);
+    }
+
+private:
+    std::size_t Start() const { return style_.name_width + kTerminalGap; }
+    std::size_t Columns() const { return static_cast<std::size_t>(picture_.grid.Columns()); }
+
+    // A character of the drawing; outside 7 bits it may become a question mark.
+    std::string Shown(const std::string& character) const {
+        return style_.ascii && character.size() > 1 ? "?" : character;
+    }
+
+    void Put(Row& row, std::size_t at, std::string_view text, Ink ink) const {
+        for (const std::string& character : Characters(text)) {
+            row.resize(std::max(row.size(), at + 1), Place{" "});
+            row[at++] = {Shown(character), ink};
+        }
+    }
+
+    Row TextRow(std::string_view text) const {
+        Row row;
+        Put(row, 0, text, Ink::Text);
+        return row;
+    }
+
+    void DrawRuler() {
+        Row labels;
+        Row line(Start());
+        for (std::size_t i = 0; i < Columns(); ++i) {
+            Put(line, Start() + i, glyphs_.ruler, Ink::Muted);
+        }
+        for (const Tick& tick : picture_.ticks) {
+            const auto column = static_cast<std::size_t>(picture_.grid.Column(tick.time));
+            Put(line, Start() + column, glyphs_.tick, Ink::Muted);
+            if (column + tick.label.size() <= Columns()) {
+                Put(labels, Start() + column, tick.label, Ink::Muted);
+            }
+        }
+        AddRow(labels);
+        AddRow(line);
+    }
+
+    void DrawLane(const Lane& lane) {
+        if (&lane != &picture_.lanes.front()) {
+            out_ += '\n';
+        }
+        Row row = TextRow(FitText(lane.name, style_.name_width, glyphs_.ellipsis));
+        row.resize(Start(), Place{" "});
+        const std::vector<Cell> cells = CellsOf(lane, picture_.grid);
+        for (const Cell& cell : cells) {
+            PutCell(row, cell);
+        }
+        for (std::size_t first = 0; first < cells.size();) {
+            std::size_t end = first + 1;
+            while (end < cells.size() && cells[end].segment == cells[first].segment) {
+                ++end;
+            }
+            PutValue(row, Start() + first + (cells[first].before ? 1 : 0), Start() + end,
+                     cells[first].segment->value);
+            first = end;
+        }
+        AddRow(row);
+    }
+
+    void PutCell(Row& row, const Cell& cell) {
+        const ValueClass value_class = cell.segment->value.value_class;
+        const ClassRow& shape = RowOf(value_class);
+        crowded_ = crowded_ || value_class == ValueClass::Activity;
+        if (!cell.before) {
+            Put(row, row.size(), glyphs_.body[static_cast<std::size_t>(value_class)], shape.ink);
+            return;
+        }
+        // The taller shape owns the edge: a box and rails keep their sides in their own colour.
+        const ClassRow& before = RowOf(cell.before->value.value_class);
+        const Ink ink =
+            before.level >= Level::Box && shape.level < Level::Box ? before.ink : shape.ink;
+        Put(row, row.size(),
+            glyphs_.edge[static_cast<std::size_t>(before.level)]
+                        [static_cast<std::size_t>(shape.level)],
+            ink);
+    }
+
+    // Writes the text of a box or a bus in the middle of its places, or nothing without room.
+    void PutValue(Row& row, std::size_t first, std::size_t end, const ShownValue& value) const {
+        const ClassRow& shape = RowOf(value.value_class);
+        if (end <= first || shape.level < Level::Box || value.text.empty()) {
+            return;
+        }
+        std::string text = FitText(value.text, end - first, glyphs_.ellipsis);
+        if (!text.empty() && TextWidth(text) + 2 <= end - first) {
+            text = " " + text + " ";
+        }
+        Put(row, first + (end - first - TextWidth(text)) / 2, text,
+            shape.level == Level::Box ? shape.ink : Ink::Text);
+    }
+
+    void AddRow(const Row& row) {
+        std::size_t end = row.size();
+        while (end > 0 && (row[end - 1].character.empty() || row[end - 1].character == " ")) {
+            --end;
+        }
+        int colour = RowOf(Ink::Text).terminal;
+        for (std::size_t i = 0; i < end; ++i) {
+            const bool blank = row[i].character.empty() || row[i].character == " ";
+            SetColour(colour, blank ? colour : RowOf(row[i].ink).terminal);
+            out_ += blank ? " " : row[i].character;
+        }
+        SetColour(colour, RowOf(Ink::Text).terminal);
+        out_ += '\n';
+    }
+
+    void SetColour(int& now, int next) {
+        if (style_.colour && now != next) {
+            out_ += next < 0 ? "\x1b[39m" : "\x1b[38;5;" + std::to_string(next) + "m";
+        }
+        now = next;
+    }
+
+    const Picture& picture_;
+    const TerminalStyle& style_;
+    const Glyphs& glyphs_;
+    std::string out_;
+    bool crowded_ = false;
+};
+
+}  // namespace
+
+std::size_t TerminalNameWidth(const std::vector<std::string>& names, std::size_t width) {
+    std::size_t widest = 0;
+    for (const std::string& name : names) {
+        widest = std::max(widest, TextWidth(name));
+    }
+    return std::min(widest, width / 3);
+}
+
+std::string DrawTerminal(const Picture& picture, const TerminalStyle& style) {
+    return TerminalDrawing(picture, style).Draw();
+}
+
+}  // namespace corv::host
