@@ -1,0 +1,59 @@
+// Any text as a formula: it is read, checked, walked and written back, and the four must agree.
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+#include "corv/corv.h"
+
+namespace {
+
+void Require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+// The events of a stimulus rise strictly. A value is left over at each of them.
+void Walk(const CStimulus& stimulus) {
+    std::int64_t time = -1;
+    for (int i = 0; i < 50; ++i) {
+        const std::int64_t next = stimulus.GetNextEventTime(time);
+        if (next == -1) {
+            return;
+        }
+        CString value;
+        Require(next > time && stimulus.GetValue(next, value) == 1 && !value.IsEmpty());
+        time = next;
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    if (!CheckVeskMaxRepeatCount(text.c_str(), 20)) {
+        return 0;  // long notations are read like short ones, only for longer
+    }
+    CStimulus stimulus;
+    const bool created = stimulus.Create(text.c_str(), 0) == 1;
+    const auto problems = corv::CheckFormula(text.c_str());
+    const bool has_error =
+        std::any_of(problems.begin(), problems.end(), [](const corv::FormulaProblem& p) {
+            return p.severity == corv::FormulaProblem::Severity::Error;
+        });
+    Require(created || has_error);
+    Walk(stimulus);
+    CString once;
+    CString twice;
+    stimulus.GenerateFormula(once);
+    stimulus.GenerateFormula(twice);
+    Require(once == twice);
+    if (created && problems.empty()) {
+        CStimulus again;
+        Require(again.Create(once, 0) == 1);
+        again.GenerateFormula(twice);
+        Require(once == twice);
+    }
+    return 0;
+}
