@@ -24,6 +24,7 @@ void AddDraw(CLI::App& program, Action& chosen);
 void AddEvents(CLI::App& program, Action& chosen);
 void AddFormula(CLI::App& program, Action& chosen);
 void AddClock(CLI::App& program, Action& chosen);
+void AddCounter(CLI::App& program, Action& chosen);
 void AddMan(CLI::App& program, Action& chosen);
 void AddCompletion(CLI::App& program, Action& chosen);
 

@@ -128,8 +128,9 @@ std::string ZshArguments(const CommandInfo& command) {
             "[" + ZshText(option.text) + "]" +
             (option.value.empty() ? "" : ":" + ZshText(option.value) + ":" + ZshAction(option));
         for (const std::string& name : names) {
-            const std::string head = option.repeatable ? "*" : "(" + Join(names, " ") + ")";
-            out += " \\\n        " + Quote(head + name + tail, "'\\''");
+            std::string argument = option.repeatable ? "*" : "(" + Join(names, " ") + ")";
+            argument += name + tail;
+            out += " \\\n        " + Quote(argument, "'\\''");
         }
     }
     for (const OptionInfo& operand : command.operands) {
@@ -195,7 +196,10 @@ std::string Fish(const CommandInfo& program) {
         }
         for (const OptionInfo& operand : command->operands) {
             const std::string choices = Join(operand.Choices(), " ");
-            out += choices.empty() ? "" : head + " -a '" + choices + "'\n";
+            if (!choices.empty()) {
+                out += head;
+                out += " -a '" + choices + "'\n";
+            }
         }
         for (const OptionInfo& option : command->options) {
             const std::string choices = Join(option.Choices(), " ");

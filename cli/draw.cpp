@@ -22,27 +22,28 @@ struct DrawOptions : FormulaOptions {
     bool ascii = false;
 };
 
-std::vector<std::string> Names(const std::vector<NamedStimulus>& stimuli) {
+std::vector<std::string> Names(const std::vector<NamedSource>& sources) {
     std::vector<std::string> names;
-    for (const NamedStimulus& named : stimuli) {
+    names.reserve(sources.size());
+    for (const NamedSource& named : sources) {
         names.push_back(named.name);
     }
     return names;
 }
 
-host::Picture MakePicture(const DrawOptions& options, const std::vector<NamedStimulus>& stimuli,
+host::Picture MakePicture(const DrawOptions& options, const std::vector<NamedSource>& sources,
                           const host::TimeGrid& grid, std::int64_t columns_per_character) {
     host::Picture picture{
         options.title, grid, host::MakeTicks(grid, columns_per_character, options.time_unit), {}};
-    for (const NamedStimulus& named : stimuli) {
-        host::Trace trace = host::RecordForGrid(*named.stimulus, grid);
+    for (const NamedSource& named : sources) {
+        host::Trace trace = host::RecordForGrid(*named.source, grid);
         trace.name = named.name;
         picture.lanes.push_back(host::LayOut(trace, grid));
     }
     return picture;
 }
 
-void DrawText(const DrawOptions& options, const std::vector<NamedStimulus>& stimuli,
+void DrawText(const DrawOptions& options, const std::vector<NamedSource>& sources,
               host::TimeWindow window) {
     const bool to_screen = options.output.empty() || options.output == "-";
     const int file_descriptor = to_screen ? STDOUT_FILENO : -1;
@@ -50,19 +51,19 @@ void DrawText(const DrawOptions& options, const std::vector<NamedStimulus>& stim
     host::TerminalStyle style;
     style.ascii = options.ascii;
     style.colour = WithColour(options.colour, file_descriptor);
-    style.name_width = host::TerminalNameWidth(Names(stimuli), static_cast<std::size_t>(width));
+    style.name_width = host::TerminalNameWidth(Names(sources), static_cast<std::size_t>(width));
     const auto names = static_cast<int>(style.name_width + host::kTerminalGap);
     const host::TimeGrid grid(window, std::max(width - names, kLeastPlot));
-    WriteOutput(options.output, DrawTerminal(MakePicture(options, stimuli, grid, 1), style));
+    WriteOutput(options.output, DrawTerminal(MakePicture(options, sources, grid, 1), style));
 }
 
-void DrawPicture(const DrawOptions& options, const std::vector<NamedStimulus>& stimuli,
+void DrawPicture(const DrawOptions& options, const std::vector<NamedSource>& sources,
                  host::TimeWindow window) {
     host::SvgStyle style;
     style.width = options.svg_width.value_or(static_cast<int>(style.width));
-    style.name_columns = host::SvgNameColumns(Names(stimuli), style.width);
+    style.name_columns = host::SvgNameColumns(Names(sources), style.width);
     const host::TimeGrid grid(window, host::SvgPlotWidth(style));
-    const host::Picture picture = MakePicture(options, stimuli, grid, host::kSvgLabelWidth);
+    const host::Picture picture = MakePicture(options, sources, grid, host::kSvgLabelWidth);
     WriteOutput(options.svg, DrawSvg(picture, style));
 }
 
@@ -70,13 +71,13 @@ int RunDraw(const DrawOptions& options) {
     if (options.svg == "-" && options.output == "-") {
         throw Failure("only one of --svg and --output can go to standard output");
     }
-    const std::vector<NamedStimulus> stimuli = LoadStimuli(options);
-    const host::TimeWindow window = ChooseWindow(options, stimuli);
+    const std::vector<NamedSource> sources = LoadSources(options, BusStyle::Digits);
+    const host::TimeWindow window = ChooseWindow(options, sources);
     if (options.svg.empty() || !options.output.empty()) {
-        DrawText(options, stimuli, window);
+        DrawText(options, sources, window);
     }
     if (!options.svg.empty()) {
-        DrawPicture(options, stimuli, window);
+        DrawPicture(options, sources, window);
     }
     return kFine;
 }
@@ -104,6 +105,7 @@ void AddDraw(CLI::App& program, Action& chosen) {
     command->add_flag("--ascii", options->ascii, "Draw with 7-bit characters");
     command->footer(
         "corv draw -f clk='0 0, 1 5ns -r 10ns' -f rst='1 0, 0 @23ns'\n"
+        "corv draw -f cnt:4=\"$(corv counter --kind gray --period 10ns)\" --expand\n"
         "corv draw -f bus='/vesk [1F]25ns[2A]40ns z10ns' --svg bus.svg --title Transfer\n"
         "corv clock --freq 100MHz --formula | corv draw -f clk=- -e 50ns");
     command->callback([&chosen, options] { chosen = [options] { return RunDraw(*options); }; });

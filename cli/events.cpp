@@ -38,11 +38,11 @@ struct Listing {
 
 Listing MakeListing(const EventsOptions& options) {
     const auto max = static_cast<std::size_t>(options.max.value_or(kDefaultMax));
-    const std::vector<NamedStimulus> stimuli = LoadStimuli(options);
+    const std::vector<NamedSource> sources = LoadSources(options, BusStyle::Literal);
     Listing listing;
-    listing.window = ChooseWindow(options, stimuli);
-    for (const NamedStimulus& named : stimuli) {
-        listing.traces.push_back(host::RecordEvents(*named.stimulus, listing.window, max));
+    listing.window = ChooseWindow(options, sources);
+    for (const NamedSource& named : sources) {
+        listing.traces.push_back(host::RecordEvents(*named.source, listing.window, max));
         listing.traces.back().name = host::CleanText(named.name);
     }
     for (std::size_t i = 0; i < listing.traces.size(); ++i) {

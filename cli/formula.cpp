@@ -8,6 +8,7 @@
 #include "cli/options.h"
 #include "cli/output.h"
 #include "corv/stimulus/check_formula.h"
+#include "corv/stimulus/formula_parser.h"
 #include "corv/stimulus/stimulus.h"
 #include "host/diagnostic.h"
 #include "host/time_text.h"
@@ -21,9 +22,12 @@ struct TextOptions {
     std::string text;
     std::optional<unsigned> default_unit;
     host::ColourMode colour = host::ColourMode::Auto;
+    std::optional<int> width;
+    bool words = false;
     bool json = false;
     bool quiet = false;
 
+    int SplitMode() const { return words ? 0 : 1; }
     unsigned Unit() const { return default_unit.value_or(host::kPicosecond); }
 };
 
@@ -73,14 +77,38 @@ int RunCheck(const TextOptions& options) {
     return problems.empty() ? kFine : kFound;
 }
 
+int RunSplit(const TextOptions& options) {
+    const std::string formula = FormulaText(options.text);
+    const auto problems =
+        CheckVectorFormula(formula.c_str(), *options.width, options.SplitMode(), host::kPicosecond);
+    if (ReportProblems(kName, formula, problems, options.colour)) {
+        return kFailed;
+    }
+    CStringArray list;
+    if (!CFormulaParser().Run(formula.c_str(), list, *options.width, options.SplitMode())) {
+        throw Failure("the formula cannot be cut into elements");
+    }
+    std::string lines;
+    Json formulas = Json::array();
+    for (int i = 0; i < list.GetSize(); ++i) {
+        lines += std::string(list[i].View()) + "\n";
+        formulas.push_back(std::string(list[i].View()));
+    }
+    WriteOutput(
+        "", options.json ? JsonLine({{"schema", 1}, {"formulas", std::move(formulas)}}) : lines);
+    return kFine;
+}
+
 CLI::App* AddTextCommand(CLI::App& formula, const std::string& name, const std::string& summary,
-                         TextOptions& options) {
+                         TextOptions& options, bool with_unit = true) {
     CLI::App* command = formula.add_subcommand(name, summary);
     command->add_option("TEXT", options.text, "The formula, or - for standard input")
         ->required()
         ->type_name("");
-    AddTimeUnit(*command, "--default-unit", options.default_unit,
-                "The unit of times written without one; ps unless given");
+    if (with_unit) {
+        AddTimeUnit(*command, "--default-unit", options.default_unit,
+                    "The unit of times written without one; ps unless given");
+    }
     AddColour(*command, options.colour);
     command->add_flag("--json", options.json, "Write JSON");
     return command;
@@ -112,6 +140,22 @@ void AddFormula(CLI::App& program, Action& chosen) {
         "corv formula check '0 0, 1 10ns'\n"
         "corv formula check --json - < formula.txt");
     command->callback([&chosen, check] { chosen = [check] { return RunCheck(*check); }; });
+
+    auto split = std::make_shared<TextOptions>();
+    command = AddTextCommand(
+        *formula, "split",
+        "cut the formula of a vector into one per element\n"
+        "Writes a formula a line, that of the most significant element first. A counter's elements "
+        "refer to the counter; the references hold within one process.",
+        *split, false);
+    AddNumber(*command, "-w,--width", 1, 65536, split->width, "The number of elements");
+    command->get_option("--width")->required();
+    command->add_flag("--words", split->words,
+                      "Cut values into words, (red,green), instead of characters");
+    command->footer(
+        "corv formula split -w 4 '\"01XZ\" 0, 16#F 10ns'\n"
+        "corv formula split -w 2 --words '(red,green) 0, (blue,red) 5ns'");
+    command->callback([&chosen, split] { chosen = [split] { return RunSplit(*split); }; });
 }
 
 }  // namespace corv::cli

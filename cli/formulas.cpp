@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 
 #include "cli/command.h"
@@ -14,6 +15,7 @@
 #include "host/driver.h"
 #include "host/named_formula.h"
 #include "host/time_text.h"
+#include "host/vector_source.h"
 
 namespace corv::cli {
 namespace {
@@ -28,14 +30,80 @@ std::int64_t StartInUnit(std::int64_t at, unsigned unit) {
     return start;
 }
 
+host::Radix RadixOf(const std::string& word) {
+    return word == "bin"   ? host::Radix::Bin
+           : word == "oct" ? host::Radix::Oct
+           : word == "dec" ? host::Radix::Dec
+                           : host::Radix::Hex;
+}
+
+unsigned UnitOf(const FormulaOptions& options) {
+    return options.default_unit.value_or(host::kPicosecond);
+}
+
+// Appends the signal of a formula; false when the formula has errors.
+bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
+                std::vector<NamedSource>& sources) {
+    const unsigned unit = UnitOf(options);
+    const auto problems = CheckFormula(named.formula.c_str(), unit);
+    if (ReportProblems(named.name, named.formula, problems, options.colour)) {
+        return false;
+    }
+    std::unique_ptr<host::Source> source;
+    if (host::IsCounter(named.formula)) {
+        source = host::MakeWholeCounter(named.formula, options.at.value_or(0));
+    } else {
+        auto stimulus = std::make_unique<CStimulus>(unit, host::kPicosecond);
+        if (stimulus->Create(named.formula.c_str(), StartInUnit(options.at.value_or(0), unit))) {
+            source = std::make_unique<host::StimulusSource>(std::move(stimulus));
+        }
+    }
+    if (!source) {
+        throw Failure("the formula of " + named.name + " cannot be read");
+    }
+    sources.push_back({named.name, std::move(source)});
+    return true;
+}
+
+// The same for a vector, with its elements where they are asked for.
+bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named, BusStyle style,
+                std::vector<NamedSource>& sources) {
+    const host::VectorFormula vector{named.formula, VectorWidth(named.name, named.width),
+                                     options.words, UnitOf(options), options.at.value_or(0)};
+    const auto problems =
+        CheckVectorFormula(named.formula.c_str(), vector.width, vector.words ? 0 : 1, vector.unit);
+    if (ReportProblems(named.name, named.formula, problems, options.colour)) {
+        return false;
+    }
+    const host::Radix radix =
+        options.radix.value_or(vector.width > 4 ? host::Radix::Hex : host::Radix::Bin);
+    auto bus = host::MakeVector(vector, [radix, style](std::string_view characters) {
+        return style == BusStyle::Digits ? host::BusDigits(characters, radix)
+                                         : host::BusLiteral(characters, radix);
+    });
+    if (!bus) {
+        throw Failure("the formula of " + named.name + " cannot be cut into elements");
+    }
+    sources.push_back({named.name, std::move(bus)});
+    if (options.expand) {
+        int index = vector.width;
+        for (auto& element : host::MakeElements(vector)) {
+            sources.push_back(
+                {named.name + "(" + std::to_string(--index) + ")", std::move(element)});
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
     command
-        .add_option("-f,--formula", options.formulas,
-                    "A formula, named f1, f2 and so on unless NAME= stands before it; may be "
-                    "given many times")
-        ->type_name("[NAME=]FORMULA")
+        .add_option(
+            "-f,--formula", options.formulas,
+            "A formula, named f1, f2 and so on unless NAME= stands before it, of a vector of "
+            "WIDTH elements behind NAME:WIDTH=; may be given many times")
+        ->type_name("[NAME[:WIDTH]=]FORMULA")
         ->required()
         ->allow_extra_args(false);
     AddTime(command, "-s,--start", options.start, "Where the window starts; 0 unless given");
@@ -49,38 +117,54 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
                 "The unit of times written without one in a formula; ps unless given");
     AddTimeUnit(command, "--time-unit", options.time_unit,
                 "The unit to write times in; unless given, the largest without a fraction");
+    AddChoice(command, "-r,--radix", "bin|oct|dec|hex",
+              "How values of vectors are written; hex unless given, bin up to 4 elements",
+              [&options](const std::string& word) { options.radix = RadixOf(word); });
+    command.add_flag("--words", options.words,
+                     "Cut values of vectors into words, (red,green), instead of characters");
+    command.add_flag("--expand", options.expand, "Show the elements of each vector below it");
     AddColour(command, options.colour);
 }
 
-std::vector<NamedStimulus> LoadStimuli(const FormulaOptions& options) {
-    const unsigned unit = options.default_unit.value_or(host::kPicosecond);
-    const std::int64_t start = StartInUnit(options.at.value_or(0), unit);
-    std::vector<NamedStimulus> stimuli;
+int VectorWidth(const std::string& name, const std::string& text) {
+    constexpr int kMaxWidth = 65536;
+    int width = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), width);
+    if (read.ec != std::errc() || width < 1 || width > kMaxWidth) {
+        throw Failure("the width of " + name + " has to be from 1 to " + std::to_string(kMaxWidth));
+    }
+    return width;
+}
+
+std::vector<NamedSource> LoadSources(const FormulaOptions& options, BusStyle style) {
+    std::vector<NamedSource> sources;
     bool failed = false;
+    std::size_t number = 0;
     for (const std::string& argument : options.formulas) {
-        auto [name, formula] = host::SplitNamedFormula(argument, stimuli.size() + 1);
-        formula = FormulaText(formula);
-        failed |=
-            ReportProblems(name, formula, CheckFormula(formula.c_str(), unit), options.colour);
-        auto stimulus = std::make_unique<CStimulus>(unit, host::kPicosecond);
-        if (!failed && !stimulus->Create(formula.c_str(), start)) {
-            throw Failure("the formula of " + name + " cannot be read");
+        auto named = host::SplitNamedFormula(argument, ++number);
+        named.formula = FormulaText(named.formula);
+        if (named.width.empty()) {
+            failed |= !LoadScalar(options, named, sources);
+        } else {
+            failed |= !LoadVector(options, named, style, sources);
         }
-        stimuli.push_back({std::move(name), std::move(stimulus)});
     }
     if (failed) {
         throw Failure("");
     }
-    return stimuli;
+    return sources;
 }
 
 host::TimeWindow ChooseWindow(const FormulaOptions& options,
-                              const std::vector<NamedStimulus>& stimuli) {
+                              const std::vector<NamedSource>& sources) {
     host::TimeWindow window{options.start.value_or(0), 0};
-    for (const NamedStimulus& named : stimuli) {
-        window.end = std::max(window.end, host::NaturalEnd(*named.stimulus, window.start));
+    if (options.end) {
+        window.end = *options.end;
+    } else {
+        for (const NamedSource& named : sources) {
+            window.end = std::max(window.end, named.source->NaturalEnd(window.start));
+        }
     }
-    window.end = options.end.value_or(window.end);
     if (window.end <= window.start) {
         throw Failure("the end " + host::TimeText(window.end) + " does not lie behind the start " +
                       host::TimeText(window.start));

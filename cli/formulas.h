@@ -8,8 +8,9 @@
 #include <vector>
 
 #include "corv/stimulus/check_formula.h"
-#include "corv/stimulus/stimulus.h"
+#include "host/bus_text.h"
 #include "host/colour.h"
+#include "host/source.h"
 #include "host/trace.h"
 
 namespace corv::cli {
@@ -19,21 +20,31 @@ struct FormulaOptions {
     std::vector<std::string> formulas;
     std::optional<std::int64_t> start, end, at;
     std::optional<unsigned> default_unit, time_unit;
+    std::optional<host::Radix> radix;
+    bool words = false;
+    bool expand = false;
     host::ColourMode colour = host::ColourMode::Auto;
 };
 void AddFormulaOptions(CLI::App& command, FormulaOptions& options);
 
-struct NamedStimulus {
+struct NamedSource {
     std::string name;
-    std::unique_ptr<CStimulus> stimulus;
+    std::unique_ptr<host::Source> source;
 };
 
+// How the value of a vector is written: in a drawing, and as VHDL writes it.
+enum class BusStyle { Digits, Literal };
+
 // Reads the formulas. Their problems go to standard error; throws Failure when one has errors.
-std::vector<NamedStimulus> LoadStimuli(const FormulaOptions& options);
+// Expanded vectors are followed by their elements.
+std::vector<NamedSource> LoadSources(const FormulaOptions& options, BusStyle style);
+
+// The number of elements of a vector from its text; throws Failure.
+int VectorWidth(const std::string& name, const std::string& text);
 
 // The window that the user asked for, or a sensible one; throws Failure when it is empty.
 host::TimeWindow ChooseWindow(const FormulaOptions& options,
-                              const std::vector<NamedStimulus>& stimuli);
+                              const std::vector<NamedSource>& sources);
 
 // A formula's text: the argument, or standard input for "-", without line ends behind it. Standard
 // input can be read once. Throws Failure, also for a zero byte: it would end the text early.

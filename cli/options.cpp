@@ -49,6 +49,18 @@ void AddValue(CLI::App& command, const std::string& names, const std::string& va
             CLI::Validator([take = std::move(take)](std::string& word) { return take(word); }, ""));
 }
 
+void AddChoice(CLI::App& command, const std::string& names, const std::string& words,
+               const std::string& text, std::function<void(const std::string&)> take) {
+    AddValue(command, names, words, text, [words, take = std::move(take)](const std::string& word) {
+        const auto list = Words(words);
+        if (std::find(list.begin(), list.end(), word) == list.end()) {
+            return NotOneOf(word, words);
+        }
+        take(word);
+        return std::string();
+    });
+}
+
 void AddText(CLI::App& command, const std::string& names, const std::string& value,
              std::string& target, const std::string& text) {
     AddValue(command, names, value, text, [&target](const std::string& word) {

@@ -18,6 +18,9 @@ CLI::Validator OneOf(const std::string& words);
 // An option with a value. `take` stores it and gives a complaint about it, or an empty text.
 void AddValue(CLI::App& command, const std::string& names, const std::string& value,
               const std::string& text, std::function<std::string(const std::string&)> take);
+// An option with one word of a list, "up|down"; any other word is refused.
+void AddChoice(CLI::App& command, const std::string& names, const std::string& words,
+               const std::string& text, std::function<void(const std::string&)> take);
 void AddText(CLI::App& command, const std::string& names, const std::string& value,
              std::string& target, const std::string& text);
 void AddTime(CLI::App& command, const std::string& names, std::optional<std::int64_t>& target,

@@ -1,5 +1,7 @@
 #include "cli/program.h"
 
+#include <algorithm>
+
 #include "cli/description.h"
 #include "cli/suggestion.h"
 #include "corv/version.h"
@@ -8,7 +10,7 @@ namespace corv::cli {
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&, Action&) = {
-    AddDraw, AddEvents, AddFormula, AddClock, AddMan, AddCompletion,
+    AddDraw, AddEvents, AddFormula, AddClock, AddCounter, AddMan, AddCompletion,
 };
 
 // The first argument that no command took.
@@ -41,7 +43,10 @@ std::string UnknownWord(const CommandInfo& command, const std::string& word) {
     if (!names.empty()) {
         return "unknown command `" + word + "`" + Suggestion(word, names);
     }
-    const bool formulas = !command.options.empty() && command.options[1].long_name == "--formula";
+    const bool formulas =
+        std::any_of(command.options.begin(), command.options.end(), [](const OptionInfo& option) {
+            return option.long_name == "--formula" && !option.value.empty();
+        });
     return "unexpected `" + word + "`" + (formulas ? "; a formula goes behind -f" : "");
 }
 
@@ -77,7 +82,7 @@ std::string ArgumentComplaint(const CLI::App& program, const CLI::ParseError& er
     if (!word.empty()) {
         return UnknownWord(command, word);
     }
-    const std::string what = error.what();
+    std::string what = error.what();
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
         return "`" + what.substr(0, what.find(':')) + "` needs a value";
     }

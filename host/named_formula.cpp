@@ -28,6 +28,11 @@ NamedFormula SplitNamedFormula(std::string_view text, std::size_t number) {
     NamedFormula result;
     result.formula = end == std::string_view::npos ? text : text.substr(end + 1);
     result.name = end == std::string_view::npos ? "" : text.substr(0, end);
+    const std::size_t digits = result.name.find_last_not_of("0123456789");
+    if (digits != std::string::npos && result.name[digits] == ':') {
+        result.width = result.name.substr(digits + 1);
+        result.name.erase(digits);
+    }
     if (result.name.empty()) {
         result.name = "f" + std::to_string(number);
     }

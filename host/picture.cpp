@@ -56,7 +56,7 @@ public:
         : trace_(trace), grid_(grid), window_(grid.Window()) {
         lane_.name = CleanText(trace.name);
         if (trace.before) {
-            value_ = Classify(*trace.before);
+            value_ = Shown(*trace.before);
         }
         Append(lane_, window_.start, value_, window_.end);
     }
@@ -82,11 +82,15 @@ public:
     }
 
 private:
+    ShownValue Shown(const std::string& value) const {
+        return trace_.bus ? ClassifyBus(value) : Classify(value);
+    }
+
     std::size_t AddCrowd(TimeWindow crowd, std::size_t next) {
         const std::int64_t last = std::min(grid_.Column(crowd.end - 1), grid_.Columns() - 1);
         const std::int64_t end = grid_.First(last + 1);
         for (; next < trace_.changes.size() && trace_.changes[next].time < end; ++next) {
-            value_ = Classify(trace_.changes[next].value);
+            value_ = Shown(trace_.changes[next].value);
         }
         AddActivity(grid_.First(grid_.Column(crowd.start)), end);
         return next;
@@ -98,7 +102,7 @@ private:
         std::int64_t at = 0;
         int changes = 0;
         for (; next < trace_.changes.size() && trace_.changes[next].time < end; ++next) {
-            ShownValue value = Classify(trace_.changes[next].value);
+            ShownValue value = Shown(trace_.changes[next].value);
             if (value != value_) {
                 at = trace_.changes[next].time;
                 value_ = std::move(value);
@@ -138,6 +142,15 @@ ShownValue Classify(std::string_view value_text) {
         return {ValueClass::Bus, CleanText(value_text)};
     }
     return {row->value_class, std::string(1, letter)};
+}
+
+ShownValue ClassifyBus(std::string_view value_text) {
+    for (const std::string_view letter : {"Z", "X", "U"}) {
+        if (!value_text.empty() && value_text.find_first_not_of(letter) == std::string_view::npos) {
+            return Classify(letter);
+        }
+    }
+    return {ValueClass::Bus, CleanText(value_text)};
 }
 
 Lane LayOut(const Trace& trace, const TimeGrid& grid) {

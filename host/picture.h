@@ -67,6 +67,10 @@ struct ShownValue {
 // quotes, becomes its upper-case letter; anything else is a bus value with its text as it is.
 ShownValue Classify(std::string_view value_text);
 
+// The value of a bus as shown: a bus value with its text, or what it is when all of its characters
+// are Z, or X or U.
+ShownValue ClassifyBus(std::string_view value_text);
+
 struct Segment {
     std::int64_t from;  // picoseconds
     std::int64_t to;

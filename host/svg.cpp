@@ -197,9 +197,9 @@ private:
                 "}\n</style>\n<defs>\n";
         for (const HatchRow& hatch : kHatches) {
             const std::string name(RowOf(hatch.ink).name);
-            out_ += "<pattern id=\"hatch-" + name +
-                    "\" width=\"8\" height=\"8\" patternUnits=\"userSpaceOnUse\"><path class=\"" +
-                    name + "\" style=\"stroke-width:1;stroke-dasharray:none\" d=\"" +
+            out_ += "<pattern id=\"hatch-" + name;
+            out_ += "\" width=\"8\" height=\"8\" patternUnits=\"userSpaceOnUse\"><path class=\"";
+            out_ += name + "\" style=\"stroke-width:1;stroke-dasharray:none\" d=\"" +
                     std::string(hatch.path) + "\"/></pattern>\n";
         }
         out_ += "<clipPath id=\"plot\"><rect x=\"" + std::to_string(left_) + "\" width=\"" +

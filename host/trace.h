@@ -21,6 +21,7 @@ struct Change {
 // What a signal did in a window, in order of time. A change may repeat the value before it.
 struct Trace {
     std::string name;
+    bool bus = false;                   // the value is that of several elements
     std::optional<std::string> before;  // the value that the signal brought into the window
     std::vector<Change> changes;
     // Where more happened than `changes` tells. Inside, `changes` holds samples of the signal; what

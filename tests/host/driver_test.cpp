@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
+#include <string>
+#include <utility>
 
 #include "host/named_formula.h"
 #include "tests/support/table.h"
@@ -10,11 +13,16 @@
 namespace corv::host {
 namespace {
 
+StimulusSource Make(const std::string& formula) {
+    auto stimulus = std::make_unique<CStimulus>();
+    EXPECT_EQ(stimulus->Create(formula.c_str(), 0), 1) << formula;
+    return StimulusSource(std::move(stimulus));
+}
+
 TEST(Driver, ListsEveryEventOfTheWindow) {
-    CStimulus stimulus;
-    ASSERT_TRUE(stimulus.Create("0 0, 1 10, 0 20 -r 40, X @45", 0));
+    StimulusSource source = Make("0 0, 1 10, 0 20 -r 40, X @45");
     const auto list = [&](TimeWindow window, std::size_t max) {
-        const Trace trace = RecordEvents(stimulus, window, max);
+        const Trace trace = RecordEvents(source, window, max);
         std::string text = trace.before.value_or("none") + ":";
         for (const Change& change : trace.changes) {
             text += " " + std::to_string(change.time) + "=" + change.value;
@@ -28,10 +36,9 @@ TEST(Driver, ListsEveryEventOfTheWindow) {
 }
 
 TEST(Driver, ADrawingCostsItsColumns) {
-    CStimulus stimulus;
-    ASSERT_TRUE(stimulus.Create("0 0, 1 1 -r 2, X @500000000000", 0));
+    StimulusSource source = Make("0 0, 1 1 -r 2, X @500000000000");
     const TimeGrid grid({0, 1000000000000}, 100);
-    const Trace trace = RecordForGrid(stimulus, grid);
+    const Trace trace = RecordForGrid(source, grid);
     EXPECT_LT(trace.changes.size(), 1000U);
     ASSERT_EQ(trace.crowded.size(), 100U);
     EXPECT_EQ(trace.crowded[7].start, grid.First(7));
@@ -44,13 +51,10 @@ TEST(Driver, ChoosesAnEnd) {
         0 50, 1 80 -r 100|0|250 ;; 0 0 -r 100, 1 @8000|0|9000 ;; 1 @80|0|90 ;; 0 0, 1 5|9000|10000
         0 0, 1 2|0|3)");
     for (const auto& row : rows) {
-        CStimulus stimulus;
-        ASSERT_TRUE(stimulus.Create(row[0].c_str(), 0));
-        EXPECT_EQ(NaturalEnd(stimulus, test::Int(row[1])), test::Int(row[2])) << row[0];
+        EXPECT_EQ(Make(row[0]).NaturalEnd(test::Int(row[1])), test::Int(row[2])) << row[0];
     }
-    CStimulus late;
-    ASSERT_TRUE(late.Create("0 0, 1 9000000000000000000 -r 9000000000000000000", 0));
-    EXPECT_EQ(NaturalEnd(late, 0), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(Make("0 0, 1 9000000000000000000 -r 9000000000000000000").NaturalEnd(0),
+              std::numeric_limits<std::int64_t>::max());
 }
 
 TEST(NamedFormula, SplitsAtTheNamesEqualsSign) {

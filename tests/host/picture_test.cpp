@@ -5,6 +5,7 @@
 #include "corv/stimulus/stimulus.h"
 #include "host/driver.h"
 #include "host/fit_text.h"
+#include "host/source.h"
 #include "host/terminal.h"
 #include "tests/support/random_formula.h"
 
@@ -75,15 +76,17 @@ TEST(LayOut, EveryColumnShowsWhatAScanOfEveryPicosecondSays) {
     int edges = 0, crowds = 0;
     for (int round = 0; round < 2000; ++round) {
         const std::string formula = RandomSignal(random);
-        CStimulus stimulus;
-        ASSERT_TRUE(stimulus.Create(formula.c_str(), 0)) << formula;
+        auto owned = std::make_unique<CStimulus>();
+        const CStimulus& stimulus = *owned;
+        ASSERT_TRUE(owned->Create(formula.c_str(), 0)) << formula;
+        StimulusSource source(std::move(owned));
         const auto start = static_cast<std::int64_t>(random.Below(200));
         const TimeGrid grid({start, start + 1 + static_cast<std::int64_t>(random.Below(400))},
                             1 + static_cast<std::int64_t>(random.Below(90)));
         SCOPED_TRACE(formula + " from " + std::to_string(start));
 
-        const Lane lane = LayOut(RecordForGrid(stimulus, grid), grid);
-        const Lane all = LayOut(RecordEvents(stimulus, grid.Window(), 100000), grid);
+        const Lane lane = LayOut(RecordForGrid(source, grid), grid);
+        const Lane all = LayOut(RecordEvents(source, grid.Window(), 100000), grid);
         ASSERT_EQ(lane.segments.size(), all.segments.size());
         std::int64_t end = start;
         for (std::size_t i = 0; i < lane.segments.size(); ++i) {

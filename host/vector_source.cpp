@@ -1,0 +1,212 @@
+#include "host/vector_source.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "corv/platform/cstring_array.h"
+#include "corv/stimulators/counter.h"
+#include "corv/stimulus/formula_parser.h"
+
+namespace corv::host {
+namespace {
+
+constexpr int kCounts = 16;  // that a window shows unless the user asks otherwise
+constexpr int kCharacters = 1;
+constexpr int kWords = 0;
+
+// 'X' and "X" as X; anything else as it is.
+std::string_view WithoutQuotes(std::string_view value) {
+    const bool quoted =
+        value.size() == 3 && value[0] == value[2] && (value[0] == '\'' || value[0] == '"');
+    return quoted ? value.substr(1, 1) : value;
+}
+
+// The elements' formulas. Times without a unit become picoseconds first, the unit of the cut.
+std::vector<std::string> CutFormula(const VectorFormula& vector) {
+    CStimulus whole(vector.unit, 1);
+    CString normal;
+    CStringArray list;
+    if (whole.Create(vector.formula.c_str(), 0) != 0) {
+        whole.GenerateFormula(normal);
+    }
+    std::vector<std::string> formulas;
+    if (CFormulaParser().Run(normal, list, vector.width, vector.words ? kWords : kCharacters)) {
+        for (int i = 0; i < list.GetSize(); ++i) {
+            formulas.emplace_back(list[i].View());
+        }
+    }
+    return formulas;
+}
+
+std::unique_ptr<Source> MakeElement(const std::string& formula, std::int64_t at) {
+    auto stimulus = std::make_unique<CStimulus>();
+    stimulus->Create(formula.c_str(), at);  // an element without any value stays empty
+    return std::make_unique<StimulusSource>(std::move(stimulus));
+}
+
+// Several elements, each with a stimulus of its own.
+class ElementsSource final : public Source {
+public:
+    ElementsSource(std::vector<std::unique_ptr<Source>> elements, bool words, BusFormat format)
+        : elements_(std::move(elements)), words_(words), format_(std::move(format)) {}
+
+    std::int64_t NextEvent(std::int64_t time) override {
+        std::int64_t first = -1;
+        for (const auto& element : elements_) {
+            const std::int64_t next = element->NextEvent(time);
+            first = next >= 0 && (first < 0 || next < first) ? next : first;
+        }
+        return first;
+    }
+
+    std::optional<std::string> ValueAt(std::int64_t time) override {
+        std::string text;
+        bool any = false;
+        for (const auto& element : elements_) {
+            const auto value = element->ValueAt(time);
+            any |= value.has_value();
+            text += words_ && !text.empty() ? "," : "";
+            text += WithoutQuotes(value.value_or("U"));  // nothing has driven it yet
+        }
+        return any ? std::optional(words_ ? "(" + text + ")" : format_(text)) : std::nullopt;
+    }
+
+    std::int64_t NaturalEnd(std::int64_t start) override {
+        std::int64_t end = start;
+        for (const auto& element : elements_) {
+            end = std::max(end, element->NaturalEnd(start));
+        }
+        return end;
+    }
+
+    bool IsBus() const override { return true; }
+
+private:
+    std::vector<std::unique_ptr<Source>> elements_;
+    bool words_;
+    BusFormat format_;
+};
+
+// A counter answers from the count period it is in, so it is walked forward, event by event, from
+// its start; a question about an earlier time starts it anew.
+class CounterSource final : public Source {
+public:
+    enum class Shows { Whole, Bus, Element };
+
+    CounterSource(const VectorFormula& vector, Shows shows, unsigned element, BusFormat format)
+        : vector_(vector), shows_(shows), element_(element), format_(std::move(format)) {
+        Restart();
+    }
+
+    // Whether the formula can be used.
+    bool IsGood() const { return good_; }
+
+    std::int64_t NextEvent(std::int64_t time) override {
+        WalkTo(time);
+        return next_;
+    }
+
+    std::optional<std::string> ValueAt(std::int64_t time) override {
+        WalkTo(time);
+        if (now_ < 0) {
+            return std::nullopt;
+        }
+        std::string text;
+        const unsigned last = shows_ == Shows::Bus ? static_cast<unsigned>(vector_.width) : 1;
+        for (unsigned i = 0; i < last; ++i) {
+            CString value;
+            if (counter_.GetValue(element_ + i, now_, value) == 0) {
+                return std::nullopt;
+            }
+            text += value.View();
+        }
+        return shows_ == Shows::Bus ? format_(text) : text;
+    }
+
+    std::int64_t NaturalEnd(std::int64_t start) override {
+        const std::int64_t first = NextEvent(-1);
+        const std::int64_t period = NextEvent(first) - first;
+        std::int64_t end = std::max(start, first);
+        for (int i = 0; i < kCounts; ++i) {
+            end = Later(end, period);
+        }
+        return end;
+    }
+
+    bool IsBus() const override { return shows_ == Shows::Bus; }
+
+private:
+    void Restart() {
+        counter_ = CCounterState();
+        good_ = counter_.Init(vector_.formula.c_str(), static_cast<unsigned>(vector_.width),
+                              vector_.words ? kWords : kCharacters) &&
+                (shows_ != Shows::Whole || counter_.MakeWhole());
+        counter_.NoteStartTime(vector_.at);
+        now_ = -1;
+        next_ = good_ ? counter_.GetNextEventTime(element_, -1) : -1;
+    }
+
+    void WalkTo(std::int64_t time) {
+        if (time < now_) {
+            Restart();
+        }
+        while (next_ >= 0 && next_ <= time) {
+            now_ = next_;
+            next_ = counter_.GetNextEventTime(element_, now_);
+        }
+    }
+
+    VectorFormula vector_;
+    Shows shows_;
+    unsigned element_;
+    BusFormat format_;
+    CCounterState counter_;
+    bool good_ = false;
+    std::int64_t now_ = -1;   // the last event up to the time that was asked for
+    std::int64_t next_ = -1;  // the first one behind it
+};
+
+std::unique_ptr<Source> MakeCounter(const VectorFormula& vector, CounterSource::Shows shows,
+                                    unsigned element, BusFormat format) {
+    auto counter = std::make_unique<CounterSource>(vector, shows, element, std::move(format));
+    return counter->IsGood() ? std::move(counter) : nullptr;
+}
+
+}  // namespace
+
+bool IsCounter(std::string_view formula) {
+    CString lower(formula);
+    lower.MakeLower();
+    return lower.Find("\\counter") >= 0;
+}
+
+std::unique_ptr<Source> MakeVector(const VectorFormula& vector, BusFormat format) {
+    if (IsCounter(vector.formula)) {
+        return MakeCounter(vector, CounterSource::Shows::Bus, 0, std::move(format));
+    }
+    auto elements = MakeElements(vector);
+    return elements.empty() ? nullptr
+                            : std::make_unique<ElementsSource>(std::move(elements), vector.words,
+                                                               std::move(format));
+}
+
+std::vector<std::unique_ptr<Source>> MakeElements(const VectorFormula& vector) {
+    std::vector<std::unique_ptr<Source>> elements;
+    if (IsCounter(vector.formula)) {
+        for (int i = 0; i < vector.width; ++i) {
+            elements.push_back(MakeCounter(vector, CounterSource::Shows::Element,
+                                           static_cast<unsigned>(i), nullptr));
+        }
+        return elements;
+    }
+    for (const std::string& formula : CutFormula(vector)) {
+        elements.push_back(MakeElement(formula, vector.at));
+    }
+    return elements;
+}
+
+std::unique_ptr<Source> MakeWholeCounter(const std::string& formula, std::int64_t at) {
+    return MakeCounter({formula, 1, false, 1, at}, CounterSource::Shows::Whole, 0, nullptr);
+}
+
+}  // namespace corv::host
