@@ -91,7 +91,10 @@ std::optional<CounterProblem> CheckValue(CounterKey key, std::string_view value,
 
 std::optional<CounterProblem> CheckCounter(std::string_view formula, bool alone) {
     if (const auto reference = ReadCounterReference(formula)) {
-        return CheckReference(formula, *reference);
+        if (alone) {
+            return CheckReference(formula, *reference);
+        }
+        return CounterProblem{formula, "a reference to a wire drives one signal, not a vector"};
     }
     CounterReader reader(formula);
     if (!reader.Begin()) {

@@ -399,6 +399,10 @@ std::vector<FormulaProblem> Check(std::string_view formula, const CheckedAs& as)
         refuse("the formula is empty; write values with their times, such as `0 0, 1 10ns`");
         return problems.Take();
     }
+    if (as.vector && as.vector->width > kMaxVectorWidth) {
+        refuse("a vector has at most " + std::to_string(kMaxVectorWidth) + " elements");
+        return problems.Take();
+    }
     switch (stimulus::FindFormulaKind(formula)) {
         case stimulus::FormulaKind::Ordinary:
             OrdinaryChecker(formula, as, problems).Check();

@@ -1,6 +1,7 @@
 #include "stimulus/vector_value.h"
 
 #include <cstdint>
+#include <new>
 
 #include "corv/util/dec_converter.h"
 #include "stimulus/formula_text.h"
@@ -14,7 +15,9 @@ constexpr std::string_view kBlanksAndComma = " \n\t,";
 
 std::string ToBits(std::int64_t number, int width) {
     CString bits;
-    c_decConverter().MakeBin(static_cast<std::uint64_t>(number), width, bits);
+    if (c_decConverter().MakeBin(static_cast<std::uint64_t>(number), width, bits) == 0) {
+        throw std::bad_alloc();
+    }
     return std::string(bits.View());
 }
 
@@ -36,7 +39,8 @@ std::optional<VectorValue> VectorValue::Read(std::string_view word, VectorShape 
     const CString text(value.text_);
     std::int64_t number = 0;
     if (c_decConverter().Convert(text, &number) != 0 ||
-        (!shape.InWords() && c_decConverter().Convert(text, 2, &number) != 0)) {
+        (!shape.InWords() && shape.width >= 0 &&
+         c_decConverter().Convert(text, 2, &number) != 0)) {
         value.bits_ = ToBits(number, shape.width);
     } else if (shape.InWords()) {
         value.kind_ = Kind::Words;
