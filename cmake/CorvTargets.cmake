@@ -19,6 +19,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # a false alarm of g++ 12 in std::string's `"text" + string` when it optimises
   target_compile_options(corv_options INTERFACE -Wno-restrict)
 endif()
+# debug builds also stop at the standard library's own checks: an empty optional, an index outside
+target_compile_definitions(corv_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 if(CORV_SANITIZE)
   target_compile_options(corv_options INTERFACE
     -fsanitize=${CORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -39,8 +39,7 @@ std::optional<VectorValue> VectorValue::Read(std::string_view word, VectorShape 
     const CString text(value.text_);
     std::int64_t number = 0;
     if (c_decConverter().Convert(text, &number) != 0 ||
-        (!shape.InWords() && shape.width >= 0 &&
-         c_decConverter().Convert(text, 2, &number) != 0)) {
+        (!shape.InWords() && shape.width >= 0 && c_decConverter().Convert(text, 2, &number) != 0)) {
         value.bits_ = ToBits(number, shape.width);
     } else if (shape.InWords()) {
         value.kind_ = Kind::Words;
