@@ -1,6 +1,9 @@
 #include "host/driver.h"
 
+#include <string>
 #include <utility>
+
+#include "host/picture.h"
 
 namespace corv::host {
 namespace {
@@ -12,6 +15,11 @@ void AddSample(Source& source, std::int64_t time, Trace& trace) {
     if (auto value = source.ValueAt(time)) {
         trace.changes.push_back({time, std::move(*value)});
     }
+}
+
+// Whether two values are drawn the same, such as 1 and '1'.
+bool LookAlike(bool bus, const std::string& a, const std::string& b) {
+    return a == b || (bus ? ClassifyBus(a) == ClassifyBus(b) : Classify(a) == Classify(b));
 }
 
 // Records the events of the column that begins with `time`; gives the first event behind it.
@@ -28,7 +36,7 @@ std::int64_t RecordColumn(Source& source, const TimeGrid& grid, std::int64_t tim
         const std::size_t count = trace.changes.size();
         AddSample(source, time, trace);
         if (count > 0 && trace.changes.size() > count &&
-            trace.changes[count].value != trace.changes[count - 1].value) {
+            !LookAlike(trace.bus, trace.changes[count].value, trace.changes[count - 1].value)) {
             ++changes;
         }
         time = source.NextEvent(time);
