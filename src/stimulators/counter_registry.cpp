@@ -15,10 +15,14 @@ using Counters = std::vector<std::unique_ptr<CCounterState>>;
 
 // The list is made at first use and never destroyed, only emptied: a stimulus of static storage may
 // ask for its counter after any other object has gone.
+Counters* registry = nullptr;
+
 Counters& Registry() noexcept {
     alignas(Counters) static std::byte storage[sizeof(Counters)];
-    static auto* const counters = new (storage) Counters;
-    return *counters;
+    if (!registry) {
+        registry = new (storage) Counters;
+    }
+    return *registry;
 }
 
 // Empties the list when the library goes.
@@ -54,9 +58,8 @@ int RegisterWholeCounter(const char* formula) noexcept {
 }
 
 CCounterState* FindCounter(int handle) noexcept {
-    const Counters& counters = Registry();
-    return handle >= 0 && static_cast<std::size_t>(handle) < counters.size()
-               ? counters[static_cast<std::size_t>(handle)].get()
+    return registry && handle >= 0 && static_cast<std::size_t>(handle) < registry->size()
+               ? (*registry)[static_cast<std::size_t>(handle)].get()
                : nullptr;
 }
 

@@ -27,7 +27,11 @@ public:
         return *this;
     }
     CString& operator=(char c) {
-        text_.assign(1, c);
+        if (text_.size() == 1) {
+            text_[0] = c;  // what a loop over one-character values does each time
+        } else {
+            text_.assign(1, c);
+        }
         return *this;
     }
 
