@@ -113,7 +113,8 @@ void AddColour(CLI::App& command, host::ColourMode& target) {
 bool WithColour(host::ColourMode asked, int file_descriptor) {
     const std::optional<bool> colour = host::UseColour(asked, file_descriptor);
     if (!colour) {
-        throw Failure("CORV_COLORS: " + NotOneOf(std::getenv("CORV_COLORS"), kColourModes));
+        const char* const word = std::getenv("CORV_COLORS");
+        throw Failure("CORV_COLORS: " + NotOneOf(word ? word : "", kColourModes));
     }
     return *colour;
 }

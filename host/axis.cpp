@@ -33,7 +33,7 @@ std::int64_t LabelWidth(TimeWindow window, std::int64_t step, unsigned unit) {
 }
 
 std::int64_t FirstTick(TimeWindow window, std::int64_t step) {
-    const std::int64_t rest = window.start % step;
+    const std::int64_t rest = step > 0 ? window.start % step : 0;
     if (rest == 0) {
         return window.start;
     }

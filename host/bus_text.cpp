@@ -76,12 +76,12 @@ std::string Digits(std::string_view characters, Radix radix) {
 }  // namespace
 
 std::string BusDigits(std::string_view characters, Radix radix) {
-    const std::string digits = Digits(characters, radix);
+    std::string digits = Digits(characters, radix);
     return digits.empty() ? std::string(characters) : digits;
 }
 
 std::string BusLiteral(std::string_view characters, Radix radix) {
-    const std::string digits = Digits(characters, radix);
+    std::string digits = Digits(characters, radix);
     const bool whole = radix == Radix::Hex   ? characters.size() % 4 == 0
                        : radix == Radix::Oct ? characters.size() % 3 == 0
                                              : true;
