@@ -2,9 +2,13 @@
 
 // Every public declaration of corv.
 
+#include "corv/frame/interface_ids.h"
 #include "corv/platform/cstring.h"
 #include "corv/platform/cstring_array.h"
 #include "corv/platform/export.h"
+#include "corv/platform/guid.h"
+#include "corv/platform/result.h"
+#include "corv/platform/unknown.h"
 #include "corv/stimulators/clock.h"
 #include "corv/stimulators/counter.h"
 #include "corv/stimulators/counter_stimulus_info.h"

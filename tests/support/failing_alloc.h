@@ -9,24 +9,46 @@ namespace corv::test {
 void ArmFailingAlloc(long nth, bool sticky) noexcept;
 bool DisarmFailingAlloc() noexcept;
 
-// Calls `prepare`, and `action` with the first, second, ... request failing, alone and with all
-// that follow, and `check` with its result after each failure, until a run asks for less than it is
-// granted.
+// Armed for as long as it lives.
+class FailingAlloc {
+public:
+    explicit FailingAlloc(long nth, bool sticky = false) noexcept { ArmFailingAlloc(nth, sticky); }
+    FailingAlloc(const FailingAlloc&) = delete;
+    FailingAlloc& operator=(const FailingAlloc&) = delete;
+    ~FailingAlloc() { DisarmFailingAlloc(); }
+};
+
+// Calls `action` with the first, second, ... request failing and `check` with its result after each
+// failure, until a run asks for less than it is granted. Gives the number of failures.
+template <class Action, class Check>
+int FailEveryAllocation(Action action, Check check, bool sticky = false) {
+    constexpr int kMost = 20'000;
+    for (int failures = 0; failures < kMost; ++failures) {
+        ArmFailingAlloc(failures + 1, sticky);
+        const auto result = action();
+        if (!DisarmFailingAlloc()) {
+            return failures;
+        }
+        check(result);
+    }
+    ADD_FAILURE() << "no end to the requests";
+    return kMost;
+}
+
+// The same with `prepare` called before each run, unarmed; requests fail alone and with all that
+// follow. At least one must fail.
 template <class Prepare, class Action, class Check>
 void FailEveryAllocation(Prepare prepare, Action action, Check check) {
     for (const bool sticky : {false, true}) {
-        bool failed = true;
-        int nth = 0;
-        for (; failed && nth < 20'000; ++nth) {
-            prepare();
-            ArmFailingAlloc(nth + 1, sticky);
-            const auto result = action();
-            failed = DisarmFailingAlloc();
-            if (failed) {
+        prepare();
+        const int failures = FailEveryAllocation(
+            action,
+            [&](const auto& result) {
                 check(result);
-            }
-        }
-        EXPECT_TRUE(nth > 1 && !failed) << "failures: " << nth - 1;
+                prepare();
+            },
+            sticky);
+        EXPECT_GT(failures, 0);
     }
 }
 

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+#include <utility>
+
+#include "corv/platform/unknown.h"
+#include "platform/guard.h"
+
+namespace corv::frame {
+
+// What all COM objects have in common: the reference count, which starts at 0, and QueryInterface.
+// A class names itself, its interface and that one's identifier, and adds its own operations:
+//
+//     class CSignal final : public ComObject<CSignal, ISignal, IID_ISignal> { ... };
+//
+// The count is not interlocked: an object is used by one thread at a time.
+template <class Object, class Interface, const GUID& kInterfaceId>
+class ComObject : public Interface {
+public:
+    ComObject(const ComObject&) = delete;
+    ComObject& operator=(const ComObject&) = delete;
+
+    HRESULT CORV_CALL QueryInterface(const GUID& id, void** target) noexcept final {
+        if (id != kInterfaceId && id != IID_IUnknown) {
+            return E_NOINTERFACE;
+        }
+        *target = static_cast<Interface*>(this);
+        AddRef();
+        return S_OK;
+    }
+
+    std::uint32_t CORV_CALL AddRef() noexcept final { return ++reference_count_; }
+
+    std::uint32_t CORV_CALL Release() noexcept final {
+        static_assert(std::is_final_v<Object>, "the destructor is not virtual");
+        if (--reference_count_ > 0) {
+            return reference_count_;
+        }
+        delete static_cast<Object*>(this);
+        return 0;
+    }
+
+    // The interface pointer with one reference more, as QueryInterface for the own identifier
+    // delivers it.
+    Interface* NewReference() noexcept {
+        AddRef();
+        return this;
+    }
+
+protected:
+    ComObject() noexcept = default;
+    ~ComObject() = default;
+
+private:
+    std::uint32_t reference_count_ = 0;
+};
+
+// The steps of every factory of COM objects: makes an object of the class and delivers it with one
+// reference. When memory runs out, E_OUTOFMEMORY with the out untouched.
+template <class Object, class Interface, class... Args>
+HRESULT CreateComObject(Interface** out, Args&&... args) noexcept {
+    Object* const object = platform::Guarded<Object*>(
+        nullptr, [&] { return new Object(std::forward<Args>(args)...); });
+    if (object == nullptr) {
+        return E_OUTOFMEMORY;
+    }
+    *out = object->NewReference();
+    return S_OK;
+}
+
+}  // namespace corv::frame

@@ -1,0 +1,165 @@
+#include "platform/address_range.h"
+
+#include <array>
+#include <atomic>
+#include <bit>
+#include <cstdint>
+#include <mutex>
+#include <new>
+#include <utility>
+
+#if defined(__unix__) || defined(__APPLE__)
+#include <sys/mman.h>
+#include <unistd.h>
+#define CORV_HAS_MMAP 1
+#else
+#define CORV_HAS_MMAP 0
+#endif
+
+namespace corv::platform {
+namespace {
+
+#if CORV_HAS_MMAP
+
+std::size_t PageSize() noexcept {
+    static const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    return size;
+}
+
+void* MapAddresses(std::size_t bytes) noexcept {
+    void* const data = mmap(nullptr, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return data == MAP_FAILED ? nullptr : data;
+}
+void UnmapAddresses(void* data, std::size_t bytes) noexcept {
+    munmap(data, bytes);
+}
+bool MakeUsable(void* data, std::size_t bytes) noexcept {
+    return mprotect(data, bytes, PROT_READ | PROT_WRITE) == 0;
+}
+void DropContent(void* data, std::size_t bytes) noexcept {
+    madvise(data, bytes, MADV_DONTNEED);
+}
+
+#else
+
+constexpr std::size_t PageSize() noexcept {
+    return 4096;
+}
+void* MapAddresses(std::size_t) noexcept {
+    return nullptr;
+}
+void UnmapAddresses(void*, std::size_t) noexcept {}
+bool MakeUsable(void*, std::size_t) noexcept {
+    return false;
+}
+void DropContent(void*, std::size_t) noexcept {}
+
+#endif
+
+std::size_t WholePages(std::size_t bytes) noexcept {
+    const std::size_t page = PageSize();
+    return (bytes + page - 1) / page * page;
+}
+
+// A process has a limited number of memory areas (65,530 where nothing else is set), and a range
+// takes two; most are left to the host.
+constexpr int kMostRanges = 8192;
+std::atomic<int> range_count{0};
+
+// The lock is for owners on different threads.
+class KeptRanges {
+public:
+    bool Put(AddressRange& range) noexcept {
+        const std::lock_guard guard(lock_);
+        if (count_ == kept_.size() || range.usable() > AddressRange::kMostKeptBytes - bytes_) {
+            return false;
+        }
+        bytes_ += range.usable();
+        kept_[count_++] = std::move(range);
+        return true;
+    }
+
+    // The one put last of those of a size (of any, for 0); an empty one when there is none.
+    AddressRange Take(std::size_t reserved) noexcept {
+        const std::lock_guard guard(lock_);
+        for (std::size_t i = count_; i-- > 0;) {
+            if (reserved == 0 || kept_[i].reserved() == reserved) {
+                AddressRange taken = std::move(kept_[i]);
+                kept_[i] = std::move(kept_[--count_]);
+                bytes_ -= taken.usable();
+                return taken;
+            }
+        }
+        return {};
+    }
+
+private:
+    std::mutex lock_;
+    std::array<AddressRange, 64> kept_;
+    std::size_t count_ = 0;
+    std::size_t bytes_ = 0;
+};
+
+// Never destroyed: waves may end after everything else.
+KeptRanges& Kept() noexcept {
+    alignas(KeptRanges) static std::byte place[sizeof(KeptRanges)];
+    static auto* const kept = new (place) KeptRanges;
+    return *kept;
+}
+
+}  // namespace
+
+AddressRange AddressRange::Reserve(std::size_t bytes) noexcept {
+    if (sizeof(void*) < 8 || bytes > (SIZE_MAX >> 1)) {
+        return {};
+    }
+    bytes = std::bit_ceil(WholePages(bytes));
+    if (AddressRange kept = Kept().Take(bytes)) {
+        return kept;
+    }
+    if (range_count.fetch_add(1, std::memory_order_relaxed) < kMostRanges) {
+        if (void* const data = MapAddresses(bytes)) {
+            return {data, bytes, 0};
+        }
+    }
+    range_count.fetch_sub(1, std::memory_order_relaxed);
+    return {};
+}
+
+void AddressRange::Keep(AddressRange range) noexcept {
+    Kept().Put(range);
+}
+
+void AddressRange::ReleaseKept() noexcept {
+    while (Kept().Take(0)) {
+    }
+}
+
+AddressRange::~AddressRange() {
+    if (data_ != nullptr) {
+        UnmapAddresses(data_, reserved_);
+        range_count.fetch_sub(1, std::memory_order_relaxed);
+    }
+}
+
+bool AddressRange::Commit(std::size_t bytes) noexcept {
+    bytes = WholePages(bytes);
+    if (bytes <= usable_) {
+        return true;
+    }
+    if (bytes > reserved_ ||
+        !MakeUsable(static_cast<std::byte*>(data_) + usable_, bytes - usable_)) {
+        return false;
+    }
+    usable_ = bytes;
+    return true;
+}
+
+void AddressRange::Trim(std::size_t used) noexcept {
+    used = WholePages(used);
+    if (used < usable_) {
+        DropContent(static_cast<std::byte*>(data_) + used, usable_ - used);
+    }
+}
+
+}  // namespace corv::platform
