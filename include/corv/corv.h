@@ -24,3 +24,7 @@
 #include "corv/util/text.h"
 #include "corv/util/time_units.h"
 #include "corv/version.h"
+#include "corv/waves/find_mode.h"
+#include "corv/waves/signal_wave.h"
+#include "corv/waves/wave_event.h"
+#include "corv/waves/wave_event_enumerator.h"
