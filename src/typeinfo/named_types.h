@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+// The types that have a name of their own.
+namespace corv::typeinfo {
+
+// The type-description strings of the standard types, by their index.
+extern const std::array<std::string_view, 9> kStandardTypes;
+
+struct NamedScalar {
+    std::string_view name;
+    std::string_view text;  // its type-description string, the name in the counted form
+
+    // What stands behind the name.
+    std::string_view Body() const noexcept;
+};
+
+// An array of one dimension whose name is written with or without a constraint.
+struct NamedArray {
+    std::string_view name;
+    std::string_view element;    // the name of a scalar
+    std::int32_t first_index;    // of the index type, which ends at 2147483647
+    std::string_view unlimited;  // the string without constraint, when it is a standard type
+};
+
+inline constexpr std::int32_t kLowestIndex = std::numeric_limits<std::int32_t>::min();
+inline constexpr std::int32_t kLastIndex = std::numeric_limits<std::int32_t>::max();
+
+// The row of a name in any letter case, null when there is none.
+const NamedScalar* FindNamedScalar(std::string_view name) noexcept;
+const NamedArray* FindNamedArray(std::string_view name) noexcept;
+
+// The named type, or the word that a written type begins with, that a misspelt word was most likely
+// meant to be; empty when none is near.
+std::string_view NearestTypeName(std::string_view word) noexcept;
+
+}  // namespace corv::typeinfo

@@ -1,0 +1,45 @@
+#include "typeinfo/vhdl_cursor.h"
+
+#include <utility>
+
+#include "typeinfo/wording.h"
+
+namespace corv::typeinfo {
+
+bool VhdlCursor::Skip(std::string_view word) noexcept {
+    const bool stands = words_.Next().Is(word);
+    if (stands) {
+        words_.Take();
+    }
+    return stands;
+}
+
+bool VhdlCursor::Expect(std::string_view word, std::string_view where) {
+    return Skip(word) || FailAtNext(Quote(word).append(where), word);
+}
+
+bool VhdlCursor::Fail(std::string_view place, std::string sentence) {
+    problem_ = {static_cast<std::size_t>(place.data() - text_.data()), place.size(),
+                std::move(sentence)};
+    return false;
+}
+
+bool VhdlCursor::FailAtNext(std::string_view expected, std::string_view hint) {
+    const Word& next = words_.Next();
+    if (next.kind == WordKind::Unclosed) {
+        return Fail(next.text, next.text == "\\"
+                                   ? "no closing `\\` on the line of this extended identifier"
+                                   : "no closing `*/` for this comment");
+    }
+    std::string sentence = "expected ";
+    sentence += expected;
+    if (next.kind == WordKind::End) {
+        return Fail(next.text, sentence + ", but the text ends");
+    }
+    NearestWord nearest(next.text);
+    nearest.Offer(hint);
+    sentence += ", found " + Quote(next.text);
+    return Fail(next.text, sentence + DidYouMean(nearest.Found(), ""));
+}
+
+}  // namespace corv::typeinfo

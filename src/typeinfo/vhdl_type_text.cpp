@@ -1,0 +1,395 @@
+#include "typeinfo/vhdl_type_text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "typeinfo/named_types.h"
+#include "typeinfo/scalar_text.h"
+#include "typeinfo/vhdl_cursor.h"
+#include "typeinfo/vhdl_range.h"
+#include "typeinfo/wording.h"
+
+namespace corv::typeinfo {
+namespace {
+
+class VhdlReader {
+public:
+    VhdlReader(std::string_view text, VhdlTypes& out) : cursor_(text, out.problem), out_(out) {}
+
+    void ReadWhole();
+
+private:
+    const VhdlType* ReadType(int level);
+    const VhdlType* ReadEnumeration();
+    bool ReadLiteral(VhdlType& type);
+    const VhdlType* ReadArray(int level);
+    const VhdlType* ReadRecord(int level);
+    bool ReadFields(VhdlType& type, std::vector<std::string_view>& names, int level);
+    const VhdlType* ReadNamed(int level);
+    const VhdlType* ReadScalar(const NamedScalar& row, std::string_view name);
+    const VhdlType* ReadNamedArray(const NamedArray& row, std::string_view name, int level);
+    const VhdlType* Fail(std::string_view place, std::string sentence) {
+        cursor_.Fail(place, std::move(sentence));
+        return nullptr;
+    }
+    const VhdlType* FailAtNext(std::string_view expected) {
+        cursor_.FailAtNext(expected);
+        return nullptr;
+    }
+
+    VhdlType& Make(KTypeInfo::EKind kind);
+    const VhdlType* Ready(std::string_view type);
+
+    VhdlCursor cursor_;
+    VhdlTypes& out_;
+    std::vector<const VhdlType*> ready_;
+};
+
+VhdlType& VhdlReader::Make(KTypeInfo::EKind kind) {
+    VhdlType& type = out_.types.emplace_back();
+    type.kind = kind;
+    return type;
+}
+
+const VhdlType* VhdlReader::Ready(std::string_view type) {
+    const auto made = std::find_if(ready_.begin(), ready_.end(), [type](const VhdlType* other) {
+        return other->ready.data() == type.data();
+    });
+    if (made != ready_.end()) {
+        return *made;
+    }
+    VhdlType& ready = Make(KTypeInfo::KindNone);
+    ready.ready = type;
+    ready_.push_back(&ready);
+    return &ready;
+}
+
+void VhdlReader::ReadWhole() {
+    if (cursor_.Text().size() > kMaxTextLength) {
+        cursor_.Fail(cursor_.Text(), "the text is longer than 16 MiB");
+        return;
+    }
+    if (cursor_.Next().kind == WordKind::End) {
+        cursor_.Fail(cursor_.Text(),
+                     "the text holds no type; write one, such as `std_logic_vector(7 downto 0)`");
+        return;
+    }
+    const VhdlType* const type = ReadType(1);
+    if (!type) {
+        return;
+    }
+    cursor_.Skip(";");
+    if (cursor_.Next().kind != WordKind::End) {
+        cursor_.FailAtNext("nothing more behind the type");
+        return;
+    }
+    out_.whole = type;
+}
+
+const VhdlType* VhdlReader::ReadType(int level) {
+    const Word& next = cursor_.Next();
+    if (level > kMaxNesting) {
+        return Fail(next.text, "types nest deeper than 64 levels from here on");
+    }
+    if (cursor_.Skip("(")) {
+        return ReadEnumeration();
+    }
+    if (cursor_.Skip("array")) {
+        return ReadArray(level);
+    }
+    if (cursor_.Skip("record")) {
+        return ReadRecord(level);
+    }
+    if (next.kind == WordKind::Name && IsIdentifier(next)) {
+        return ReadNamed(level);
+    }
+    return FailAtNext("a type, such as `std_logic` or `integer range 0 to 15`");
+}
+
+// ---- enumerations ----
+
+const VhdlType* VhdlReader::ReadEnumeration() {
+    VhdlType& type = Make(KTypeInfo::KindEnum);
+    do {
+        if (!ReadLiteral(type)) {
+            return nullptr;
+        }
+    } while (cursor_.Skip(","));
+    if (!cursor_.Expect(")", " or `,` behind the literal")) {
+        return nullptr;
+    }
+    if (const std::string_view* repeated = FindRepeated(type.literals)) {
+        // the text of a character literal goes on with its second apostrophe
+        const std::size_t rest = repeated->starts_with('\'') ? 1 : 0;
+        const std::string_view literal(repeated->data(), repeated->size() + rest);
+        return Fail(literal, "the literal " + Quote(literal) + " stands twice");
+    }
+    return &type;
+}
+
+bool VhdlReader::ReadLiteral(VhdlType& type) {
+    const Word& next = cursor_.Next();
+    if (next.kind == WordKind::Character) {
+        type.literals.push_back(next.text.substr(0, 2));
+    } else if (IsIdentifier(next)) {
+        type.literals.push_back(next.text);
+        type.words = true;
+    } else if (next.kind == WordKind::Extended) {
+        return cursor_.Fail(next.text, "a literal can't have a blank in its name");
+    } else {
+        return cursor_.FailAtNext("a literal, such as `idle` or `'0'`");
+    }
+    cursor_.Take();
+    return true;
+}
+
+// ---- arrays and records ----
+
+const VhdlType* VhdlReader::ReadArray(int level) {
+    VhdlType& type = Make(KTypeInfo::KindArray);
+    if (!cursor_.Expect("(", " behind `array`")) {
+        return nullptr;
+    }
+    do {
+        if (!ReadIndex(cursor_, type.ranges.emplace_back())) {
+            return nullptr;
+        }
+    } while (cursor_.Skip(","));
+    if (!cursor_.Expect(")", " or `,` behind the range") ||
+        !cursor_.Expect("of", " and the type of the elements")) {
+        return nullptr;
+    }
+    type.element = ReadType(level + 1);
+    return type.element ? &type : nullptr;
+}
+
+const VhdlType* VhdlReader::ReadRecord(int level) {
+    VhdlType& type = Make(KTypeInfo::KindRecord);
+    std::vector<std::string_view> names;
+    while (!cursor_.Skip("end")) {
+        if (!ReadFields(type, names, level)) {
+            return nullptr;
+        }
+    }
+    if (const std::string_view* repeated = FindRepeated(names)) {
+        return Fail(*repeated, "the field " + Quote(*repeated) + " stands twice");
+    }
+    if (!cursor_.Expect("record", " behind `end`")) {
+        return nullptr;
+    }
+    if (IsIdentifier(cursor_.Next())) {
+        type.name = cursor_.Take();
+    }
+    return &type;
+}
+
+bool VhdlReader::ReadFields(VhdlType& type, std::vector<std::string_view>& names, int level) {
+    const std::size_t first = names.size();
+    do {
+        const Word& next = cursor_.Next();
+        if (next.kind == WordKind::Extended && !IsIdentifier(next)) {
+            return cursor_.Fail(next.text, "a field can't have a blank in its name");
+        }
+        if (!IsIdentifier(next)) {
+            return cursor_.FailAtNext(names.size() == first ? "a field or `end record`"
+                                                            : "the name of a field");
+        }
+        names.push_back(cursor_.Take());
+    } while (cursor_.Skip(","));
+    if (!cursor_.Expect(":", " and the type of the field")) {
+        return false;
+    }
+    const VhdlType* const field = ReadType(level + 1);
+    for (std::size_t i = first; field && i < names.size(); ++i) {
+        type.fields.push_back({names[i], field});
+    }
+    return field && cursor_.Expect(";", " behind the field");
+}
+
+// ---- named types ----
+
+const VhdlType* VhdlReader::ReadNamed(int level) {
+    std::string_view name = cursor_.Take();
+    while (cursor_.Skip(".")) {  // a library or package stood before it
+        if (!IsIdentifier(cursor_.Next())) {
+            return FailAtNext("a name behind `.`");
+        }
+        name = cursor_.Take();
+    }
+    if (const NamedScalar* row = FindNamedScalar(name)) {
+        return ReadScalar(*row, name);
+    }
+    if (const NamedArray* row = FindNamedArray(name)) {
+        return ReadNamedArray(*row, name, level);
+    }
+    return Fail(name, "unknown type " + Quote(name) +
+                          DidYouMean(NearestTypeName(name),
+                                     "; write a type such as `std_logic_vector(7 downto 0)`, an "
+                                     "enumeration in parentheses, an array or a record"));
+}
+
+const VhdlType* VhdlReader::ReadScalar(const NamedScalar& row, std::string_view name) {
+    const std::string_view place = cursor_.Next().text;
+    if (cursor_.Next().Is("(")) {
+        const bool is_number = row.text[0] == 'i' || row.text[0] == 'f';
+        const NamedArray* const array =
+            is_number ? nullptr : FindNamedArray(std::string(row.name) + "_vector");
+        return Fail(name, Quote(name) + " takes no range in parentheses" +
+                              DidYouMean(array ? array->name : std::string_view(),
+                                         is_number ? "; write it behind `range`" : ""));
+    }
+    if (!cursor_.Skip("range")) {
+        return Ready(row.text);
+    }
+    bool read = false;
+    VhdlType& type = Make(KTypeInfo::KindNone);
+    type.name = row.name;
+    if (row.text[0] == 'i') {
+        type.kind = KTypeInfo::KindInteger;
+        const Limits<std::int32_t> limits{row.name, RangeOf<std::int32_t>(row)};
+        read = ReadRange(cursor_, limits, type.ranges.emplace_back());
+    } else if (row.text[0] == 'f') {
+        type.kind = KTypeInfo::KindFloat;
+        const Limits<double> limits{row.name, RangeOf<double>(row), IsTime(row)};
+        read = ReadRange(cursor_, limits, type.real_range);
+    } else {
+        cursor_.Fail(place,
+                     "only number types take a range; " + Quote(name) + " is an enumeration");
+    }
+    return read ? &type : nullptr;
+}
+
+const VhdlType* VhdlReader::ReadNamedArray(const NamedArray& row, std::string_view name,
+                                           int level) {
+    if (cursor_.Next().Is("range")) {
+        return Fail(cursor_.Next().text, "the range of " + Quote(name) +
+                                             " stands in parentheses, as in " +
+                                             Quote(std::string(name) + "(7 downto 1)"));
+    }
+    if (level + 1 > kMaxNesting) {
+        return Fail(name, "types nest deeper than 64 levels from here on");
+    }
+    const bool constrained = cursor_.Skip("(");
+    if (!constrained && !row.unlimited.empty()) {
+        return Ready(row.unlimited);
+    }
+    VhdlType& type = Make(KTypeInfo::KindArray);
+    type.name = row.name;
+    type.element = Ready(FindNamedScalar(row.element)->text);
+    IndexRange& range = type.ranges.emplace_back();
+    range = {row.first_index, kLastIndex, KTypeInfo::To, false};
+    if (!constrained) {
+        return &type;
+    }
+    const Limits<std::int32_t> limits{IndexTypeName(row.first_index), range};
+    range.constrained = true;
+    return ReadRange(cursor_, limits, range) && cursor_.Expect(")", " behind the range") ? &type
+                                                                                         : nullptr;
+}
+
+// ---- writing ----
+
+bool IsNamed(TypeView type, const NamedScalar& row) noexcept {
+    return platform::EqualNoCase(type.Name(), row.name) && type.Body() == row.Body();
+}
+
+bool AppendEnumeration(std::string& out, TypeView type) {
+    const NamedScalar* const row = FindNamedScalar(type.Name());
+    if (row && IsNamed(type, *row)) {
+        out += row->name;
+        return true;
+    }
+    std::vector<std::string> literals(type.Count());
+    for (std::uint32_t i = 0; i < type.Count(); ++i) {
+        AppendScalar(literals[i], type, i, {.quoted = true});
+        if (literals[i][0] != '\'' && !IsIdentifier(literals[i])) {
+            return false;
+        }
+        out += i == 0 ? "(" : ", ";
+        out += literals[i];
+    }
+    out += ')';
+    return !literals.empty() && !FindRepeated({literals.begin(), literals.end()});
+}
+
+// Whether a type is a named array; its element and its index type must be those of the row.
+bool IsNamed(TypeView type, const NamedArray& row) {
+    const IndexRange& range = type.RangeAt(0);
+    return type.Count() == 1 && IsNamed(type.Element(), *FindNamedScalar(row.element)) &&
+           std::min(range.left, range.right) >= row.first_index &&
+           (range.constrained || (range.left == row.first_index && range.right == kLastIndex));
+}
+
+bool AppendArray(std::string& out, TypeView type) {
+    if (type.Count() == 0) {
+        return false;
+    }
+    const std::string_view name = type.Name();
+    const NamedArray* const row = FindNamedArray(name.substr(0, name.find('(')));
+    const bool named = row && IsNamed(type, *row);
+    out += named ? row->name : "array ";
+    if (!named || type.RangeAt(0).constrained) {
+        for (std::uint32_t i = 0; i < type.Count(); ++i) {
+            out += i == 0 ? "(" : ", ";
+            AppendIndex(out, type.RangeAt(i));
+        }
+        out += ')';
+    }
+    if (named) {
+        return true;
+    }
+    out += " of ";
+    return AppendVhdlType(out, type.Element());
+}
+
+bool AppendRecord(std::string& out, TypeView type) {
+    std::vector<std::string_view> names;
+    out += "record ";
+    for (std::uint32_t i = 0; i < type.Count(); ++i) {
+        names.push_back(type.FieldName(i));
+        if (!IsIdentifier(names.back())) {
+            return false;
+        }
+        out += names.back();
+        out += " : ";
+        if (!AppendVhdlType(out, type.Field(i))) {
+            return false;
+        }
+        out += "; ";
+    }
+    out += "end record";
+    if (IsIdentifier(type.Name())) {
+        out += ' ';
+        out += type.Name();
+    }
+    return !FindRepeated(names);
+}
+
+}  // namespace
+
+VhdlTypes ReadVhdlType(std::string_view text) {
+    VhdlTypes out;
+    VhdlReader(text, out).ReadWhole();
+    return out;
+}
+
+bool AppendVhdlType(std::string& out, TypeView type) {
+    switch (type.Kind()) {
+        case KTypeInfo::KindEnum:
+            return AppendEnumeration(out, type);
+        case KTypeInfo::KindInteger:
+        case KTypeInfo::KindFloat:
+            AppendNumberType(out, type);
+            return true;
+        case KTypeInfo::KindArray:
+            return AppendArray(out, type);
+        case KTypeInfo::KindRecord:
+            return AppendRecord(out, type);
+        case KTypeInfo::KindNone:
+            break;
+    }
+    return false;
+}
+
+}  // namespace corv::typeinfo

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "corv/typeinfo/vhdl_type.h"
+#include "typeinfo/type_text.h"
+#include "typeinfo/type_tree.h"
+
+// The grammar of VHDL subtype indications as they are read and written here.
+//
+//     text        = type [ ";" ]
+//     type        = enumeration | array | record | named
+//     enumeration = "(" literal { "," literal } ")"
+//     literal     = identifier | "'" character "'"
+//     array       = "array" "(" index { "," index } ")" "of" type
+//     record      = "record" { identifier { "," identifier } ":" type ";" }
+//                   "end" "record" [ identifier ]
+//     named       = { identifier "." } ( name | number | name "(" range ")" )
+//
+// The names are those of named_types.h, arrays where a range in parentheses follows. Index, number
+// and range are in vhdl_range.h, the words in vhdl_words.h.
+namespace corv::typeinfo {
+
+struct VhdlType;
+
+struct VhdlField {
+    std::string_view name;
+    const VhdlType* type;
+};
+
+// A type as it was read: views of the text and of the tables.
+struct VhdlType {
+    KTypeInfo::EKind kind = KTypeInfo::KindNone;
+    std::string_view ready;  // the type-description string when it is known; nothing else counts
+    std::string_view name;
+    bool words = false;
+    std::vector<std::string_view> literals;  // as a word list has them; without `words` as 'c'
+    std::vector<IndexRange> ranges;          // of an integer or array
+    RealRange real_range;
+    const VhdlType* element = nullptr;
+    std::vector<VhdlField> fields;
+};
+
+// The types of one text; they may share element and field types.
+struct VhdlTypes {
+    std::deque<VhdlType> types;
+    const VhdlType* whole = nullptr;  // null when the text can't be read
+    TypeProblem problem{};            // why not
+};
+
+VhdlTypes ReadVhdlType(std::string_view text);
+
+// Appends a type; false for one that the grammar has no words for.
+bool AppendVhdlType(std::string& out, TypeView type);
+
+}  // namespace corv::typeinfo

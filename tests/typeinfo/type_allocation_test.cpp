@@ -1,0 +1,167 @@
+// Every request for memory fails once: the operation gives its failure, and the object still works.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "corv/typeinfo/type_builders.h"
+#include "corv/typeinfo/type_info.h"
+#include "corv/typeinfo/vhdl_type.h"
+#include "tests/support/failing_alloc.h"
+
+namespace corv::test {
+namespace {
+
+// Names and texts beyond what a short text keeps without memory.
+const CString kRecord(
+    "r#25#a record with a long name2 a_field_with_a_long_name a#1#x1 rict0 31 e#3#bitc2 01 "
+    "another_field_with_a_name e#1#xs2 a_literal_with_a_long_name b ");
+
+TEST(TypeAllocation, ReadingAndChecking) {
+    for (const bool sticky : {false, true}) {
+        int failures = FailEveryAllocation(
+            [] { return KTypeInfo(kRecord).GetKind(); },
+            [](KTypeInfo::EKind kind) { EXPECT_EQ(kind, KTypeInfo::KindNone); }, sticky);
+        EXPECT_GT(failures, 5);
+        failures = FailEveryAllocation([] { return KTypeInfo::CheckTypeInfo(kRecord); },
+                                       [](bool) {}, sticky);
+        EXPECT_EQ(failures, 0);
+    }
+}
+
+TEST(TypeAllocation, TextsOfAType) {
+    const KTypeInfo type(kRecord);
+    const KTypeInfo& bits = type.GetFieldKTypeInfo(0);
+    const KTypeInfo& literals = type.GetFieldKTypeInfo(1);
+    const std::vector<unsigned char> bytes(32, 1);
+    const std::function<CString()> questions[] = {
+        [&] { return type.GetTypeIdentifier(); },
+        [&] { return type.GetFieldName(1); },
+        [&] { return type.GetFieldTypeInfo(0); },
+        [&] { return CString(literals.GetTypeInfoString().View()); },
+        [&] { return literals.GetValue(0); },
+        [&] { return literals.GetValue(0, true); },
+        [&] { return bits.GetValueString(bytes.data(), 2, 2, -1); },
+    };
+    for (const auto& question : questions) {
+        for (const bool sticky : {false, true}) {
+            const int failures = FailEveryAllocation(
+                [&] {
+                    try {
+                        return question();
+                    } catch (const std::bad_alloc&) {
+                        return CString();  // the copy that this test makes
+                    }
+                },
+                [](const CString& text) { EXPECT_STREQ(text, ""); }, sticky);
+            EXPECT_GT(failures, 0);
+            EXPECT_FALSE(question().IsEmpty());
+        }
+    }
+}
+
+TEST(TypeAllocation, ReadingValuesNeedsNone) {
+    const KTypeInfo bits("a#1#x1 rict0 63 e#3#bitc2 01");
+    const KTypeInfo reals("a#1#x1 rict0 1 f#1#xrrct-1e+300 1e+300");
+    const CString bit_text("X\"0123456789abcdef\"");
+    const CString real_text("(1_000_000_000.000_000_001, -1_0)");
+    std::vector<unsigned char> bytes(64);
+    FailingAlloc failing(1, true);
+    EXPECT_TRUE(bits.GetBytes(bit_text, bytes.data(), 64, 2, 0));
+    EXPECT_TRUE(reals.GetBytes(real_text, bytes.data(), 64, 2, 0));
+    EXPECT_FALSE(DisarmFailingAlloc());
+}
+
+TEST(TypeAllocation, Builders) {
+    const TArrayRange range{7, 0};
+    const TEnumValue literals[] = {"a literal with a long name", "b"};
+    const TEnumValue characters[] = {"0", "1"};
+    const TRecordField field("a field with a long name", "and a type that is no type");
+    char buffer[1000];
+    std::uint32_t size = sizeof buffer;
+    const std::function<HRESULT()> builders[] = {
+        [&] { return CreateArrayTypeInfo("a long array name", &range, 1, "x", buffer, &size); },
+        [&] { return CreateRecordTypeInfo("a long record name", &field, 1, buffer, &size); },
+        [&] { return CreateEnumTypeInfo("a name", literals, 2, buffer, &size); },
+        [&] { return CreateEnumTypeInfo("a long enumeration name", characters, 2, buffer, &size); },
+    };
+    for (const auto& build : builders) {
+        for (const bool sticky : {false, true}) {
+            buffer[0] = '?';
+            const int failures = FailEveryAllocation(
+                build,
+                [&](HRESULT result) {
+                    EXPECT_EQ(result, E_OUTOFMEMORY);
+                    EXPECT_EQ(buffer[0], '?');
+                },
+                sticky);
+            EXPECT_GT(failures, 0);
+            EXPECT_NE(buffer[0], '?');
+        }
+    }
+    EXPECT_EQ(
+        FailEveryAllocation([&] { return CreateStdTypeInfo(5, buffer, &size); }, [](HRESULT) {}),
+        0);
+}
+
+TEST(TypeAllocation, ValueClassesAreLeftWithoutText) {
+    TEnumValue value("short");
+    const int failures = FailEveryAllocation(
+        [&] {
+            value.Set("longer than before");
+            return value.GetLen();
+        },
+        [&](int length) {
+            EXPECT_EQ(length, 0);
+            EXPECT_EQ(value.Get(), nullptr);
+            value.Set("short");
+        });
+    EXPECT_EQ(failures, 1);
+    EXPECT_STREQ(value.Get(), "longer than before");
+}
+
+TEST(TypeAllocation, Vhdl) {
+    const char* const vhdl =
+        "record a, b : std_logic_vector(3 downto 0); c : array (0 to 3, 1 to 2) of (idle, run, "
+        "'1'); d : integer range 0 to 99; e : real range 0.0 to 1.0; f : bit; end record point";
+    CString type;
+    ASSERT_TRUE(TypeFromVhdl(vhdl, type));
+    const CString good = type;
+    for (const bool sticky : {false, true}) {
+        TypeProblem problem{0, 0, ""};
+        type = CString("untouched");
+        int failures = FailEveryAllocation([&] { return TypeFromVhdl(vhdl, type, &problem); },
+                                           [&](bool read) {
+                                               EXPECT_FALSE(read);
+                                               EXPECT_STREQ(type, "untouched");
+                                               EXPECT_EQ(problem.sentence, "out of memory");
+                                           },
+                                           sticky);
+        EXPECT_GT(failures, 20);
+        EXPECT_EQ(type, good);
+
+        CString text("untouched");
+        failures = FailEveryAllocation([&] { return TypeToVhdl(good, text); },
+                                       [&](bool written) {
+                                           EXPECT_FALSE(written);
+                                           EXPECT_STREQ(text, "untouched");
+                                       },
+                                       sticky);
+        EXPECT_GT(failures, 20);
+        EXPECT_STREQ(text.Left(6), "record");
+
+        failures = FailEveryAllocation(
+            [&] { return TypeFromVhdl("a_type_without_a_meaning", text, &problem); },
+            [&](bool read) {
+                EXPECT_FALSE(read);
+                EXPECT_EQ(problem.sentence, "out of memory");
+            },
+            sticky);
+        EXPECT_GT(failures, 0);
+        EXPECT_NE(problem.sentence.find("unknown type"), std::string::npos);
+    }
+}
+
+}  // namespace
+}  // namespace corv::test

@@ -1,0 +1,299 @@
+#include "corv/typeinfo/vhdl_type.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "corv/typeinfo/type_info.h"
+#include "tests/typeinfo/random_type.h"
+#include "typeinfo/named_types.h"
+
+namespace corv::test {
+namespace {
+
+const std::string kStdLogic = "e#9#std_logicc9 UX01ZWLH-";
+const std::string kBit = "e#3#bitc2 01";
+
+std::string FromVhdl(const std::string& text) {
+    CString type("untouched");
+    TypeProblem problem{77, 77, "none"};
+    if (!TypeFromVhdl(text.c_str(), type, &problem)) {
+        EXPECT_STREQ(type, "untouched");
+        return "at " + std::to_string(problem.position) + ": " + problem.sentence;
+    }
+    EXPECT_EQ(problem.sentence, "none");
+    EXPECT_TRUE(KTypeInfo::CheckTypeInfo(type)) << type;
+    return static_cast<const char*>(type);
+}
+
+std::string ToVhdl(const std::string& type) {
+    CString text("no text");
+    TypeToVhdl(type.c_str(), text);
+    return static_cast<const char*>(text);
+}
+
+TEST(VhdlType, Read) {
+    const std::string character(typeinfo::kStandardTypes[5]);
+    const std::string byte = "a#28#std_logic_vector(7 downto 0)1 ricd7 0 " + kStdLogic;
+    const struct {
+        const char* vhdl;
+        std::string type;
+        const char* written;  // back from the type; null when as it was read
+    } rows[] = {
+        {"std_logic", kStdLogic, nullptr},
+        {"BIT", kBit, "bit"},
+        {"boolean", "e#7#booleans2 false true ", nullptr},
+        {"character", character, nullptr},
+        {"severity_level", "e#14#severity_levels4 note warning error failure ", nullptr},
+        {"integer", "i#7#integerrict-2147483648 2147483647", nullptr},
+        {"natural", "i#7#naturalrict0 2147483647", nullptr},
+        {"positive", "i#8#positiverict1 2147483647", nullptr},
+        {"real", "f#4#realrrct-1.79769e+308 1.79769e+308", nullptr},
+        {"time", "f#4#timerrct-9.22337e+18 9.22337e+18", nullptr},
+        {"delay_length", "f#12#delay_lengthrrct0 9.22337e+18", nullptr},
+        {"integer range 0 to 15", "i#7#integerrict0 15", nullptr},
+        {"integer range 16#F# downto -1_0;", "i#7#integerricd15 -10",
+         "integer range 15 downto -10"},
+        {"natural range 3 downto 3", "i#7#naturalricd3 3", nullptr},
+        {"integer range - 2147483648 to +0", "i#7#integerrict-2147483648 0",
+         "integer range -2147483648 to 0"},
+        {"real range 0.0 to 0.123456789", "f#4#realrrct0 0.123457", "real range 0.0 to 0.123457"},
+        {"real range -1e300 to 1.5", "f#4#realrrct-1e+300 1.5", "real range -1.0e+300 to 1.5"},
+        {"time range 0ns to 1.5 US", "f#4#timerrct0 1.5e+09", "time range 0 fs to 1.5e+09 fs"},
+        {"time range 10 ps downto -1e3fs", "f#4#timerrcd10000 -1000",
+         "time range 10000 fs downto -1000 fs"},
+        {"(idle, run, done)", "e#0#s3 idle run done ", nullptr},
+        {"(a)", "e#0#s1 a ", nullptr},
+        {"('0','1', ''', '\"', ' ')", "e#0#c5 01'\" ", "('0', '1', ''', '\"', ' ')"},
+        {"('0', x, ' ')", "e#0#s3 '0 x '  ", nullptr},
+        {"(a, \\A\\, 'a', 'A', \\a\\)", "e#0#s5 a \\A\\ 'a 'A \\a\\ ", nullptr},
+        {"(\\a\\\\b\\, c)", "e#0#s2 \\a\\\\b\\ c ", nullptr},
+        {"STD_LOGIC_VECTOR(7 DOWNTO 0)", byte, "std_logic_vector(7 downto 0)"},
+        {"ieee . numeric_std.unsigned(0 to 0)", "a#16#unsigned(0 to 0)1 rict0 0 " + kStdLogic,
+         "unsigned(0 to 0)"},
+        {"sfixed(3 downto -4)", "a#19#sfixed(3 downto -4)1 ricd3 -4 " + kStdLogic, nullptr},
+        {"string(1 to 8)", "a#14#string(1 to 8)1 rict1 8 " + character, nullptr},
+        {"string", "a#6#string1 riut1 2147483647 " + character, nullptr},
+        {"bit_vector", std::string(typeinfo::kStandardTypes[6]), nullptr},
+        {"std_logic_vector", std::string(typeinfo::kStandardTypes[7]), nullptr},
+        {"std_ulogic_vector", std::string(typeinfo::kStandardTypes[8]), nullptr},
+        {"signed", "a#6#signed1 riut0 2147483647 " + kStdLogic, nullptr},
+        {"array (0 to 3) of std_logic_vector(7 downto 0)", "a#8#(0 to 3)1 rict0 3 " + byte,
+         nullptr},
+        {"array(natural range 2 to 3,-1 downto -2)of bit",
+         "a#21#(2 to 3,-1 downto -2)2 rict2 3 ricd-1 -2 " + kBit,
+         "array (2 to 3, -1 downto -2) of bit"},
+        {"array (natural range <>, integer range <>, positive range <>) of bit",
+         "a#0#3 riut0 2147483647 riut-2147483648 2147483647 riut1 2147483647 " + kBit, nullptr},
+        {"record a : std_logic; b, \\c!\\ : bit_vector(3 downto 0); end record",
+         "r#0#3 a " + kStdLogic + " b a#22#bit_vector(3 downto 0)1 ricd3 0 " + kBit +
+             " \\c!\\ a#22#bit_vector(3 downto 0)1 ricd3 0 " + kBit,
+         "record a : std_logic; b : bit_vector(3 downto 0); \\c!\\ : bit_vector(3 downto 0); end "
+         "record"},
+        {"record p : record x : (on_, off); end record pt; end record line;",
+         "r#4#line1 p r#2#pt1 x e#0#s2 on_ off ",
+         "record p : record x : (on_, off); end record pt; end record line"},
+        {"record end record", "r#0#0 ", nullptr},
+        {" -- a comment\n\tarray /* one\n more */ (0 to\r\n 3) of -- :\n bit -- the end",
+         "a#8#(0 to 3)1 rict0 3 " + kBit, "array (0 to 3) of bit"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(FromVhdl(row.vhdl), row.type) << row.vhdl;
+        EXPECT_EQ(ToVhdl(row.type), row.written ? row.written : row.vhdl);
+    }
+}
+
+TEST(VhdlType, Problems) {
+    const struct {
+        const char* vhdl;
+        std::size_t position;
+        std::size_t length;
+        const char* named;  // stands in the sentence
+    } rows[] = {
+        {"", 0, 0, "no type"},
+        {" -- bit\n", 0, 8, "no type"},
+        {"std_logc", 0, 8, "`std_logc`; did you mean `std_logic`?"},
+        {"std_logic_vec(3 downto 0)", 0, 13, "did you mean `std_logic_vector`?"},
+        {"  slv(3 downto 0)", 2, 3, "did you mean `std_logic_vector`?"},
+        {"tiem", 0, 4, "did you mean `time`?"},
+        {"bool", 0, 4, "did you mean `boolean`?"},
+        {"int", 0, 3, "did you mean `integer`?"},
+        {"recrod a : bit; end record", 0, 6, "did you mean `record`?"},
+        {"my_type", 0, 7, "unknown type `my_type`; write"},
+        {"work.my_type", 5, 7, "`my_type`"},
+        {"work.", 5, 0, "a name behind `.`, but the text ends"},
+        {"bit bit", 4, 3, "nothing more"},
+        {"bit;;", 4, 1, "found `;`"},
+        {"7", 0, 1, "expected a type"},
+        {"range 0 to 7", 0, 5, "expected a type"},
+        {"std_logic(3 downto 0)", 0, 9, "did you mean `std_logic_vector`?"},
+        {"integer(3 downto 0)", 0, 7, "behind `range`"},
+        {"bit range 0 to 1", 4, 5, "`bit` is an enumeration"},
+        {"unsigned range 7 downto 0", 9, 5, "in parentheses"},
+        {"unsigned(7 dwonto 0)", 11, 6, "did you mean `downto`?"},
+        {"unsigned(7:0)", 10, 1, "`to` or `downto`"},
+        {"unsigned(WIDTH-1 downto 0)", 9, 5, "a number as the bound, found `WIDTH`"},
+        {"unsigned(7 downto 0", 19, 0, "expected `)` behind the range, but the text ends"},
+        {"unsigned(7+1 downto 0)", 10, 1, "found `+`"},
+        {"unsigned(3 downto -1)", 18, 2, "`-1` is no value of `natural`"},
+        {"string(0 to 3)", 7, 1, "`0` is no value of `positive`"},
+        {"unsigned(0 downto 7)", 9, 10, "holds no value; write it with `to`"},
+        {"unsigned(7 to 0)", 9, 6, "holds no value; write it with `downto`"},
+        {"unsigned(7.0 downto 0)", 9, 3, "no whole number"},
+        {"unsigned(8bit downto 0)", 9, 4, "no whole number"},
+        {"integer range 0 to 99999999999", 19, 11, "no value of `integer`"},
+        {"natural range -1 to 3", 14, 2, "`-1` is no value of `natural`"},
+        {"real range 0.0 to 1e999", 18, 5, "range of a double"},
+        {"real range 1.0 to 0.0", 11, 10, "holds no value"},
+        {"time range 0 to 5 ns", 11, 1, "no time unit"},
+        {"time range 0 ns to 5 s", 19, 1, "no time unit"},
+        {"delay_length range -1 ns to 0 ns", 19, 5, "no value of `delay_length`"},
+        {"time range 0 fs to 1e6 hr", 19, 6, "no value of `time`"},
+        {"()", 1, 1, "expected a literal"},
+        {"(a, b, A)", 7, 1, "`A` stands twice"},
+        {"(a, b, b, a)", 7, 1, "`b` stands twice"},
+        {"('a', 'A', 'a')", 11, 3, "`'a'` stands twice"},
+        {"(a b)", 3, 1, "expected `)` or `,` behind the literal, found `b`"},
+        {"(a, to)", 4, 2, "expected a literal"},
+        {"(\\a b\\)", 1, 5, "blank"},
+        {"array 0 to 3 of bit", 6, 1, "expected `(`"},
+        {"array (<>) of bit", 7, 2, "found `<>`"},
+        {"array (boolean) of bit", 7, 7, "whole numbers"},
+        {"array (natural) of bit", 14, 1, "expected `range`"},
+        {"array (0 to 3) bit", 15, 3, "expected `of`"},
+        {"array (0 to 3) of", 17, 0, "expected a type"},
+        {"record a : bit end record", 15, 3, "expected `;`"},
+        {"record a bit; end record", 9, 3, "expected `:`"},
+        {"record a, : bit; end record", 10, 1, "the name of a field"},
+        {"record a : bit; A : bit; end record", 16, 1, "the field `A` stands twice"},
+        {"record a : bit;", 15, 0, "`end record`"},
+        {"record \\a b\\ : bit; end record", 7, 5, "blank"},
+        {"record a : bit; end recrd", 20, 5, "did you mean `record`?"},
+        {"bit /* open", 4, 2, "no closing `*/`"},
+        {"(a, \\open\n\\)", 4, 1, "no closing `\\`"},
+    };
+    for (const auto& row : rows) {
+        CString type("untouched");
+        TypeProblem problem{77, 77, ""};
+        ASSERT_FALSE(TypeFromVhdl(row.vhdl, type, &problem)) << row.vhdl;
+        EXPECT_STREQ(type, "untouched");
+        EXPECT_EQ(problem.position, row.position) << row.vhdl << ": " << problem.sentence;
+        EXPECT_EQ(problem.length, row.length) << row.vhdl << ": " << problem.sentence;
+        EXPECT_NE(problem.sentence.find(row.named), std::string::npos)
+            << row.vhdl << ": " << problem.sentence;
+        EXPECT_FALSE(TypeFromVhdl(row.vhdl, type));
+    }
+    CString type;
+    EXPECT_FALSE(TypeFromVhdl(nullptr, type));
+}
+
+TEST(VhdlType, WrittenOut) {
+    const struct {
+        const char* type;
+        const char* vhdl;
+    } rows[] = {
+        {"eBIT c2 01", "bit"},
+        {"ebit c2 10", "('1', '0')"},
+        {"e#5#states2 idle run ", "(idle, run)"},
+        {"i#5#counterict-5 5", nullptr},
+        {"i#5#countrict-5 5", "integer range -5 to 5"},
+        {"i#5#countrict-2147483648 2147483647", "integer"},
+        {"i#7#naturalrict-1 5", "integer range -1 to 5"},
+        {"i#7#naturalrict5 2", "natural range 5 downto 2"},
+        {"i#7#integerriut0 5", "integer range 0 to 5"},
+        {"f#1#vrrct0 1", "real range 0.0 to 1.0"},
+        {"f#1#vrrct-1.79769e+308 1.79769e+308", "real"},
+        {"f#4#timerrct0 1e+20", "real range 0.0 to 1.0e+20"},
+        {"a#3#busricd7 0 ebit c2 01", nullptr},
+        {"a#8#unsigned1 ricd7 0 estd_logic c9 UX01ZWLH-", "unsigned(7 downto 0)"},
+        {"a#8#UNSIGNED1 rict7 0 estd_logic c9 UX01ZWLH-", "unsigned(7 downto 0)"},
+        {"a#8#unsigned1 ricd7 0 ebit c2 01", "array (7 downto 0) of bit"},
+        {"a#8#unsigned1 ricd7 -1 estd_logic c9 UX01ZWLH-", "array (7 downto -1) of std_logic"},
+        {"a#8#unsigned1 riut0 9 estd_logic c9 UX01ZWLH-", "array (natural range <>) of std_logic"},
+        {"a#8#unsigned2 rict0 9 rict0 9 ebit c2 01", "array (0 to 9, 0 to 9) of bit"},
+        {"a#1#x1 riud9 1 ebit c2 01", "array (positive range <>) of bit"},
+        {"r#5#a rec1 f ebit c2 01", "record f : bit; end record"},
+        // what VHDL has no words for
+        {"e#1#xc0 ", nullptr},
+        {"e#1#xs2 a 7b ", nullptr},
+        {"e#1#xs1 \\open ", nullptr},
+        {"e#1#xs2 of a ", nullptr},
+        {"e#1#xs2 a A ", nullptr},
+        {"e#1#xc2 00", nullptr},
+        {"a#1#x0  ebit c2 01", nullptr},
+        {"r#1#x1 end ebit c2 01", nullptr},
+        {"r#1#x1 a.b ebit c2 01", nullptr},
+        {"r#1#x2 a ebit c2 01 A ebit c2 01", nullptr},
+        {"r#1#x1 a ex c0 ", nullptr},
+        {"", nullptr},
+        {"bit", nullptr},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(ToVhdl(row.type), row.vhdl ? row.vhdl : "no text") << row.type;
+    }
+    CString text;
+    EXPECT_FALSE(TypeToVhdl(nullptr, text));
+}
+
+std::string NestedArrays(int levels, const char* innermost) {
+    std::string text;
+    for (int i = 1; i < levels; ++i) {
+        text += "array (0 to 1) of ";
+    }
+    return text + innermost;
+}
+
+TEST(VhdlType, Limits) {
+    EXPECT_EQ(FromVhdl(NestedArrays(64, "bit")).substr(0, 2), "a#");
+    EXPECT_EQ(FromVhdl(NestedArrays(63, "unsigned")).substr(0, 2), "a#");
+    const std::string place = "at " + std::to_string(63 * 18) + ": types nest deeper than 64";
+    EXPECT_EQ(FromVhdl(NestedArrays(65, "bit")).substr(0, place.size() + 2),
+              "at " + std::to_string(64 * 18) + ": types nest deeper than 64 l");
+    EXPECT_EQ(FromVhdl(NestedArrays(64, "unsigned")).substr(0, place.size()), place);
+    // each level doubles the description
+    std::string doubling = "string";
+    for (int i = 0; i < 40; ++i) {
+        doubling = "record a, b : " + doubling + "; end record";
+    }
+    EXPECT_EQ(FromVhdl(doubling), "at 0: the description of this type is longer than 16 MiB");
+    EXPECT_EQ(FromVhdl(std::string((16 << 20) + 1, ' ')), "at 0: the text is longer than 16 MiB");
+}
+
+TEST(VhdlType, RandomTypesReadWhatTheBuildersWrite) {
+    for (std::uint32_t seed = 1; seed <= 2000; ++seed) {
+        Random random(seed);
+        const KnownType known = RandomType(random, static_cast<int>(random.Below(5)), false);
+        const std::string vhdl = VhdlOf(known);
+        const std::string type = Describe(known);
+        ASSERT_EQ(FromVhdl(vhdl), type) << seed << ' ' << vhdl;
+        const std::string written = ToVhdl(type);
+        ASSERT_EQ(FromVhdl(written), type) << seed << ' ' << written;
+        ASSERT_EQ(ToVhdl(FromVhdl(written)), written) << seed;
+    }
+}
+
+TEST(VhdlType, MutatedTexts) {
+    Random random(9);
+    const std::string texts[] = {
+        "record a, b : std_logic; c : array (0 to 3, natural range <>) of unsigned(7 downto 0); "
+        "d : (idle, '1', \\x y\\); e : integer range -5 to 16#f#; end record r",
+        "/* all */ array (1 to 2) of time range 0 ns to 1.5e3 us -- end",
+    };
+    for (const std::string& text : texts) {
+        for (int i = 0; i < 4000; ++i) {
+            const std::string mutated = Mutate(random, text.substr(0, random.Below(text.size())));
+            CString type;
+            TypeProblem problem{0, 0, ""};
+            if (TypeFromVhdl(mutated.c_str(), type, &problem)) {
+                const std::string written = ToVhdl(static_cast<const char*>(type));
+                ASSERT_EQ(ToVhdl(FromVhdl(written)), written) << mutated;
+            } else {
+                ASSERT_LE(problem.position + problem.length, mutated.size()) << mutated;
+                ASSERT_FALSE(problem.sentence.empty());
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corv::test
