@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -9,14 +10,17 @@
 
 namespace corv::frame {
 
+struct NoFields {};
+
 // What all COM objects have in common: the reference count, which starts at 0, and QueryInterface.
 // A class names itself, its interface and that one's identifier, and adds its own operations:
 //
 //     class CSignal final : public ComObject<CSignal, ISignal, IID_ISignal> { ... };
 //
-// The count is not interlocked: an object is used by one thread at a time.
-template <class Object, class Interface, const GUID& kInterfaceId>
-class ComObject : public Interface {
+// The count is the first field, or follows those of `Before` where a class has some in front of it.
+// It is not interlocked: an object is used by one thread at a time.
+template <class Object, class Interface, const GUID& kInterfaceId, class Before = NoFields>
+class ComObject : public Interface, protected Before {
 public:
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
@@ -50,6 +54,7 @@ public:
 
 protected:
     ComObject() noexcept = default;
+    explicit ComObject(const Before& before) noexcept : Before(before) {}
     ~ComObject() = default;
 
 private:
@@ -61,7 +66,7 @@ private:
 template <class Object, class Interface, class... Args>
 HRESULT CreateComObject(Interface** out, Args&&... args) noexcept {
     Object* const object = platform::Guarded<Object*>(
-        nullptr, [&] { return new Object(std::forward<Args>(args)...); });
+        nullptr, [&] { return std::make_unique<Object>(std::forward<Args>(args)...).release(); });
     if (object == nullptr) {
         return E_OUTOFMEMORY;
     }

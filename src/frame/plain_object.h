@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -49,7 +50,7 @@ HRESULT CreatePlainObject(Interface** out, HRESULT failure, SetUp&& set_up,
                           Args&&... args) noexcept {
     *out = nullptr;
     Object* const object = platform::Guarded<Object*>(
-        nullptr, [&] { return new Object(std::forward<Args>(args)...); });
+        nullptr, [&] { return std::make_unique<Object>(std::forward<Args>(args)...).release(); });
     if (object == nullptr) {
         return E_OUTOFMEMORY;
     }

@@ -4,8 +4,6 @@
 #include <atomic>
 #include <bit>
 #include <cstdint>
-#include <mutex>
-#include <new>
 #include <utility>
 
 #if defined(__unix__) || defined(__APPLE__)
@@ -66,22 +64,26 @@ std::size_t WholePages(std::size_t bytes) noexcept {
 constexpr int kMostRanges = 8192;
 std::atomic<int> range_count{0};
 
-// The lock is for owners on different threads.
+// Owners may be on different threads. There is no lock: whoever finds the ranges in use by another
+// does without.
 class KeptRanges {
 public:
-    bool Put(AddressRange& range) noexcept {
-        const std::lock_guard guard(lock_);
-        if (count_ == kept_.size() || range.usable() > AddressRange::kMostKeptBytes - bytes_) {
-            return false;
+    void Put(AddressRange& range) noexcept {
+        const Use use(in_use_);
+        if (!use || count_ == kept_.size() ||
+            range.usable() > AddressRange::kMostKeptBytes - bytes_) {
+            return;
         }
         bytes_ += range.usable();
         kept_[count_++] = std::move(range);
-        return true;
     }
 
     // The one put last of those of a size (of any, for 0); an empty one when there is none.
     AddressRange Take(std::size_t reserved) noexcept {
-        const std::lock_guard guard(lock_);
+        const Use use(in_use_);
+        if (!use) {
+            return {};
+        }
         for (std::size_t i = count_; i-- > 0;) {
             if (reserved == 0 || kept_[i].reserved() == reserved) {
                 AddressRange taken = std::move(kept_[i]);
@@ -94,17 +96,40 @@ public:
     }
 
 private:
-    std::mutex lock_;
+    class Use {
+    public:
+        explicit Use(std::atomic<bool>& in_use) noexcept
+            : in_use_(in_use), granted_(!in_use.exchange(true, std::memory_order_acquire)) {}
+        Use(const Use&) = delete;
+        Use& operator=(const Use&) = delete;
+        ~Use() {
+            if (granted_) {
+                in_use_.store(false, std::memory_order_release);
+            }
+        }
+        explicit operator bool() const noexcept { return granted_; }
+
+    private:
+        std::atomic<bool>& in_use_;
+        bool granted_;
+    };
+
+    std::atomic<bool> in_use_ = false;
     std::array<AddressRange, 64> kept_;
     std::size_t count_ = 0;
     std::size_t bytes_ = 0;
 };
 
-// Never destroyed: waves may end after everything else.
+// There from the start and never destroyed: waves may end after everything else.
+union NeverDestroyed {
+    constexpr NeverDestroyed() noexcept : ranges() {}
+    ~NeverDestroyed() {}
+    KeptRanges ranges;
+};
+constinit NeverDestroyed kept_ranges;
+
 KeptRanges& Kept() noexcept {
-    alignas(KeptRanges) static std::byte place[sizeof(KeptRanges)];
-    static auto* const kept = new (place) KeptRanges;
-    return *kept;
+    return kept_ranges.ranges;
 }
 
 }  // namespace

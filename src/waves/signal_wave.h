@@ -181,4 +181,4 @@ HRESULT CORV_CALL SignalWave<Value>::RemoveEvents(std::int64_t from, std::int64_
 using CSignalWave32 = corv::waves::SignalWave<std::uint32_t>;
 using CSignalWave64 = corv::waves::SignalWave<std::uint64_t>;
 
-static_assert(sizeof(CSignalWave32) <= 9 * sizeof(void*));
+static_assert(sizeof(CSignalWave32) <= 10 * sizeof(void*));

@@ -12,17 +12,27 @@
 
 namespace corv::waves {
 
-// Walks the events of a wave. The position is an index, so that it means something after any change
+// Where an enumerator stands. The position is an index, so that it means something after any change
 // of the events; past the last one it means the end.
+template <class Value>
+struct WavePlace {
+    Timeline<WaveEvent<Value>>& events_;
+    std::size_t position_ = 0;
+};
+
+// Walks the events of a wave.
 template <class Value>
 class WaveEventEnumerator final
     : public frame::ComObject<WaveEventEnumerator<Value>, IWaveEventEnumerator,
-                              IID_IWaveEventEnumerator> {
-public:
-    using Events = Timeline<WaveEvent<Value>>;
+                              IID_IWaveEventEnumerator, WavePlace<Value>> {
+    using Base = frame::ComObject<WaveEventEnumerator<Value>, IWaveEventEnumerator,
+                                  IID_IWaveEventEnumerator, WavePlace<Value>>;
+    using Base::events_;
+    using Base::position_;
 
-    // Stands on the first event. The events must outlive the enumerator.
-    explicit WaveEventEnumerator(Events& events) noexcept : events_(events) {}
+public:
+    // Stands on the first event of a wave, which must outlive the enumerator.
+    explicit WaveEventEnumerator(Timeline<WaveEvent<Value>>& events) noexcept : Base({events}) {}
 
     HRESULT CORV_CALL Current(IWaveEvent** event) noexcept override {
         events_.Trim();
@@ -74,9 +84,6 @@ public:
 
 private:
     std::size_t Position() const noexcept { return std::min(position_, events_.size()); }
-
-    Events& events_;
-    std::size_t position_ = 0;
 };
 
 }  // namespace corv::waves

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -24,25 +25,24 @@ std::string NestedArrays(int levels) {
     return text + "eb c2 01";
 }
 
+// The parts between bars, blanks included.
+std::vector<CString> Parts(const std::string& text) {
+    std::vector<CString> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, '|');) {
+        parts.push_back(Text(part));
+    }
+    return parts;
+}
+
+constexpr const char* kTypes =
+    "e#3#bitc2 01|e#0#c0 |e c1 x|e#4#a #3s2 '  '' |ex s0 |e#1#xs2 a 'b |"
+    "iinteger rict-2147483648 2147483647|i#1#xriud5 -5|i#1#xrict007 8|"
+    "freal rrct-1.79769e+308 1.79769e+308|fx rrud1.5 -2|f#1#xrrct1e-400 5|a#5#bus()0  eb c2 01|"
+    "ax 2 rict0 1 ricd1 0 ix rict0 1|r#0#0 |rx 1 a ea c1  ";
+
 TEST(TypeInfo, CheckAccepts) {
-    for (const char* text : {
-             "e#3#bitc2 01",
-             "e#0#c0 ",
-             "e c1 x",
-             "e#4#a #3s2 '  '' ",
-             "ex s0 ",
-             "e#1#xs2 a 'b ",
-             "iinteger rict-2147483648 2147483647",
-             "i#1#xriud5 -5",
-             "i#1#xrict007 8",
-             "freal rrct-1.79769e+308 1.79769e+308",
-             "fx rrud1.5 -2",
-             "f#1#xrrct1e-400 5",
-             "a#5#bus()0  eb c2 01",
-             "ax 2 rict0 1 ricd1 0 ix rict0 1",
-             "r#0#0 ",
-             "rx 1 a ea c1  ",
-         }) {
+    for (const CString& text : Parts(kTypes)) {
         EXPECT_TRUE(KTypeInfo::CheckTypeInfo(text)) << text;
     }
     for (const std::string_view text : typeinfo::kStandardTypes) {
@@ -50,76 +50,23 @@ TEST(TypeInfo, CheckAccepts) {
     }
 }
 
+constexpr const char* kNoTypes =
+    "| |x#1#yc2 01| e#3#bitc2 01|E#3#bitc2 01|e#3#bitc2 01 |e#3#bitc2 012|e#3#bitc3 01|"
+    "e#4#bitc2 01|e#-3#bitc2 01|e##bitc2 01|e#3bitc2 01|e#99999999999999999999#bitc2 01|"
+    "e#3#bitx2 01|e#3#bitc-2 01|e#3#bitc+2 01|e#3#bitc 01|e#3#bitc2|e#3#bitc4294967296 0|"
+    "e#1#xs2 a b|e#1#xs2 a  b |e#1#xs1 'ab |e#1#xs1 '|e#1#xs1 ' |e#1#xs4294967295 a |e#1#xc2 0\n|"
+    "e#1\n#xc1 0|e#2#x\rc1 0|i#1#xrict0|i#1#xrict0 |i#1#xrict0 1 |i#1#xrict0  1|"
+    "i#1#xrict2147483648 0|i#1#xrict0 -2147483649|i#1#xrict+1 2|i#1#xrict0 1.5|i#1#xrict0x 1|"
+    "i#1#xrrct0 1|i#1#xricx0 1|i#1#xrixt0 1|i#1#xxict0 1|i#1#xrict- 1|f#1#xrict0 1|"
+    "f#1#xrrct0 inf|f#1#xrrctnan 1|f#1#xrrct0 1e999|f#1#xrrct0 +1|f#1#xrrct0 1_0|f#1#xrrct0 1.|"
+    "f#1#xrrct0 .5|f#1#xrrct0 1e|f#1#xrrct0 0x1|a#1#x0 e#3#bitc2 01|a#1#x1 rict0 1|"
+    "a#1#x1 rict0 1 |a#1#x1 rrct0 1 eb c1 x|a#1#x2 rict0 1 eb c1 x|a#1#x1 rict0 1  eb c1 x|"
+    "a#1#x4294967295 rict0 1 |r#1#x1 |r#1#x1 a|r#1#x1 a |r#1#x1 a e#3#bitc2 01 |"
+    "r#1#x1  e#3#bitc2 01|r#1#x2 a e#3#bitc2 01|r#1#x1 a e#3#bitc2 01 b e#3#bitc2 01|"
+    "r#1#x2 a e#3#bitc2 01b e#3#bitc2 01";
+
 TEST(TypeInfo, CheckRefuses) {
-    for (const char* text : {
-             "",
-             " ",
-             "x#1#yc2 01",
-             " e#3#bitc2 01",
-             "E#3#bitc2 01",
-             "e#3#bitc2 01 ",
-             "e#3#bitc2 012",
-             "e#3#bitc3 01",
-             "e#4#bitc2 01",
-             "e#-3#bitc2 01",
-             "e##bitc2 01",
-             "e#3bitc2 01",
-             "e#99999999999999999999#bitc2 01",
-             "e#3#bitx2 01",
-             "e#3#bitc-2 01",
-             "e#3#bitc+2 01",
-             "e#3#bitc 01",
-             "e#3#bitc2",
-             "e#3#bitc4294967296 0",
-             "e#1#xs2 a b",
-             "e#1#xs2 a  b ",
-             "e#1#xs1 'ab ",
-             "e#1#xs1 '",
-             "e#1#xs1 ' ",
-             "e#1#xs4294967295 a ",
-             "e#1#xc2 0\n",
-             "e#1\n#xc1 0",
-             "e#2#x\rc1 0",
-             "i#1#xrict0",
-             "i#1#xrict0 ",
-             "i#1#xrict0 1 ",
-             "i#1#xrict0  1",
-             "i#1#xrict2147483648 0",
-             "i#1#xrict0 -2147483649",
-             "i#1#xrict+1 2",
-             "i#1#xrict0 1.5",
-             "i#1#xrict0x 1",
-             "i#1#xrrct0 1",
-             "i#1#xricx0 1",
-             "i#1#xrixt0 1",
-             "i#1#xxict0 1",
-             "i#1#xrict- 1",
-             "f#1#xrict0 1",
-             "f#1#xrrct0 inf",
-             "f#1#xrrctnan 1",
-             "f#1#xrrct0 1e999",
-             "f#1#xrrct0 +1",
-             "f#1#xrrct0 1_0",
-             "f#1#xrrct0 1.",
-             "f#1#xrrct0 .5",
-             "f#1#xrrct0 1e",
-             "f#1#xrrct0 0x1",
-             "a#1#x0 e#3#bitc2 01",
-             "a#1#x1 rict0 1",
-             "a#1#x1 rict0 1 ",
-             "a#1#x1 rrct0 1 eb c1 x",
-             "a#1#x2 rict0 1 eb c1 x",
-             "a#1#x1 rict0 1  eb c1 x",
-             "a#1#x4294967295 rict0 1 ",
-             "r#1#x1 ",
-             "r#1#x1 a",
-             "r#1#x1 a ",
-             "r#1#x1 a e#3#bitc2 01 ",
-             "r#1#x1  e#3#bitc2 01",
-             "r#1#x2 a e#3#bitc2 01",
-             "r#1#x1 a e#3#bitc2 01 b e#3#bitc2 01",
-             "r#1#x2 a e#3#bitc2 01b e#3#bitc2 01",
-         }) {
+    for (const CString& text : Parts(kNoTypes)) {
         EXPECT_FALSE(KTypeInfo::CheckTypeInfo(text)) << text;
         const KTypeInfo type(text);
         EXPECT_EQ(type.GetKind(), KTypeInfo::KindNone) << text;
@@ -185,24 +132,22 @@ TEST(TypeInfo, Sizes) {
         int scalar;
         int simple;
         std::int64_t elements;
-    } rows[] = {
-        {"ex c0 ", 1, 1, 0},
-        {words(256), 1, 1, 0},
-        {words(257), 2, 2, 0},
-        {words(65536), 2, 2, 0},
-        {words(65537), 4, 4, 0},
-        {"ix rict0 1", 4, 4, 0},
-        {"fx rrct0 1", 8, 8, 0},
-        {"ax 1 rict7 0 fx rrct0 1", 0, 64, 8},
-        {"ax 0  ix rict0 1", 0, 4, 1},
-        {"ax 3 rict0 1 ricd3 1 rict-1 -1 ix rict0 1", 0, 24, 6},
-        {"ax 1 rict0 1 ax 1 rict0 2 ex c1 0", 0, 0, 2},
-        {"ax 1 rict-2147483648 2147483647 ex c1 0", 0, 2147483647, 4294967296},
-        {"ax 2 rict-2147483648 2147483647 rict-2147483648 2147483647 fx rrct0 1", 0, 2147483647,
-         9223372036854775807},
-        {"rx 0 ", 0, 0, 0},
-        {"", 0, 0, 0},
-    };
+    } rows[] = {{"ex c0 ", 1, 1, 0},
+                {words(256), 1, 1, 0},
+                {words(257), 2, 2, 0},
+                {words(65536), 2, 2, 0},
+                {words(65537), 4, 4, 0},
+                {"ix rict0 1", 4, 4, 0},
+                {"fx rrct0 1", 8, 8, 0},
+                {"ax 1 rict7 0 fx rrct0 1", 0, 64, 8},
+                {"ax 0  ix rict0 1", 0, 4, 1},
+                {"ax 3 rict0 1 ricd3 1 rict-1 -1 ix rict0 1", 0, 24, 6},
+                {"ax 1 rict0 1 ax 1 rict0 2 ex c1 0", 0, 0, 2},
+                {"ax 1 rict-2147483648 2147483647 ex c1 0", 0, 2147483647, 4294967296},
+                {"ax 2 rict-2147483648 2147483647 rict-2147483648 2147483647 fx rrct0 1", 0,
+                 2147483647, 9223372036854775807},
+                {"rx 0 ", 0, 0, 0},
+                {"", 0, 0, 0}};
     for (const auto& row : rows) {
         const KTypeInfo type(row.text);
         EXPECT_EQ(type.GetScalarSize(), row.scalar) << row.text;

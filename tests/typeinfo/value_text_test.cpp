@@ -83,165 +83,61 @@ std::string Read(const KTypeInfo& type, const std::string& text) {
 
 TEST(ValueText, Accepted) {
     for (const auto& row : Table(R"table(
-        std_logic | 1 | 3
-        std_logic | '1' | 3
-        std_logic | x | 1
-        std_logic | 'z' | 4
-        std_logic | - | 8
-        state | idle | 0
-        state | IDLE | 0
-        state | rUN | 1
-        state | q | 2
-        state | Q | 3
-        state | 'Q' | 3
-        state | \A\\,b\ | 4
-        letters | a | 0
-        letters | b | 1
-        letters | ' | 2
-        letters | ''' | 2
-        letters | " | 3
-        character | A | 65
-        character | 'a' | 97
-        character | nul | 0
-        character | C128 | 128
-        character | ' ' | 32
-        integer | 0 | 0
-        integer | -12 | -12
-        integer | +7 | 7
-        integer | 1_000 | 1000
-        integer | 2e3 | 2000
-        integer | 2E+03 | 2000
-        integer | 0e999999999999999999999 | 0
-        integer | 2147483647 | 2147483647
-        integer | -2147483648 | -2147483648
-        integer | 16#FF# | 255
-        integer | 16#ff | 255
-        integer | 2#1010_1010# | 170
-        integer | 10#14 | 14
-        integer | -16#80000000# | -2147483648
-        integer | 10#-14 | -14
-        integer | 16#F#e2 | 3840
-        integer | 3#12#E1 | 15
-        small | -3 | -3
-        small | 15 | 15
-        real | 1.5 | 1.5
-        real | -2 | -2
-        real | 1_0.2_5e+1_0 | 102500000000
-        real | 1e-400 | 0
-        real | -0.0001e-320 | -0
-        real | 1.7976931348623157e308 | 1.7976931348623157e+308
-        unit | 1 | 1
-        pi | 3.1415926 | 3.1415926000000001
-        slv4 | 01xZ | 2 3 1 4
-        slv4 | "01XZ" | 2 3 1 4
-        slv4 | X"a" | 3 2 3 2
-        slv4 | b"1_01_0" | 3 2 3 2
-        slv4 | ('0',1,x,'Z') | 2 3 1 4
-        slv4 | ( '0' , '1' , 'X' , 'Z' ) | 2 3 1 4
-        slv12 | X"5_A0" | 2 3 2 3 3 2 3 2 2 2 2 2
-        slv12 | o"1234" | 2 2 3 2 3 2 2 3 3 3 2 2
-        grid | 0111 | 0 1 1 1
-        grid | x"7" | 0 1 1 1
-        states | qQq | 2 3 2
-        states | (idle,RUN,\A\\,b\) | 0 1 4
-        states | (idle,'q','Q') | 0 2 3
-        quotes | "a" | 3 0 3
-        quotes | """B'" | 3 1 2
-        quotes | ('a',''','"') | 0 2 3
-        string3 | abc | 97 98 99
-        string3 | "a" | 34 97 34
-        string3 | "(,)" | 40 44 41
-        string3 | (NUL,',',del) | 0 44 127
-        integers | (1,-3) | 1 -3
-        integers | (16#F#, 2) | 15 2
-        reals | (1.5,-2e1) | 1.5 -20
-        one | (5) | 5)table")) {
-        EXPECT_EQ(Read(KTypeInfo(TypeText(row[0])), row[1]), row[2]) << row[0] << ' ' << row[1];
+        std_logic | 1 = 3 | '1' = 3 | x = 1 | 'z' = 4 | - = 8
+        state | idle = 0 | IDLE = 0 | rUN = 1 | q = 2 | Q = 3 | 'Q' = 3 | \A\\,b\ = 4
+        letters | a = 0 | b = 1 | ' = 2 | ''' = 2 | " = 3
+        character | A = 65 | 'a' = 97 | nul = 0 | C128 = 128 | ' ' = 32
+        integer | 0 = 0 | -12 = -12 | +7 = 7 | 1_000 = 1000 | 2e3 = 2000 | 2E+03 = 2000
+        integer | 0e999999999999999999999 = 0 | 2147483647 = 2147483647 | -2147483648 = -2147483648
+        integer | 16#FF# = 255 | 16#ff = 255 | 2#1010_1010# = 170 | 10#14 = 14
+        integer | -16#80000000# = -2147483648 | 10#-14 = -14 | 16#F#e2 = 3840 | 3#12#E1 = 15
+        small | -3 = -3 | 15 = 15
+        real | 1.5 = 1.5 | -2 = -2 | 1_0.2_5e+1_0 = 102500000000 | 1e-400 = 0 | -0.0001e-320 = -0
+        real | 1.7976931348623157e308 = 1.7976931348623157e+308
+        unit | 1 = 1
+        pi | 3.1415926 = 3.1415926000000001
+        slv4 | 01xZ = 2 3 1 4 | "01XZ" = 2 3 1 4 | X"a" = 3 2 3 2 | b"1_01_0" = 3 2 3 2
+        slv4 | ('0',1,x,'Z') = 2 3 1 4 | ( '0' , '1' , 'X' , 'Z' ) = 2 3 1 4
+        slv12 | X"5_A0" = 2 3 2 3 3 2 3 2 2 2 2 2 | o"1234" = 2 2 3 2 3 2 2 3 3 3 2 2
+        grid | 0111 = 0 1 1 1 | x"7" = 0 1 1 1
+        states | qQq = 2 3 2 | (idle,RUN,\A\\,b\) = 0 1 4 | (idle,'q','Q') = 0 2 3
+        quotes | "a" = 3 0 3 | """B'" = 3 1 2 | ('a',''','"') = 0 2 3
+        string3 | abc = 97 98 99 | "a" = 34 97 34 | "(,)" = 40 44 41 | (NUL,',',del) = 0 44 127
+        integers | (1,-3) = 1 -3 | (16#F#, 2) = 15 2
+        reals | (1.5,-2e1) = 1.5 -20
+        one | (5) = 5)table")) {
+        for (std::size_t i = 1; i < row.size(); ++i) {
+            const auto pair = Split(row[i], '=');
+            EXPECT_EQ(Read(KTypeInfo(TypeText(row[0])), pair[0]), pair[1]) << row[0] << row[i];
+        }
     }
 }
 
 TEST(ValueText, Refused) {
     for (const auto& row : Table(R"table(
-        std_logic | _
-        std_logic | 2
-        std_logic | 01
-        std_logic | 'x
-        std_logic | "1"
-        std_logic | (1)
-        state | done
-        state | idle idle
-        state | i
-        state | 'idle'
-        state | \a\\,b\
-        letters | A
-        letters | c
+        std_logic | _ | 2 | 01 | 'x | "1" | (1)
+        state | done | idle idle | i | 'idle' | \a\\,b\
+        letters | A | c
         character | ab
-        integer | 2147483648
-        integer | -2147483649
-        integer | 99999999999999999999999
-        integer | 1e10
-        integer | 1e-1
-        integer | 1.0
-        integer | 1__0
-        integer | _1
-        integer | 1_
-        integer | --1
-        integer | -16#-1#
-        integer | 1#0#
-        integer | 17#0#
-        integer | 16#G#
-        integer | 16##
-        integer | 16#1#1
-        integer | 16#1#e
-        integer | 0x10
-        integer | 1 2
-        small | 16
-        small | -4
-        real | 1e309
-        real | 1e99999999999999999999999
-        real | 0.00000000001e3_30
-        real | .5
-        real | 5.
-        real | 1e
-        real | inf
-        real | nan
-        real | 1.5.2
-        real | 1._5
-        unit | 1.0000001
-        unit | -1e-9
+        integer | 2147483648 | -2147483649 | 99999999999999999999999 | 1e10 | 1e-1 | 1.0 | 1__0 | _1
+        integer | 1_ | --1 | -16#-1# | 1#0# | 17#0# | 16#G# | 16## | 16#1#1 | 16#1#e | 0x10 | 1 2
+        small | 16 | -4
+        real | 1e309 | 1e99999999999999999999999 | 0.00000000001e3_30 | .5 | 5. | 1e | inf | nan
+        real | 1.5.2 | 1._5
+        unit | 1.0000001 | -1e-9
         pi | 3.1416
-        slv4 | 010
-        slv4 | 01010
-        slv4 | 01a0
-        slv4 | "010"
-        slv4 | "01010"
-        slv4 | "0101
-        slv4 | X"G"
-        slv4 | X"1F"
-        slv4 | B"010"
-        slv4 | B"_0101"
-        slv4 | B"0101_"
-        slv4 | B"01__01"
-        slv4 | X""
-        slv4 | Y"1"
-        slv4 | (0,1,0)
-        slv4 | (0,1,0,1,0)
-        slv4 | (0,1,0,1
-        slv4 | (0,1,,1)
-        slv4 | (0,1,0,1)x
-        slv4 | ()
+        slv4 | 010 | 01010 | 01a0 | "010" | "01010" | "0101 | X"G" | X"1F" | B"010" | B"_0101"
+        slv4 | B"0101_" | B"01__01" | X"" | Y"1" | (0,1,0) | (0,1,0,1,0) | (0,1,0,1 | (0,1,,1)
+        slv4 | (0,1,0,1)x | ()
         slv5 | X"1"
-        quotes | "a"B"
-        quotes | X"7"
-        states | idleRunq
-        states | (idle,Run)
-        integers | 1,2
-        integers | 12
-        integers | (1,16)
-        integers | "12"
+        quotes | "a"B" | X"7"
+        states | idleRunq | (idle,Run)
+        integers | 1,2 | 12 | (1,16) | "12"
         reals | (1.5)
         one | 5)table")) {
-        EXPECT_EQ(Read(KTypeInfo(TypeText(row[0])), row[1]), "") << row[0] << ' ' << row[1];
+        for (std::size_t i = 1; i < row.size(); ++i) {
+            EXPECT_EQ(Read(KTypeInfo(TypeText(row[0])), row[i]), "") << row[0] << ' ' << row[i];
+        }
     }
     Bytes bytes(8, kUntouched);
     const KTypeInfo vector(TypeText("slv4"));

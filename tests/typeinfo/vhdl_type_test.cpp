@@ -5,6 +5,7 @@
 #include <string>
 
 #include "corv/typeinfo/type_info.h"
+#include "tests/support/table.h"
 #include "tests/typeinfo/random_type.h"
 #include "typeinfo/named_types.h"
 
@@ -103,85 +104,71 @@ TEST(VhdlType, Read) {
     }
 }
 
+// A text, the place and the length of what is wrong, and a part of the sentence.
+constexpr const char* kProblems = R"table(
+    _ | 0 | 0 | no type ;; std_logc | 0 | 8 | `std_logc`; did you mean `std_logic`?
+    std_logic_vec(3 downto 0) | 0 | 13 | did you mean `std_logic_vector`?
+    tiem | 0 | 4 | did you mean `time`? ;; bool | 0 | 4 | did you mean `boolean`?
+    int | 0 | 3 | did you mean `integer`?
+    recrod a : bit; end record | 0 | 6 | did you mean `record`?
+    my_type | 0 | 7 | unknown type `my_type`; write ;; work.my_type | 5 | 7 | `my_type`
+    work. | 5 | 0 | a name behind `.`, but the text ends ;; bit bit | 4 | 3 | nothing more
+    bit;; | 4 | 1 | found `;` ;; 7 | 0 | 1 | expected a type
+    range 0 to 7 | 0 | 5 | expected a type
+    std_logic(3 downto 0) | 0 | 9 | did you mean `std_logic_vector`?
+    integer(3 downto 0) | 0 | 7 | behind `range`
+    bit range 0 to 1 | 4 | 5 | `bit` is an enumeration
+    unsigned range 7 downto 0 | 9 | 5 | in parentheses
+    unsigned(7 dwonto 0) | 11 | 6 | did you mean `downto`?
+    unsigned(7:0) | 10 | 1 | `to` or `downto`
+    unsigned(WIDTH-1 downto 0) | 9 | 5 | a number as the bound, found `WIDTH`
+    unsigned(7 downto 0 | 19 | 0 | expected `)` behind the range, but the text ends
+    unsigned(7+1 downto 0) | 10 | 1 | found `+`
+    unsigned(3 downto -1) | 18 | 2 | `-1` is no value of `natural`
+    string(0 to 3) | 7 | 1 | `0` is no value of `positive`
+    unsigned(0 downto 7) | 9 | 10 | holds no value; write it with `to`
+    unsigned(7 to 0) | 9 | 6 | holds no value; write it with `downto`
+    unsigned(7.0 downto 0) | 9 | 3 | no whole number
+    unsigned(8bit downto 0) | 9 | 4 | no whole number
+    integer range 0 to 99999999999 | 19 | 11 | no value of `integer`
+    natural range -1 to 3 | 14 | 2 | `-1` is no value of `natural`
+    real range 0.0 to 1e999 | 18 | 5 | range of a double
+    real range 1.0 to 0.0 | 11 | 10 | holds no value
+    time range 0 to 5 ns | 11 | 1 | no time unit
+    time range 0 ns to 5 s | 19 | 1 | no time unit
+    delay_length range -1 ns to 0 ns | 19 | 5 | no value of `delay_length`
+    time range 0 fs to 1e6 hr | 19 | 6 | no value of `time` ;; () | 1 | 1 | expected a literal
+    (a, b, A) | 7 | 1 | `A` stands twice ;; (a, b, b, a) | 7 | 1 | `b` stands twice
+    ('a', 'A', 'a') | 11 | 3 | `'a'` stands twice
+    (a b) | 3 | 1 | expected `)` or `,` behind the literal, found `b`
+    (a, to) | 4 | 2 | expected a literal ;; (\a b\) | 1 | 5 | blank
+    array 0 to 3 of bit | 6 | 1 | expected `(` ;; array (<>) of bit | 7 | 2 | found `<>`
+    array (boolean) of bit | 7 | 7 | whole numbers
+    array (natural) of bit | 14 | 1 | expected `range`
+    array (0 to 3) bit | 15 | 3 | expected `of` ;; array (0 to 3) of | 17 | 0 | expected a type
+    record a : bit end record | 15 | 3 | expected `;`
+    record a bit; end record | 9 | 3 | expected `:`
+    record a, : bit; end record | 10 | 1 | the name of a field
+    record a : bit; A : bit; end record | 16 | 1 | the field `A` stands twice
+    record a : bit; | 15 | 0 | `end record` ;; record \a b\ : bit; end record | 7 | 5 | blank
+    record a : bit; end recrd | 20 | 5 | did you mean `record`?
+    bit /* open | 4 | 2 | no closing `*/`)table";
+
 TEST(VhdlType, Problems) {
-    const struct {
-        const char* vhdl;
-        std::size_t position;
-        std::size_t length;
-        const char* named;  // stands in the sentence
-    } rows[] = {
-        {"", 0, 0, "no type"},
-        {" -- bit\n", 0, 8, "no type"},
-        {"std_logc", 0, 8, "`std_logc`; did you mean `std_logic`?"},
-        {"std_logic_vec(3 downto 0)", 0, 13, "did you mean `std_logic_vector`?"},
-        {"  slv(3 downto 0)", 2, 3, "did you mean `std_logic_vector`?"},
-        {"tiem", 0, 4, "did you mean `time`?"},
-        {"bool", 0, 4, "did you mean `boolean`?"},
-        {"int", 0, 3, "did you mean `integer`?"},
-        {"recrod a : bit; end record", 0, 6, "did you mean `record`?"},
-        {"my_type", 0, 7, "unknown type `my_type`; write"},
-        {"work.my_type", 5, 7, "`my_type`"},
-        {"work.", 5, 0, "a name behind `.`, but the text ends"},
-        {"bit bit", 4, 3, "nothing more"},
-        {"bit;;", 4, 1, "found `;`"},
-        {"7", 0, 1, "expected a type"},
-        {"range 0 to 7", 0, 5, "expected a type"},
-        {"std_logic(3 downto 0)", 0, 9, "did you mean `std_logic_vector`?"},
-        {"integer(3 downto 0)", 0, 7, "behind `range`"},
-        {"bit range 0 to 1", 4, 5, "`bit` is an enumeration"},
-        {"unsigned range 7 downto 0", 9, 5, "in parentheses"},
-        {"unsigned(7 dwonto 0)", 11, 6, "did you mean `downto`?"},
-        {"unsigned(7:0)", 10, 1, "`to` or `downto`"},
-        {"unsigned(WIDTH-1 downto 0)", 9, 5, "a number as the bound, found `WIDTH`"},
-        {"unsigned(7 downto 0", 19, 0, "expected `)` behind the range, but the text ends"},
-        {"unsigned(7+1 downto 0)", 10, 1, "found `+`"},
-        {"unsigned(3 downto -1)", 18, 2, "`-1` is no value of `natural`"},
-        {"string(0 to 3)", 7, 1, "`0` is no value of `positive`"},
-        {"unsigned(0 downto 7)", 9, 10, "holds no value; write it with `to`"},
-        {"unsigned(7 to 0)", 9, 6, "holds no value; write it with `downto`"},
-        {"unsigned(7.0 downto 0)", 9, 3, "no whole number"},
-        {"unsigned(8bit downto 0)", 9, 4, "no whole number"},
-        {"integer range 0 to 99999999999", 19, 11, "no value of `integer`"},
-        {"natural range -1 to 3", 14, 2, "`-1` is no value of `natural`"},
-        {"real range 0.0 to 1e999", 18, 5, "range of a double"},
-        {"real range 1.0 to 0.0", 11, 10, "holds no value"},
-        {"time range 0 to 5 ns", 11, 1, "no time unit"},
-        {"time range 0 ns to 5 s", 19, 1, "no time unit"},
-        {"delay_length range -1 ns to 0 ns", 19, 5, "no value of `delay_length`"},
-        {"time range 0 fs to 1e6 hr", 19, 6, "no value of `time`"},
-        {"()", 1, 1, "expected a literal"},
-        {"(a, b, A)", 7, 1, "`A` stands twice"},
-        {"(a, b, b, a)", 7, 1, "`b` stands twice"},
-        {"('a', 'A', 'a')", 11, 3, "`'a'` stands twice"},
-        {"(a b)", 3, 1, "expected `)` or `,` behind the literal, found `b`"},
-        {"(a, to)", 4, 2, "expected a literal"},
-        {"(\\a b\\)", 1, 5, "blank"},
-        {"array 0 to 3 of bit", 6, 1, "expected `(`"},
-        {"array (<>) of bit", 7, 2, "found `<>`"},
-        {"array (boolean) of bit", 7, 7, "whole numbers"},
-        {"array (natural) of bit", 14, 1, "expected `range`"},
-        {"array (0 to 3) bit", 15, 3, "expected `of`"},
-        {"array (0 to 3) of", 17, 0, "expected a type"},
-        {"record a : bit end record", 15, 3, "expected `;`"},
-        {"record a bit; end record", 9, 3, "expected `:`"},
-        {"record a, : bit; end record", 10, 1, "the name of a field"},
-        {"record a : bit; A : bit; end record", 16, 1, "the field `A` stands twice"},
-        {"record a : bit;", 15, 0, "`end record`"},
-        {"record \\a b\\ : bit; end record", 7, 5, "blank"},
-        {"record a : bit; end recrd", 20, 5, "did you mean `record`?"},
-        {"bit /* open", 4, 2, "no closing `*/`"},
-        {"(a, \\open\n\\)", 4, 1, "no closing `\\`"},
-    };
+    auto rows = Table(kProblems);
+    rows.push_back({" -- bit\n", "0", "8", "no type"});
+    rows.push_back({"  slv(3 downto 0)", "2", "3", "did you mean `std_logic_vector`?"});
+    rows.push_back({"(a, \\open\n\\)", "4", "1", "no closing `\\`"});
     for (const auto& row : rows) {
         CString type("untouched");
         TypeProblem problem{77, 77, ""};
-        ASSERT_FALSE(TypeFromVhdl(row.vhdl, type, &problem)) << row.vhdl;
+        ASSERT_FALSE(TypeFromVhdl(row[0].c_str(), type, &problem)) << row[0];
         EXPECT_STREQ(type, "untouched");
-        EXPECT_EQ(problem.position, row.position) << row.vhdl << ": " << problem.sentence;
-        EXPECT_EQ(problem.length, row.length) << row.vhdl << ": " << problem.sentence;
-        EXPECT_NE(problem.sentence.find(row.named), std::string::npos)
-            << row.vhdl << ": " << problem.sentence;
-        EXPECT_FALSE(TypeFromVhdl(row.vhdl, type));
+        EXPECT_EQ(std::to_string(problem.position), row[1]) << row[0] << ": " << problem.sentence;
+        EXPECT_EQ(std::to_string(problem.length), row[2]) << row[0] << ": " << problem.sentence;
+        EXPECT_NE(problem.sentence.find(row[3]), std::string::npos)
+            << row[0] << ": " << problem.sentence;
+        EXPECT_FALSE(TypeFromVhdl(row[0].c_str(), type));
     }
     CString type;
     EXPECT_FALSE(TypeFromVhdl(nullptr, type));
@@ -195,7 +182,6 @@ TEST(VhdlType, WrittenOut) {
         {"eBIT c2 01", "bit"},
         {"ebit c2 10", "('1', '0')"},
         {"e#5#states2 idle run ", "(idle, run)"},
-        {"i#5#counterict-5 5", nullptr},
         {"i#5#countrict-5 5", "integer range -5 to 5"},
         {"i#5#countrict-2147483648 2147483647", "integer"},
         {"i#7#naturalrict-1 5", "integer range -1 to 5"},
@@ -204,7 +190,6 @@ TEST(VhdlType, WrittenOut) {
         {"f#1#vrrct0 1", "real range 0.0 to 1.0"},
         {"f#1#vrrct-1.79769e+308 1.79769e+308", "real"},
         {"f#4#timerrct0 1e+20", "real range 0.0 to 1.0e+20"},
-        {"a#3#busricd7 0 ebit c2 01", nullptr},
         {"a#8#unsigned1 ricd7 0 estd_logic c9 UX01ZWLH-", "unsigned(7 downto 0)"},
         {"a#8#UNSIGNED1 rict7 0 estd_logic c9 UX01ZWLH-", "unsigned(7 downto 0)"},
         {"a#8#unsigned1 ricd7 0 ebit c2 01", "array (7 downto 0) of bit"},
@@ -213,23 +198,16 @@ TEST(VhdlType, WrittenOut) {
         {"a#8#unsigned2 rict0 9 rict0 9 ebit c2 01", "array (0 to 9, 0 to 9) of bit"},
         {"a#1#x1 riud9 1 ebit c2 01", "array (positive range <>) of bit"},
         {"r#5#a rec1 f ebit c2 01", "record f : bit; end record"},
-        // what VHDL has no words for
-        {"e#1#xc0 ", nullptr},
-        {"e#1#xs2 a 7b ", nullptr},
-        {"e#1#xs1 \\open ", nullptr},
-        {"e#1#xs2 of a ", nullptr},
-        {"e#1#xs2 a A ", nullptr},
-        {"e#1#xc2 00", nullptr},
-        {"a#1#x0  ebit c2 01", nullptr},
-        {"r#1#x1 end ebit c2 01", nullptr},
-        {"r#1#x1 a.b ebit c2 01", nullptr},
-        {"r#1#x2 a ebit c2 01 A ebit c2 01", nullptr},
-        {"r#1#x1 a ex c0 ", nullptr},
-        {"", nullptr},
-        {"bit", nullptr},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(ToVhdl(row.type), row.vhdl ? row.vhdl : "no text") << row.type;
+        EXPECT_EQ(ToVhdl(row.type), row.vhdl) << row.type;
+    }
+    for (const char* const type :
+         {"e#1#xc0 ", "e#1#xs2 a 7b ", "e#1#xs1 \\open ", "e#1#xs2 of a ", "e#1#xs2 a A ",
+          "e#1#xc2 00", "a#1#x0  ebit c2 01", "r#1#x1 end ebit c2 01", "r#1#x1 a.b ebit c2 01",
+          "r#1#x2 a ebit c2 01 A ebit c2 01", "r#1#x1 a ex c0 ", "", "bit", "i#5#counterict-5 5",
+          "a#3#busricd7 0 ebit c2 01"}) {
+        EXPECT_EQ(ToVhdl(type), "no text") << type;  // VHDL has no words for it
     }
     CString text;
     EXPECT_FALSE(TypeToVhdl(nullptr, text));

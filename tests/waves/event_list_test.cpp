@@ -148,7 +148,43 @@ TEST(EventList, RandomOperationsWithFailures) {
     SmallRange::failing = nullptr;
 }
 
-// Adding and asking in turn copies each event some sixteen times at most, however long the list.
+// Counts how often events are copied.
+struct CopiedEvent {
+    explicit CopiedEvent(std::int64_t at) : time(at) {}
+    CopiedEvent(const CopiedEvent& other) : time(other.time) { ++copies; }
+
+    std::int64_t time;
+    static inline std::size_t copies = 0;
+};
+using CopiedEvents = waves::EventList<CopiedEvent>;
+
+CopiedEvents SomeEvents(std::size_t count) {
+    CopiedEvents events;
+    for (std::size_t i = 0; i < count; ++i) {
+        EXPECT_TRUE(!events.full() || events.MakeRoom());
+        events.Append(static_cast<std::int64_t>(i));
+    }
+    return events;
+}
+
+// Growing copies each event twice at most, on average; putting others in front copies each once: in
+// the room that is there, in a range that is extended and in a new place.
+TEST(EventList, CopiesFewEvents) {
+    for (std::size_t count = 1; count < 100'000; count = count * 5 / 2 + 1) {
+        for (const std::size_t added : {std::size_t{1}, count / 3 + 1, 4 * count}) {
+            CopiedEvent::copies = 0;
+            CopiedEvents events = SomeEvents(count);
+            const CopiedEvents reversed = SomeEvents(added);
+            EXPECT_LE(CopiedEvent::copies, 2 * (count + added));
+            CopiedEvent::copies = 0;
+            ASSERT_TRUE(events.Prepend(reversed));
+            EXPECT_EQ(CopiedEvent::copies, count + added);
+        }
+    }
+}
+
+// Adding and asking in turn copies each event some sixteen times at most, however long the list;
+// what is removed is given back.
 TEST(EventList, AddingAndAskingInTurnMovesRarely) {
     waves::EventList<Event> list;
     std::size_t moved = 0;
@@ -161,6 +197,12 @@ TEST(EventList, AddingAndAskingInTurnMovesRarely) {
         ASSERT_LE(list.capacity(), list.size() + list.size() / 12 + 5);
     }
     EXPECT_LT(moved, 4000U * 20);
+    list.Erase(list.begin() + 100, list.end());
+    list.Trim();
+    EXPECT_LE(list.capacity(), 112U);
+    list.Clear();
+    list.Trim();
+    EXPECT_EQ(list.capacity(), 0U);
 }
 
 }  // namespace

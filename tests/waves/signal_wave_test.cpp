@@ -77,6 +77,7 @@ a10/1A a20/1B p5C p3D p1E !  | 1E 3D 5C 10A 20B
 a10/1A p5C ! p3D !           | 3D 5C 10A
 p5C p5D x a10/1A             | 10A
 p5C p5D x a10/1A !           | 5D 5C 10A
+p5A a10/5B x ! a5/3C         | 5C
 a1/1A a2/1B a3/1C r30,15     | 1A 2B 3C
 a10/1A a20/1B a30/1C r30,15  | 10A
 a10/1A a20/1B a30/1C r-1,15  | 20B 30C
@@ -151,6 +152,29 @@ TEST(SignalWave, SearchModes) {
             const std::string found = result == S_OK ? std::to_string(event->GetTime()) : "-";
             EXPECT_EQ(found, rows[row][mode + 1]) << rows[row][0] << " " << rows[0][mode + 1];
             EXPECT_EQ(empty->FindEvent(Int(rows[row][0]), mode, &event), E_FAIL);
+        }
+    }
+}
+
+// An event that was handed out stays where it is until the next change, whatever is asked first.
+TEST(SignalWave, QuestionsMoveNoEvent) {
+    for (std::int64_t count = 1; count < 9000; count += count / 3 + 1) {
+        for (int first = 0; first < 3; ++first) {
+            const Wave wave = NewWave();
+            const Enumerator events = NewEnumerator(*wave);
+            for (std::int64_t time = 0; time < count; ++time) {
+                Add(*wave, time, 0, 'A');
+            }
+            IWaveEvent* asked[3] = {};
+            for (int i = first; i < first + 3; ++i) {
+                IWaveEvent** const event = &asked[i - first];
+                ASSERT_EQ(i % 3 == 0   ? wave->FindEvent(0, FindAt, event)
+                          : i % 3 == 1 ? events->Current(event)
+                                       : events->Next(1, event, nullptr),
+                          S_OK);
+                events->Reset();
+            }
+            ASSERT_TRUE(asked[0] == asked[1] && asked[1] == asked[2]) << count << ' ' << first;
         }
     }
 }
