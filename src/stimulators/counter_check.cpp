@@ -4,6 +4,7 @@
 #include "corv/stimulus/time_unit.h"
 #include "corv/util/dec_converter.h"
 #include "stimulators/counter_text.h"
+#include "util/fields.h"
 #include "util/time_text.h"
 
 namespace corv::stimulators {
@@ -51,7 +52,7 @@ std::optional<CounterProblem> CheckPeriod(std::string_view text) {
 }
 
 std::optional<CounterProblem> CheckType(std::string_view text, bool alone) {
-    const int type = CounterInt(text);
+    const int type = util::LeadingInt(text);
     if (alone && type != CCounterStimulusInfo::Binary) {
         return CounterProblem{text,
                               "only a binary counter (TYPE 1) can drive a signal as a whole; "
@@ -71,7 +72,7 @@ std::optional<CounterProblem> CheckValue(CounterKey key, std::string_view value,
         case CounterKey::Type:
             return CheckType(value, alone);
         case CounterKey::Radix:
-            if (CounterInt(value) < 2 || CounterInt(value) > 16) {
+            if (util::LeadingInt(value) < 2 || util::LeadingInt(value) > 16) {
                 return CounterProblem{value, "the radix has to be from 2 to 16"};
             }
             return std::nullopt;
@@ -108,7 +109,7 @@ std::optional<CounterProblem> CheckCounter(std::string_view formula, bool alone)
             return CounterProblem{reader.At(), "the key " + Quote(kCounterKeys[i]) +
                                                    " and its value are expected here"};
         }
-        radix = key == CounterKey::Radix ? CounterInt(*value) : radix;
+        radix = key == CounterKey::Radix ? util::LeadingInt(*value) : radix;
         if (auto problem = CheckValue(key, *value, radix, alone)) {
             return problem;
         }

@@ -1,11 +1,11 @@
 #include <cstddef>
 #include <memory>
-#include <new>
 #include <vector>
 
 #include "corv/stimulators/counter.h"
 #include "corv/stimulus/formula_parser.h"
 #include "platform/guard.h"
+#include "platform/immortal.h"
 #include "stimulators/counter_text.h"
 
 namespace {
@@ -13,25 +13,10 @@ namespace {
 // The registered counters, a handle being the place in the list.
 using Counters = std::vector<std::unique_ptr<CCounterState>>;
 
-// The list is made at first use and never destroyed, only emptied: a stimulus of static storage may
-// ask for its counter after any other object has gone.
-Counters* registry = nullptr;
-
 Counters& Registry() noexcept {
-    alignas(Counters) static std::byte storage[sizeof(Counters)];
-    if (!registry) {
-        registry = new (storage) Counters;
-    }
-    return *registry;
+    static corv::platform::Immortal<Counters> counters;
+    return *counters;
 }
-
-// Empties the list when the library goes.
-struct AtUnload {
-    AtUnload() = default;
-    AtUnload(const AtUnload&) = delete;
-    AtUnload& operator=(const AtUnload&) = delete;
-    ~AtUnload() { corv::ResetCounters(); }
-} at_unload;
 
 template <class SetUp>
 int Register(SetUp set_up) noexcept {
@@ -58,8 +43,9 @@ int RegisterWholeCounter(const char* formula) noexcept {
 }
 
 CCounterState* FindCounter(int handle) noexcept {
-    return registry && handle >= 0 && static_cast<std::size_t>(handle) < registry->size()
-               ? (*registry)[static_cast<std::size_t>(handle)].get()
+    const Counters& counters = Registry();
+    return handle >= 0 && static_cast<std::size_t>(handle) < counters.size()
+               ? counters[static_cast<std::size_t>(handle)].get()
                : nullptr;
 }
 

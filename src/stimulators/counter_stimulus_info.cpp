@@ -8,6 +8,7 @@
 
 #include "platform/guard.h"
 #include "stimulators/counter_text.h"
+#include "util/fields.h"
 
 namespace corv {
 
@@ -159,15 +160,15 @@ bool CCounterStimulusInfo::FromFormula(const char* text) noexcept {
             return value.has_value();
         };
         using Key = stimulators::CounterKey;
-        using stimulators::CounterInt;
+        using util::LeadingInt;
         return reader.Begin() &&
-               read(Key::Type, [&](auto v) { to.type = static_cast<Type>(CounterInt(v)); }) &&
-               read(Key::Dir, [&](auto v) { to.dir = static_cast<Dir>(CounterInt(v)); }) &&
-               read(Key::Radix, [&](auto v) { to.display_radix = CounterInt(v); }) &&
+               read(Key::Type, [&](auto v) { to.type = static_cast<Type>(LeadingInt(v)); }) &&
+               read(Key::Dir, [&](auto v) { to.dir = static_cast<Dir>(LeadingInt(v)); }) &&
+               read(Key::Radix, [&](auto v) { to.display_radix = LeadingInt(v); }) &&
                read(Key::Start, [&](auto v) { to.starting_value = v; }) &&
                read(Key::Inc, [&](auto v) { to.increment = v; }) &&
                read(Key::Period, [&](auto v) { to.count_period = v; }) &&
-               read(Key::Rev, [&](auto v) { to.reverse_bit_order = CounterInt(v) != 0; });
+               read(Key::Rev, [&](auto v) { to.reverse_bit_order = LeadingInt(v) != 0; });
     });
 }
 

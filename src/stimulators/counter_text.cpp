@@ -39,12 +39,6 @@ std::optional<std::string_view> CounterReader::Value(std::string_view key) noexc
     return ReadWord(key) ? Next() : std::nullopt;
 }
 
-int CounterInt(std::string_view value) noexcept {
-    using Limits = std::numeric_limits<int>;
-    return static_cast<int>(
-        std::clamp<std::int64_t>(util::LeadingInteger(value), Limits::min(), Limits::max()));
-}
-
 std::optional<CounterReference> ReadCounterReference(std::string_view text) noexcept {
     CounterReader reader(text);
     if (!reader.Begin()) {
@@ -55,7 +49,7 @@ std::optional<CounterReference> ReadCounterReference(std::string_view text) noex
     if (!handle) {
         return std::nullopt;
     }
-    return CounterReference{CounterInt(*wire), CounterInt(*handle)};
+    return CounterReference{util::LeadingInt(*wire), util::LeadingInt(*handle)};
 }
 
 std::string WriteCounterReference(CounterReference reference) {

@@ -47,9 +47,6 @@ private:
     std::string_view at_;
 };
 
-// A value's leading whole number, cut to 32 bits.
-int CounterInt(std::string_view value) noexcept;
-
 struct CounterReference {
     int wire;
     int handle;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 
 #include "platform/ascii.h"
 #include "util/saturate.h"
@@ -41,6 +42,12 @@ std::int64_t LeadingInteger(std::string_view text) noexcept {
         return text[0] == '-' ? Int64Limits::min() : Int64Limits::max();
     }
     return number;
+}
+
+int LeadingInt(std::string_view text) noexcept {
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(
+        std::clamp<std::int64_t>(LeadingInteger(text), Limits::min(), Limits::max()));
 }
 
 double LeadingReal(std::string_view text) noexcept {

@@ -21,8 +21,9 @@ private:
     char separator_;
 };
 
-// The leading number of a text, 0 when there is none; past the 64-bit range its end.
+// The leading number of a text, 0 when there is none; past the range of the result its end.
 std::int64_t LeadingInteger(std::string_view text) noexcept;
+int LeadingInt(std::string_view text) noexcept;
 double LeadingReal(std::string_view text) noexcept;
 
 }  // namespace corv::util
