@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "platform/ascii.h"
+#include "typeinfo/fixed_text.h"
 
 namespace corv::typeinfo {
 namespace {
@@ -192,7 +193,8 @@ std::optional<double> ReadReal(std::string_view text) noexcept {
     return negative ? -number : number;
 }
 
-void AppendInteger(std::string& out, std::int32_t number, int radix) {
+template <class Out>
+void AppendInteger(Out& out, std::int32_t number, int radix) {
     const bool based = radix == 2 || radix == 8 || radix == 16;
     const auto magnitude =
         static_cast<std::uint32_t>(number < 0 ? -std::int64_t{number} : std::int64_t{number});
@@ -207,7 +209,8 @@ void AppendInteger(std::string& out, std::int32_t number, int radix) {
     out += based ? "#" : "";
 }
 
-void AppendReal(std::string& out, double number) {
+template <class Out>
+void AppendReal(Out& out, double number) {
     std::array<char, kLongestDouble> text;
     out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr);
 }
@@ -218,6 +221,11 @@ void AppendSixDigits(std::string& out, double number) {
                                           std::chars_format::general, 6)
                                 .ptr);
 }
+
+template void AppendInteger(std::string&, std::int32_t, int);
+template void AppendInteger(FixedText&, std::int32_t, int);
+template void AppendReal(std::string&, double);
+template void AppendReal(FixedText&, double);
 
 double RoundToDigits(double number, int digits) noexcept {
     std::array<char, kLongestDouble> text;

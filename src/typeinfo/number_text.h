@@ -21,10 +21,13 @@ std::optional<std::int32_t> ReadInteger(std::string_view text) noexcept;
 // underscores and more than 1024 characters.
 std::optional<double> ReadReal(std::string_view text) noexcept;
 
-// In decimal, for radix 2, 8 and 16 as a based literal: -16#FF#.
-void AppendInteger(std::string& out, std::int32_t number, int radix);
+// In decimal, for radix 2, 8 and 16 as a based literal: -16#FF#. `Out` is a std::string or a
+// FixedText; so below.
+template <class Out>
+void AppendInteger(Out& out, std::int32_t number, int radix);
 // The shortest text that reads back to the same double, which must be finite.
-void AppendReal(std::string& out, double number);
+template <class Out>
+void AppendReal(Out& out, double number);
 // As printf writes it with %g.
 void AppendSixDigits(std::string& out, double number);
 

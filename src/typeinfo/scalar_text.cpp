@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "platform/ascii.h"
+#include "typeinfo/fixed_text.h"
 #include "typeinfo/number_text.h"
 
 namespace corv::typeinfo {
@@ -49,7 +50,8 @@ std::uint32_t PositionOf(TypeView type, std::string_view text) noexcept {
                                                        : position;
 }
 
-bool AppendLiteral(std::string& out, TypeView type, std::uint64_t bits, bool quoted) {
+template <class Out>
+bool AppendLiteral(Out& out, TypeView type, std::uint64_t bits, bool quoted) {
     if (bits >= type.Count()) {
         return false;
     }
@@ -84,7 +86,8 @@ std::optional<std::uint64_t> ReadScalar(TypeView type, std::string_view text) no
                : std::nullopt;
 }
 
-bool AppendScalar(std::string& out, TypeView type, std::uint64_t bits, ScalarStyle style) {
+template <class Out>
+bool AppendScalar(Out& out, TypeView type, std::uint64_t bits, ScalarStyle style) {
     if (type.Kind() == KTypeInfo::KindEnum) {
         return AppendLiteral(out, type, bits, style.quoted);
     }
@@ -100,6 +103,9 @@ bool AppendScalar(std::string& out, TypeView type, std::uint64_t bits, ScalarSty
     AppendReal(out, number);
     return true;
 }
+
+template bool AppendScalar(std::string&, TypeView, std::uint64_t, ScalarStyle);
+template bool AppendScalar(FixedText&, TypeView, std::uint64_t, ScalarStyle);
 
 CharacterPositions PositionsOf(TypeView enumeration) noexcept {
     CharacterPositions positions;

@@ -26,8 +26,10 @@ struct ScalarStyle {
     bool quoted = false;  // one-character literals of character lists in apostrophes
 };
 
-// Appends the text of the bits; false, nothing appended, when they are no value with a text.
-bool AppendScalar(std::string& out, TypeView type, std::uint64_t bits, ScalarStyle style);
+// Appends the text of the bits; false, nothing appended, when they are no value with a text. `Out`
+// is a std::string or a FixedText.
+template <class Out>
+bool AppendScalar(Out& out, TypeView type, std::uint64_t bits, ScalarStyle style);
 
 // The position that each character reads as, kNoPosition for those that are no literal.
 using CharacterPositions = std::array<std::uint32_t, 256>;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/ascii.h"
+#include "typeinfo/fixed_text.h"
 #include "typeinfo/stored_scalar.h"
 
 namespace corv::typeinfo {
@@ -212,16 +213,29 @@ bool WriteCharacters(TypeView element, const unsigned char* bytes, std::size_t c
     return true;
 }
 
-void Quote(std::string& text, std::size_t begin) {
-    std::string quoted = "\"";
-    for (const char c : std::string_view(text).substr(begin)) {
-        quoted.append(c == '"' ? 2 : 1, c);
+// Puts quotes around the text from a place on, and doubles those in it.
+template <class Out>
+void Quote(Out& out, std::size_t begin) {
+    const std::size_t end = out.size();
+    const auto inside =
+        static_cast<std::size_t>(std::count(out.data() + begin, out.data() + end, '"'));
+    out.resize(end + inside + 2);
+    const char* const first = out.data() + begin;
+    const char* from = out.data() + end;
+    char* to = out.data() + out.size();
+    *--to = '"';
+    while (from != first) {
+        *--to = *--from;
+        if (*from == '"') {
+            *--to = '"';
+        }
     }
-    text.replace(begin, std::string::npos, quoted += '"');
+    *--to = '"';
 }
 
-bool AppendCharacters(std::string& out, TypeView element, const unsigned char* bytes,
-                      std::size_t count, bool quoted) {
+template <class Out>
+bool AppendCharacters(Out& out, TypeView element, const unsigned char* bytes, std::size_t count,
+                      bool quoted) {
     const std::size_t begin = out.size();
     out.resize(begin + count);
     if (!WriteCharacters(element, bytes, count, out.data() + begin)) {
@@ -234,8 +248,9 @@ bool AppendCharacters(std::string& out, TypeView element, const unsigned char* b
     return true;
 }
 
-bool AppendAggregate(std::string& out, TypeView element, const unsigned char* bytes,
-                     std::size_t count, ScalarStyle style) {
+template <class Out>
+bool AppendAggregate(Out& out, TypeView element, const unsigned char* bytes, std::size_t count,
+                     ScalarStyle style) {
     const std::size_t begin = out.size();
     const std::size_t size = element.ScalarSize();
     style.radix = 10;
@@ -269,7 +284,8 @@ bool ReadValue(TypeView type, std::string_view text, unsigned char* target) noex
                  [&](auto visit) { return ReadAggregate(type.Element(), text, visit); });
 }
 
-bool AppendValue(std::string& out, TypeView type, const unsigned char* bytes, ScalarStyle style) {
+template <class Out>
+bool AppendValue(Out& out, TypeView type, const unsigned char* bytes, ScalarStyle style) {
     if (type.IsScalar()) {
         return AppendScalar(out, type, LoadScalar(bytes, type.ScalarSize()), style);
     }
@@ -282,5 +298,8 @@ bool AppendValue(std::string& out, TypeView type, const unsigned char* bytes, Sc
             AppendCharacters(out, element, bytes, count, style.quoted)) ||
            AppendAggregate(out, element, bytes, count, style);
 }
+
+template bool AppendValue(std::string&, TypeView, const unsigned char*, ScalarStyle);
+template bool AppendValue(FixedText&, TypeView, const unsigned char*, ScalarStyle);
 
 }  // namespace corv::typeinfo

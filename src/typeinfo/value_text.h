@@ -24,7 +24,9 @@ namespace corv::typeinfo {
 // Reads the text of a value into SimpleSize bytes, all or none.
 bool ReadValue(TypeView type, std::string_view text, unsigned char* target) noexcept;
 
-// Appends the text of a stored value; false, with `out` as it was, when it has none.
-bool AppendValue(std::string& out, TypeView type, const unsigned char* bytes, ScalarStyle style);
+// Appends the text of a stored value; false, with `out` as it was, when it has none. `Out` is a
+// std::string or a FixedText.
+template <class Out>
+bool AppendValue(Out& out, TypeView type, const unsigned char* bytes, ScalarStyle style);
 
 }  // namespace corv::typeinfo

@@ -7,6 +7,7 @@
 #include "corv/platform/export.h"
 
 namespace corv::typeinfo {
+class TypeAccess;
 struct TypeNode;
 struct TypeTree;
 }  // namespace corv::typeinfo
@@ -120,6 +121,8 @@ public:
                            int reserved) const noexcept;
 
 private:
+    friend class corv::typeinfo::TypeAccess;
+
     KTypeInfo() noexcept;
     static const KTypeInfo& Invalid() noexcept;
     void Read();
