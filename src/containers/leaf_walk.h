@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+
+#include "corv/containers/signal_container.h"
+#include "corv/signals/signal.h"
+#include "signals/nesting.h"
+
+namespace corv::containers {
+
+// A walk over the leaves of a subtree, depth first. It ends on any tree, also on one that contains
+// itself: it goes only so deep and visits only so many signals.
+class LeafWalk {
+public:
+    // Calls `enter` with each container of members before these are visited, and `leaf` with each
+    // leaf until that gives false. Gives whether it never did.
+    template <class Enter, class Leaf>
+    bool Visit(ISignal& signal, const Enter& enter, const Leaf& leaf) {
+        ISignalContainer* const members = signal.GetSubSignals();
+        if (members == nullptr) {
+            return leaf(signal);
+        }
+        if (depth_ == signals::kMostNesting) {
+            return true;
+        }
+        ++depth_;
+        enter(*members);
+        ISignal* member = nullptr;
+        bool more = true;
+        for (std::uint32_t i = 0; more && left_ > 0 && SUCCEEDED(members->GetAt(i, &member)); ++i) {
+            --left_;
+            more = Visit(*member, enter, leaf);
+        }
+        --depth_;
+        return more;
+    }
+
+private:
+    int depth_ = 0;
+    int left_ = 16 * 1'048'576;  // far more than a type or a recording makes
+};
+
+}  // namespace corv::containers

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "containers/name_index.h"
+#include "corv/signals/byte_stream.h"
+#include "signals/nesting.h"
+
+class ISignal;
+namespace stremo {
+class IEventsStreamRead;
+}
+
+// Operations that go down a tree do so through the interfaces of its signals, which tell nothing of
+// how deep they are already. What they must know of themselves to end on any tree, stream and
+// recording stands here.
+namespace corv::containers {
+
+class LoadStream;
+class ReaderLoad;
+
+// The library's one state of the operations that are running now.
+struct RunningOperations {
+    LoadStream* load = nullptr;
+    ReaderLoad* reader_load = nullptr;
+    int save_depth = 0;
+    int write_depth = 0;
+    int find_depth = 0;
+    int pass_on_depth = 0;
+    std::uint64_t pass_on_number = 0;
+};
+RunningOperations& Running() noexcept;
+
+// One level more of an operation, for as long as it lives.
+class Level {
+public:
+    explicit Level(int& depth) noexcept : depth_(++depth) {}
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+    ~Level() { --depth_; }
+
+    bool IsAllowed() const noexcept { return depth_ <= signals::kMostNesting; }
+
+private:
+    int& depth_;
+};
+
+// A load from a byte stream, from the outermost container's on, for as long as it lives. It is the
+// stream that the signals read from, so that it knows how far they came.
+class LoadStream final : public IByteStream {
+public:
+    explicit LoadStream(IByteStream& stream) noexcept;
+    LoadStream(const LoadStream&) = delete;
+    LoadStream& operator=(const LoadStream&) = delete;
+    ~LoadStream() { Running().load = outer_; }
+
+    // Not counted: the load outlives all use of it.
+    HRESULT CORV_CALL QueryInterface(const GUID&, void**) noexcept override {
+        return E_NOINTERFACE;
+    }
+    std::uint32_t CORV_CALL AddRef() noexcept override { return 1; }
+    std::uint32_t CORV_CALL Release() noexcept override { return 1; }
+    HRESULT CORV_CALL Read(void* buffer, std::uint32_t length) override;
+    HRESULT CORV_CALL Write(const void* buffer, std::uint32_t length) override;
+
+    std::uint64_t BytesRead() const noexcept { return bytes_read_; }
+    int& Depth() noexcept { return depth_; }
+    // Once members were nested too deep the place in the stream means nothing: all containers end.
+    void GiveUp() noexcept { given_up_ = true; }
+    bool HasGivenUp() const noexcept { return given_up_; }
+
+private:
+    IByteStream& stream_;
+    LoadStream* const outer_;
+    std::uint64_t bytes_read_ = 0;
+    int depth_ = 0;
+    bool given_up_ = false;
+};
+
+// A load from a recording, from the outermost operation on, for as long as it lives.
+class ReaderLoad {
+public:
+    explicit ReaderLoad(stremo::IEventsStreamRead& reader) noexcept;
+    ReaderLoad(const ReaderLoad&) = delete;
+    ReaderLoad& operator=(const ReaderLoad&) = delete;
+    ~ReaderLoad() { Running().reader_load = outer_; }
+
+    bool IsOf(const stremo::IEventsStreamRead& reader) const noexcept {
+        return &reader == &reader_;
+    }
+    int& Depth() noexcept { return depth_; }
+    // Counts a signal; false when there are too many.
+    bool CountSignal() noexcept;
+
+    // Each new signal is looked for by its name once, in the container that it was appended to:
+    // this is its signals' index, null when there is none. Throws when memory runs out.
+    NameIndex* IndexOf(const void* container);
+    // The list of a container changes otherwise than at its end.
+    void ForgetIndexOf(const void* container) noexcept;
+
+private:
+    struct Names {
+        const void* container = nullptr;
+        NameIndex index;
+    };
+
+    stremo::IEventsStreamRead& reader_;
+    ReaderLoad* const outer_;
+    int depth_ = 0;
+    int signals_ = 0;
+    std::vector<Names> names_;  // of the containers that are being filled, by depth
+};
+
+}  // namespace corv::containers

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "containers/running_operations.h"
+#include "corv/containers/signal_container.h"
+#include "corv/frame/com_ptr.h"
+#include "corv/frame/interface_ids.h"
+#include "frame/com_object.h"
+
+namespace corv::containers {
+
+// The operations stand by subject in signal_container.cpp (the list), signal_tree.cpp (handles and
+// the way down the tree) and tree_persistence.cpp.
+class SignalContainer final
+    : public frame::ComObject<SignalContainer, ISignalContainer, IID_ISignalContainer> {
+public:
+    explicit SignalContainer(frame::ComPtr<IHandleManager> manager) noexcept
+        : manager_(std::move(manager)) {}
+    ~SignalContainer() { Clear(); }
+
+    HRESULT CORV_CALL Insert(ISignal* signal, ISignal* before) noexcept override;
+    HRESULT CORV_CALL Add(ISignal* signal) noexcept override;
+    HRESULT CORV_CALL Remove(ISignal* signal) noexcept override;
+    HRESULT CORV_CALL Replace(ISignal* old_signal, ISignal* new_signal) noexcept override;
+    HRESULT CORV_CALL NewStdSignal(std::uint32_t index, ISignal** signal) noexcept override;
+    HRESULT CORV_CALL NewSignal(const char* type, ISignal** signal) noexcept override;
+    void CORV_CALL RemoveAll() noexcept override;
+    int CORV_CALL GetCount() noexcept override { return static_cast<int>(signals_.size()); }
+    HRESULT CORV_CALL AssignHandles(const char* path, const int* handles,
+                                    int count) noexcept override;
+    HRESULT CORV_CALL FindSignal(const char* path, ISignal** signal) noexcept override;
+    HRESULT CORV_CALL EnumSignals(ISignalEnumerator** enumerator) noexcept override;
+    HRESULT CORV_CALL GetAt(std::uint32_t index, ISignal** signal) noexcept override;
+    HRESULT CORV_CALL GetHandleManager(IHandleManager** manager) noexcept override;
+    HRESULT CORV_CALL SetHandleManager(IHandleManager* manager) noexcept override;
+    HRESULT CORV_CALL Load(IByteStream* stream, ISignal* parent) noexcept override;
+    HRESULT CORV_CALL Save(IByteStream* stream) noexcept override;
+    HRESULT CORV_CALL LoadFromReader(stremo::IEventsStreamRead* reader) noexcept override;
+    HRESULT CORV_CALL WriteToWriter(IEventsStreamWrite* writer) noexcept override;
+    HRESULT CORV_CALL CreateFromReader(stremo::IEventsStreamRead* reader, ISignal* parent,
+                                       int index, ISignal** signal) noexcept override;
+    std::int64_t CORV_CALL GetMaxTime() noexcept override { return max_time_; }
+
+    // The list, for its enumerators.
+    const std::vector<ISignal*>& Signals() const noexcept { return signals_; }
+
+private:
+    HRESULT Put(std::size_t place, ISignal& signal) noexcept;
+    bool TakeOut(const ISignal* signal) noexcept;
+    void Clear() noexcept;
+    bool HoldsManagerAlone() noexcept;
+    void Unregister(ISignal& signal) noexcept;
+    // The list changes otherwise than at its end.
+    void ForgetNames() noexcept;
+
+    ISignal* FindNamed(std::string_view name) noexcept;
+    // Makes a container below use this one's handle manager.
+    void ShareManagerWith(ISignalContainer& members) noexcept;
+
+    HRESULT LoadSignals(LoadStream& stream, ISignal* parent) noexcept;
+    bool LoadSignal(LoadStream& stream, ISignal* parent) noexcept;
+    HRESULT LoadAll(ReaderLoad& load, stremo::IEventsStreamRead& reader);
+    HRESULT LoadOne(ReaderLoad& load, stremo::IEventsStreamRead& reader, ISignal* parent, int index,
+                    ISignal** signal);
+
+    std::int64_t max_time_ = 0;
+    std::vector<ISignal*> signals_;  // each with a reference
+    frame::ComPtr<IHandleManager> manager_;
+    std::uint64_t passed_on_ = 0;  // the last passing on of a handle manager that came by
+};
+
+}  // namespace corv::containers

@@ -1,0 +1,194 @@
+// Trees in byte streams and recordings. A list of signals in a byte stream:
+//
+//     count (2 bytes, little-endian), then that many signals, each with its members
+//
+// What a signal writes of itself is told in signal_persistence.cpp.
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <limits>
+
+#include "containers/signal_container.h"
+#include "containers/stream_number.h"
+#include "corv/platform/cstring.h"
+#include "corv/signals/signal.h"
+#include "corv/stremo/events_stream_read.h"
+#include "corv/stremo/events_stream_write.h"
+#include "platform/guard.h"
+
+using corv::frame::ComPtr;
+using stremo::IEventsStreamRead;
+
+namespace corv::containers {
+namespace {
+
+constexpr std::size_t kMostSaved = std::numeric_limits<std::uint16_t>::max();
+constexpr std::uint32_t kStdLogic = 1;  // the standard type that every loaded signal begins with
+
+// What a recording says of a signal.
+struct SignalInfo {
+    SignalInfo(IEventsStreamRead& reader, int handle) {
+        bool has_members = false;
+        reader.GetSignalInfo(handle, has_members, member_count, name, mode, max_time);
+        member_count = has_members ? member_count : 0;
+        type = reader.GetTypeString(handle);
+    }
+
+    int member_count = 0;
+    CString name;
+    int mode = 0;
+    std::int64_t max_time = 0;
+    const char* type;  // null: none
+};
+
+bool IsText(const char* text, const char* wanted) noexcept {
+    return text != nullptr && std::strcmp(text, wanted) == 0;
+}
+
+// False when a property could not be stored.
+bool Describe(ISignal& signal, int handle, const SignalInfo& info) noexcept {
+    std::array<char, 24> time{};
+    std::to_chars(time.data(), time.data() + time.size() - 1, info.max_time);
+    signal.SetName(info.name);
+    signal.SetHandle(handle);
+    signal.SetMode(info.mode);
+    signal.SetProperty("MaxTime", time.data());
+    signal.SetProperty("Type Info", info.type);
+    return IsText(signal.GetName(), info.name) && signal.GetMode() == info.mode &&
+           signal.GetMaxTime() == info.max_time && IsText(signal.GetTypeInfo(), info.type);
+}
+
+}  // namespace
+
+HRESULT CORV_CALL SignalContainer::Save(IByteStream* stream) noexcept {
+    const Level level(Running().save_depth);
+    if (stream == nullptr || signals_.size() > kMostSaved || !level.IsAllowed()) {
+        return E_FAIL;
+    }
+    HRESULT result = WriteNumber(*stream, signals_.size());
+    for (std::size_t i = 0; SUCCEEDED(result) && i < signals_.size(); ++i) {
+        result = signals_[i]->Save(stream);
+    }
+    return result;
+}
+
+HRESULT CORV_CALL SignalContainer::Load(IByteStream* stream, ISignal* parent) noexcept {
+    if (stream == nullptr) {
+        return E_FAIL;
+    }
+    LoadStream* const running = Running().load;
+    if (running == stream) {
+        return LoadSignals(*running, parent);
+    }
+    LoadStream load(*stream);
+    return LoadSignals(load, parent);
+}
+
+HRESULT SignalContainer::LoadSignals(LoadStream& stream, ISignal* parent) noexcept {
+    std::size_t count = 0;
+    if (const HRESULT result = ReadNumber(stream, count); FAILED(result)) {
+        return result;
+    }
+    if (count == 0) {
+        return E_FAIL;
+    }
+    const Level level(stream.Depth());
+    if (!level.IsAllowed()) {
+        stream.GiveUp();
+        return E_FAIL;
+    }
+    max_time_ = 0;
+    for (std::size_t i = 0; i < count && LoadSignal(stream, parent); ++i) {
+    }
+    return stream.HasGivenUp() ? E_FAIL : S_OK;
+}
+
+// False when nothing is left to read.
+bool SignalContainer::LoadSignal(LoadStream& stream, ISignal* parent) noexcept {
+    ComPtr<ISignal> signal;
+    if (FAILED(NewStdSignal(kStdLogic, signal.Out()))) {
+        return true;
+    }
+    const std::uint64_t place = stream.BytesRead();
+    if (FAILED(signal->Load(&stream, this, parent))) {
+        return stream.BytesRead() > place && !stream.HasGivenUp();
+    }
+    max_time_ = std::max(max_time_, signal.Detach()->GetMaxTime());
+    return !stream.HasGivenUp();
+}
+
+HRESULT CORV_CALL SignalContainer::LoadFromReader(IEventsStreamRead* reader) noexcept {
+    if (reader == nullptr) {
+        return E_FAIL;
+    }
+    ReaderLoad load(*reader);
+    return platform::Guarded(E_FAIL, [&] { return LoadAll(load, *reader); });
+}
+
+HRESULT SignalContainer::LoadAll(ReaderLoad& load, IEventsStreamRead& reader) {
+    const int count = reader.GetSignalCount();
+    for (int i = 0; i < count; ++i) {
+        ISignal* signal = nullptr;
+        if (FAILED(LoadOne(load, reader, nullptr, i, &signal))) {
+            return E_FAIL;
+        }
+        max_time_ = std::max(max_time_, signal->GetMaxTime());
+    }
+    return S_OK;
+}
+
+HRESULT CORV_CALL SignalContainer::CreateFromReader(IEventsStreamRead* reader, ISignal* parent,
+                                                    int index, ISignal** signal) noexcept {
+    *signal = nullptr;
+    if (reader == nullptr) {
+        return E_FAIL;
+    }
+    const auto load_in = [&](ReaderLoad& load) {
+        return platform::Guarded(E_FAIL,
+                                 [&] { return LoadOne(load, *reader, parent, index, signal); });
+    };
+    ReaderLoad* const running = Running().reader_load;
+    if (running != nullptr && running->IsOf(*reader)) {
+        return load_in(*running);
+    }
+    ReaderLoad load(*reader);
+    return load_in(load);
+}
+
+HRESULT SignalContainer::LoadOne(ReaderLoad& load, IEventsStreamRead& reader, ISignal* parent,
+                                 int index, ISignal** signal) {
+    const Level level(load.Depth());
+    if (!level.IsAllowed() || !load.CountSignal()) {
+        return E_FAIL;
+    }
+    const int handle = parent != nullptr ? reader.GetSubSignalHandle(parent->GetHandle(), index)
+                                         : reader.GetSignalHandle(index);
+    if (handle == -1) {
+        return E_FAIL;
+    }
+    const SignalInfo info(reader, handle);
+    ComPtr<ISignal> made;
+    if (info.type == nullptr || FAILED(NewStdSignal(kStdLogic, made.Out())) ||
+        !Describe(*made, handle, info) ||
+        FAILED(made->LoadFromReader(&reader, this, parent, info.member_count))) {
+        return E_FAIL;
+    }
+    *signal = made.Detach();
+    return S_OK;
+}
+
+HRESULT CORV_CALL SignalContainer::WriteToWriter(IEventsStreamWrite* writer) noexcept {
+    if (writer == nullptr) {
+        return E_FAIL;
+    }
+    const std::size_t count = writer->IsReady() ? signals_.size() : 0;
+    HRESULT result = S_OK;
+    for (std::size_t i = 0; SUCCEEDED(result) && i < count; ++i) {
+        result = signals_[i]->WriteToWriter(writer, -1);
+    }
+    return result;
+}
+
+}  // namespace corv::containers

@@ -1,0 +1,37 @@
+#include "corv/library/library.h"
+
+#include "corv/stimulators/counter.h"
+#include "platform/address_range.h"
+#include "signals/hierarchy_separator.h"
+#include "signals/type_cache.h"
+#include "signals/value_text.h"
+
+namespace corv {
+namespace {
+
+int attached = 0;
+
+// What the areas keep beyond the objects of the host.
+void ReleaseState() noexcept {
+    ResetCounters();
+    signals::ResetHierarchySeparator();
+    signals::ResetTypeCache();
+    signals::ResetValueTexts();
+    platform::AddressRange::ReleaseKept();
+}
+
+}  // namespace
+
+void Attach() noexcept {
+    if (attached++ == 0) {
+        signals::ReadHierarchySeparator();
+    }
+}
+
+void Detach() noexcept {
+    if (attached > 0 && --attached == 0) {
+        ReleaseState();
+    }
+}
+
+}  // namespace corv

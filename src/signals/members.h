@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+#include "corv/containers/signal_container.h"
+
+namespace corv::signals {
+
+// Calls an action with each member of a container, in order; none without a container.
+template <class Action>
+void ForEachMember(ISignalContainer* members, Action action) {
+    const int count = members != nullptr ? members->GetCount() : 0;
+    for (int i = 0; i < count; ++i) {
+        ISignal* member = nullptr;
+        if (SUCCEEDED(members->GetAt(static_cast<std::uint32_t>(i), &member))) {
+            action(*member);
+        }
+    }
+}
+
+}  // namespace corv::signals

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstdint>
+
+#include "corv/frame/com_ptr.h"
+#include "corv/frame/interface_ids.h"
+#include "corv/signals/property_map.h"
+#include "corv/signals/signal.h"
+#include "corv/typeinfo/type_info.h"
+#include "frame/com_object.h"
+#include "signals/type_cache.h"
+
+namespace corv::signals {
+
+class MemberBuilder;
+
+}  // namespace corv::signals
+
+// The one implementation of signals. Its operations stand by subject in signal.cpp (properties,
+// waves, members), signal_type.cpp, signal_stimulator.cpp, signal_value_text.cpp and
+// signal_persistence.cpp.
+//
+// Once a type has been applied a signal has a wave or members, never both. The parent is not
+// counted; the members' container holds the references to the members.
+class CSignal final : public corv::frame::ComObject<CSignal, ISignal, IID_ISignal> {
+public:
+    explicit CSignal(ISignal* parent) noexcept : parent_(parent) {}
+
+    const char* CORV_CALL GetName() noexcept override;
+    void CORV_CALL SetName(const char* name) noexcept override;
+    HRESULT CORV_CALL GetFullName(char* buffer, std::uint32_t size) noexcept override;
+    const char* CORV_CALL GetTypeInfo() noexcept override;
+    HRESULT CORV_CALL SetTypeInfo(const char* type) noexcept override;
+    int CORV_CALL GetStdLogicClass() noexcept override { return std_logic_class_; }
+    HRESULT CORV_CALL GetTypeName(char* buffer, std::uint32_t size) noexcept override;
+    std::uint32_t CORV_CALL GetWaveValueSize() noexcept override {
+        return wave_ ? wave_->GetValueSize() : 0;
+    }
+    int CORV_CALL GetMode() noexcept override;
+    void CORV_CALL SetMode(int mode) noexcept override;
+    int CORV_CALL GetHandle() noexcept override { return handle_; }
+    void CORV_CALL SetHandle(int handle) noexcept override;
+    int CORV_CALL GetColor() noexcept override;
+    void CORV_CALL SetColor(int color) noexcept override;
+    const char* CORV_CALL GetStimulator() noexcept override;
+    void CORV_CALL SetStimulator(const char* text) noexcept override;
+    int CORV_CALL GetDisplayMode() noexcept override;
+    HRESULT CORV_CALL SetDisplayMode(int mode) noexcept override;
+    int CORV_CALL GetDisplayRadix() noexcept override;
+    HRESULT CORV_CALL SetWave(ISignalWave* wave) noexcept override;
+    bool CORV_CALL OwnsWave() noexcept override { return !external_wave_; }
+    void CORV_CALL Reserved1() noexcept override {}
+    void CORV_CALL SetValueTextFlag(bool quoted) noexcept override;
+    const char* CORV_CALL GetEventText(IWaveEvent* event) noexcept override;
+    const char* CORV_CALL GetValueTextAt(std::int64_t time, std::uint32_t mode) noexcept override;
+    int CORV_CALL Reserved2(int) noexcept override { return 0; }
+    const char* CORV_CALL GetProperty(const char* key) noexcept override;
+    void CORV_CALL SetProperty(const char* key, const char* value) noexcept override;
+    HRESULT CORV_CALL GetStimulatorInfo(int* type, int* strength, char* formula,
+                                        std::uint32_t size) noexcept override;
+    void CORV_CALL SetStimulatorInfo(int type, int strength, const char* text) noexcept override;
+    int CORV_CALL GetHotKey() noexcept override;
+    void CORV_CALL SetHotKey(int key) noexcept override;
+    bool CORV_CALL GetSpareFlag() noexcept override { return spare_flag_; }
+    ISignal* CORV_CALL GetParent() noexcept override { return parent_; }
+    ISignalContainer* CORV_CALL GetSubSignals() noexcept override { return members_.get(); }
+    ISignalWave* CORV_CALL GetWave() noexcept override { return wave_.get(); }
+    HRESULT CORV_CALL EnumSubSignals(ISignalEnumerator** enumerator) noexcept override;
+    HRESULT CORV_CALL EnumEvents(IWaveEventEnumerator** enumerator) noexcept override;
+    HRESULT CORV_CALL GetBusEventIterator(IBusEventIterator** iterator) noexcept override;
+    HRESULT CORV_CALL TextToValue(const char* text, void* buffer,
+                                  std::uint32_t size) noexcept override;
+    HRESULT CORV_CALL Load(IByteStream* stream, ISignalContainer* owner,
+                           ISignal* parent) noexcept override;
+    HRESULT CORV_CALL Save(IByteStream* stream) noexcept override;
+    HRESULT CORV_CALL LoadFromReader(stremo::IEventsStreamRead* reader, ISignalContainer* owner,
+                                     ISignal* parent, int member_count) noexcept override;
+    HRESULT CORV_CALL WriteToWriter(IEventsStreamWrite* writer, int index) noexcept override;
+    const char* CORV_CALL GetValueText() noexcept override;
+    void CORV_CALL SetParent(ISignal* parent) noexcept override { parent_ = parent; }
+    std::int64_t CORV_CALL GetMaxTime() noexcept override;
+
+    // The type in its parsed form, null without one.
+    const KTypeInfo* Type() const noexcept { return type_.get(); }
+    // Whether value texts show literals in quotes.
+    bool HasQuotedTexts() const noexcept { return value_text_flag_; }
+
+private:
+    friend class corv::signals::MemberBuilder;
+
+    int IntegerProperty(const char* key, int without) const noexcept;
+    // Gives the signal a type, with the wave or members that it makes. E_FAIL or E_OUTOFMEMORY,
+    // with nothing changed, when they can't be made.
+    HRESULT ApplyType(const corv::signals::TypePtr& type) noexcept;
+    // A wave for values of a scalar type, none when the signal's own serves on.
+    bool MakeWave(const KTypeInfo& type, corv::frame::ComPtr<ISignalWave>& wave) noexcept;
+    // Stores a type with what follows from its name.
+    void SetType(const corv::signals::TypePtr& type) noexcept;
+    // What loading does once the properties and members have been read.
+    HRESULT FinishLoading(ISignalContainer& owner, ISignal* parent) noexcept;
+    void TakeMembers(corv::frame::ComPtr<ISignalContainer> members) noexcept;
+    void StoreFormula(const char* formula, int type, int strength) noexcept;
+
+    corv::signals::TypePtr type_;
+    bool external_wave_ = false;
+    int std_logic_class_ = 0;
+    bool value_text_flag_ = false;
+    bool spare_flag_ = false;
+    CPropertyMap properties_;
+    corv::frame::ComPtr<ISignalWave> wave_;
+    int handle_ = -1;
+    ISignal* parent_;
+    corv::frame::ComPtr<ISignalContainer> members_;
+};

@@ -1,0 +1,230 @@
+// Signal trees in byte streams and recordings. One signal in a byte stream, numbers of 2 bytes,
+// little-endian:
+//
+//     property count, then each key length, key, value length, value; in the order of the keys
+//     member count (0 without members), then the members
+//
+// The member count and what follows it belong to the container of the members.
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+#include "corv/signals/byte_stream.h"
+#include "corv/stremo/events_stream_read.h"
+#include "corv/stremo/events_stream_write.h"
+#include "signals/members.h"
+#include "signals/signal.h"
+#include "signals/value_text.h"
+
+using corv::frame::ComPtr;
+
+namespace {
+
+using Limits16 = std::numeric_limits<std::uint16_t>;
+
+constexpr std::size_t kLongestKey = 127;
+constexpr std::size_t kLongestValue = corv::signals::kTextBufferSize - 1;
+
+// What the event streams keep of a signal besides its place and type.
+constexpr std::array<const char*, 2> kStreamProperties{"Stimulator", "VBus"};
+
+HRESULT WriteNumber(IByteStream& stream, std::size_t number) {
+    const std::array<unsigned char, 2> bytes{static_cast<unsigned char>(number & 0xFF),
+                                             static_cast<unsigned char>(number >> 8 & 0xFF)};
+    return stream.Write(bytes.data(), bytes.size());
+}
+
+bool ReadNumber(IByteStream& stream, std::size_t& number) {
+    std::array<unsigned char, 2> bytes{};
+    if (FAILED(stream.Read(bytes.data(), bytes.size()))) {
+        return false;
+    }
+    number = bytes[0] | static_cast<std::size_t>(bytes[1]) << 8;
+    return true;
+}
+
+// Calls an action with each entry, in order, until it gives false; gives whether none did.
+template <class Action>
+bool ForEachEntry(const CPropertyMap& properties, Action action) {
+    const char* key = nullptr;
+    const char* value = nullptr;
+    bool good = true;
+    for (bool more = properties.GetFirst(key, value); more && good;
+         more = properties.GetNext(key, value)) {
+        good = action(std::string_view(key), std::string_view(value));
+    }
+    return good;
+}
+
+// All parts of the entry are written, also after one that fails.
+bool WriteEntry(IByteStream& stream, std::string_view key, std::string_view value) {
+    bool good = true;
+    for (const std::string_view text : {key, value}) {
+        good = SUCCEEDED(WriteNumber(stream, text.size())) && good;
+        const auto length = static_cast<std::uint32_t>(text.size());
+        good = SUCCEEDED(stream.Write(text.data(), length)) && good;
+    }
+    return good;
+}
+
+bool WriteProperties(IByteStream& stream, const CPropertyMap& properties) {
+    const auto count = static_cast<std::size_t>(properties.GetCount());
+    const bool fits = count <= Limits16::max() &&
+                      ForEachEntry(properties, [](std::string_view key, std::string_view value) {
+                          return std::max(key.size(), value.size()) <= Limits16::max();
+                      });
+    return fits && SUCCEEDED(WriteNumber(stream, count)) &&
+           ForEachEntry(properties, [&](std::string_view key, std::string_view value) {
+               return WriteEntry(stream, key, value);
+           });
+}
+
+// A text and its terminating zero; false when it can't be read or is too long for the buffer.
+bool ReadText(IByteStream& stream, char* buffer, std::size_t longest) {
+    std::size_t length = 0;
+    if (!ReadNumber(stream, length) || length > longest ||
+        FAILED(stream.Read(buffer, static_cast<std::uint32_t>(length)))) {
+        return false;
+    }
+    buffer[length] = '\0';
+    return true;
+}
+
+bool ReadProperties(IByteStream& stream, CPropertyMap& properties) {
+    std::array<char, kLongestKey + 1> key;
+    char* const value = corv::signals::SharedValueTexts().text.data();
+    std::size_t count = 0;
+    bool good = ReadNumber(stream, count);
+    for (std::size_t i = 0; good && i < count; ++i) {
+        good = ReadText(stream, key.data(), kLongestKey) &&
+               ReadText(stream, value, kLongestValue) && properties.Set(key.data(), value);
+    }
+    return good;
+}
+
+// An empty container for the members of a signal that is loaded: it has its owner's handle manager.
+HRESULT MakeMembers(ISignalContainer& owner, ComPtr<ISignalContainer>& members) noexcept {
+    ComPtr<IHandleManager> manager;
+    owner.GetHandleManager(manager.Out());
+    return CreateSignalContainer(members.Out(), manager.get());
+}
+
+bool WriteStreamProperties(IEventsStreamWrite& writer, int handle, const CPropertyMap& properties) {
+    for (const char* const key : kStreamProperties) {
+        const char* const value = properties.Get(key);
+        if (value != nullptr && !writer.WriteProperty(handle, key, value)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+HRESULT CSignal::Save(IByteStream* stream) noexcept {
+    if (!WriteProperties(*stream, properties_)) {
+        return E_FAIL;
+    }
+    return members_ ? members_->Save(stream) : WriteNumber(*stream, 0);
+}
+
+HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* parent) noexcept {
+    if (!ReadProperties(*stream, properties_)) {
+        return E_FAIL;
+    }
+    ComPtr<ISignalContainer> members;
+    const HRESULT made = MakeMembers(*owner, members);
+    if (FAILED(made)) {
+        return made;
+    }
+    if (SUCCEEDED(members->Load(stream, this))) {
+        TakeMembers(std::move(members));
+    }
+    return FinishLoading(*owner, parent);
+}
+
+HRESULT CSignal::LoadFromReader(stremo::IEventsStreamRead* reader, ISignalContainer* owner,
+                                ISignal* parent, int member_count) noexcept {
+    for (const char* const key : kStreamProperties) {
+        properties_.Set(key, reader->GetSignalProperty(handle_, key));
+    }
+    if (member_count != 0) {
+        ComPtr<ISignalContainer> members;
+        const HRESULT made = MakeMembers(*owner, members);
+        if (FAILED(made)) {
+            return made;
+        }
+        for (int i = 0; i < member_count; ++i) {
+            ISignal* member = nullptr;
+            if (FAILED(members->CreateFromReader(reader, this, i, &member))) {
+                return E_FAIL;
+            }
+        }
+        TakeMembers(std::move(members));
+    }
+    return FinishLoading(*owner, parent);
+}
+
+void CSignal::TakeMembers(ComPtr<ISignalContainer> members) noexcept {
+    wave_ = {};
+    external_wave_ = false;
+    members_ = std::move(members);
+}
+
+HRESULT CSignal::FinishLoading(ISignalContainer& owner, ISignal* parent) noexcept {
+    parent_ = parent;
+    const char* const text = properties_.Get("Type Info");
+    corv::signals::TypePtr type;
+    if (text != nullptr && SUCCEEDED(corv::signals::FindType(text, type))) {
+        type_ = std::move(type);
+    }
+    if (type_) {
+        SetType(type_);
+    }
+    ComPtr<ISignalWave> wave;
+    if (type_ && !members_ && MakeWave(*type_, wave) && wave) {
+        wave_ = std::move(wave);
+        external_wave_ = false;
+    }
+    if (members_ && handle_ != -1) {
+        SetHandle(-1);
+    }
+    if (owner.Add(this) == E_OUTOFMEMORY) {
+        return E_OUTOFMEMORY;
+    }
+    Release();
+    if (handle_ != -1) {
+        owner.AssignHandles(GetName(), &handle_, 1);
+    }
+    return S_OK;
+}
+
+HRESULT CSignal::WriteToWriter(IEventsStreamWrite* writer, int index) noexcept {
+    if (writer == nullptr) {
+        return E_FAIL;
+    }
+    const int parent = parent_ != nullptr ? parent_->GetHandle() : -1;
+    const char* const name = GetName() != nullptr ? GetName() : "";
+    const std::int64_t max_time = GetMaxTime();
+    const int count = members_ ? members_->GetCount() : 0;
+    const bool written =
+        members_ ? writer->WriteCompositeSignal(handle_, static_cast<std::uint32_t>(count), name,
+                                                parent, index, GetMode(), &max_time)
+                 : writer->WriteScalarSignal(handle_, name, parent, index, GetMode(), &max_time);
+    if (!written || !WriteStreamProperties(*writer, handle_, properties_)) {
+        return E_FAIL;
+    }
+    for (int i = 0; i < count; ++i) {
+        ISignal* member = nullptr;
+        if (FAILED(members_->GetAt(static_cast<std::uint32_t>(i), &member))) {
+            return E_FAIL;
+        }
+        if (const HRESULT result = member->WriteToWriter(writer, i); FAILED(result)) {
+            return result;
+        }
+    }
+    return S_OK;
+}

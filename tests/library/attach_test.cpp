@@ -1,0 +1,31 @@
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "corv/library/library.h"
+#include "corv/signals/hierarchy_separator.h"
+
+namespace corv::test {
+namespace {
+
+// The host's base library lies where the system finds it; the tests build one.
+TEST(Attach, AsksTheHostForTheSeparator) {
+    EXPECT_EQ(HierarchySeparator(), '\\');
+    Attach();
+    Detach();
+    EXPECT_EQ(HierarchySeparator(), '\\');
+    // what is loaded already is found by its name
+    void* const base = dlopen(CORV_BASE_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(base, nullptr) << dlerror();
+    Attach();
+    EXPECT_EQ(HierarchySeparator(), '/');
+    Attach();
+    Detach();
+    EXPECT_EQ(HierarchySeparator(), '/');
+    Detach();
+    EXPECT_EQ(HierarchySeparator(), '\\');
+    Detach();  // one too many changes nothing
+    dlclose(base);
+}
+
+}  // namespace
+}  // namespace corv::test

@@ -1,0 +1,105 @@
+#include "corv/signals/property_map.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <string>
+
+#include "tests/support/failing_alloc.h"
+#include "tests/support/random_formula.h"
+
+namespace corv::test {
+namespace {
+
+struct NoCase {
+    bool operator()(const std::string& a, const std::string& b) const {
+        return std::lexicographical_compare(
+            a.begin(), a.end(), b.begin(), b.end(),
+            [](unsigned char x, unsigned char y) { return std::tolower(x) < std::tolower(y); });
+    }
+};
+using Model = std::map<std::string, std::string, NoCase>;
+
+void ExpectSame(const CPropertyMap& map, const Model& model) {
+    const char* key = nullptr;
+    const char* value = nullptr;
+    bool more = map.GetFirst(key, value);
+    for (const auto& entry : model) {
+        ASSERT_TRUE(more);
+        EXPECT_EQ(key, entry.first);
+        EXPECT_EQ(value, entry.second);
+        more = map.GetNext(key, value);
+    }
+    EXPECT_FALSE(more);
+}
+
+// Keys that differ in case alone, and where "_" sorts between the cases.
+TEST(PropertyMap, RandomOperations) {
+    static constexpr const char* kKeys[] = {"Name", "NAME", "name",  "Na",   "Na_me", "NaZme",  "",
+                                            "\xC4", "z",    "Z\xE4", "Type", "TypE ", "MaxTime"};
+    Random random(7);
+    CPropertyMap map;
+    Model model;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string key = random.Pick(kKeys);
+        if (random.OneIn(3)) {
+            map.Erase(key.c_str());
+            model.erase(key);
+        } else {
+            const std::string value = std::to_string(random.Below(1000));
+            ASSERT_TRUE(map.Set(key.c_str(), value.c_str()));
+            model[key] = value;  // keeps the key's first case
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(map, model)) << i;
+    }
+}
+
+TEST(PropertyMap, Integers) {
+    struct Row {
+        const char* text;
+        int value;
+        std::int64_t wide;
+    };
+    CPropertyMap map;
+    for (const Row& row :
+         {Row{"12", 12, 12}, Row{" -7ps", -7, -7}, Row{"+3", 3, 3}, Row{"abc", 0, 0}, Row{"", 0, 0},
+          Row{"9000000000", 2147483647, 9000000000},
+          Row{"-99999999999999999999", -2147483647 - 1, INT64_MIN}}) {
+        map.Set("n", row.text);
+        int value = 5;
+        std::int64_t wide = 5;
+        EXPECT_TRUE(map.GetInteger("N", value));
+        EXPECT_TRUE(map.GetInteger64("N", wide));
+        EXPECT_EQ(value, row.value) << row.text;
+        EXPECT_EQ(wide, row.wide) << row.text;
+    }
+    EXPECT_TRUE(map.SetInteger("n", -2147483647 - 1));
+    EXPECT_STREQ(map.Get("n"), "-2147483648");
+    int untouched = 5;
+    EXPECT_FALSE(map.GetInteger("m", untouched));
+    EXPECT_EQ(untouched, 5);
+}
+
+TEST(PropertyMap, WithoutMemoryItStaysAsItWas) {
+    const std::string old_value(100, 'o');
+    const std::string new_value(200, 'n');
+    CPropertyMap map;
+    FailEveryAllocation(
+        [&] {
+            map = CPropertyMap();
+            map.Set("key", old_value.c_str());
+        },
+        [&] { return map.Set("KEY", new_value.c_str()) && map.Set("other", new_value.c_str()); },
+        [&](bool set) {
+            EXPECT_FALSE(set);
+            EXPECT_TRUE(map.Get("key") == old_value || map.Get("key") == new_value);
+            EXPECT_EQ(map.Get("other"), nullptr);
+        });
+    EXPECT_TRUE(map.Set(nullptr, nullptr));
+    EXPECT_STREQ(map.Get(""), "");
+}
+
+}  // namespace
+}  // namespace corv::test
