@@ -35,9 +35,10 @@ host::Picture MakePicture(const DrawOptions& options, const std::vector<NamedSou
                           const host::TimeGrid& grid, std::int64_t columns_per_character) {
     host::Picture picture{
         options.title, grid, host::MakeTicks(grid, columns_per_character, options.time_unit), {}};
+    const host::BusFormat format = BusFormatOf(options, BusStyle::Digits);
     for (const NamedSource& named : sources) {
-        host::Trace trace = host::RecordForGrid(*named.source, grid);
-        trace.name = named.name;
+        const host::Trace recorded = host::RecordForGrid(*named.source, grid);
+        const host::Trace trace = ShowDriven(named, recorded, grid.Window(), format);
         picture.lanes.push_back(host::LayOut(trace, grid));
     }
     return picture;
@@ -71,7 +72,7 @@ int RunDraw(const DrawOptions& options) {
     if (options.svg == "-" && options.output == "-") {
         throw Failure("only one of --svg and --output can go to standard output");
     }
-    const std::vector<NamedSource> sources = LoadSources(options, BusStyle::Digits);
+    const std::vector<NamedSource> sources = LoadSources(options);
     const host::TimeWindow window = ChooseWindow(options, sources);
     if (options.svg.empty() || !options.output.empty()) {
         DrawText(options, sources, window);

@@ -38,11 +38,13 @@ struct Listing {
 
 Listing MakeListing(const EventsOptions& options) {
     const auto max = static_cast<std::size_t>(options.max.value_or(kDefaultMax));
-    const std::vector<NamedSource> sources = LoadSources(options, BusStyle::Literal);
+    const std::vector<NamedSource> sources = LoadSources(options);
     Listing listing;
     listing.window = ChooseWindow(options, sources);
+    const host::BusFormat format = BusFormatOf(options, BusStyle::Literal);
     for (const NamedSource& named : sources) {
-        listing.traces.push_back(host::RecordEvents(*named.source, listing.window, max));
+        const host::Trace recorded = host::RecordEvents(*named.source, listing.window, max);
+        listing.traces.push_back(ShowDriven(named, recorded, listing.window, format));
         listing.traces.back().name = host::CleanText(named.name);
     }
     for (std::size_t i = 0; i < listing.traces.size(); ++i) {

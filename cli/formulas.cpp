@@ -12,7 +12,6 @@
 #include "corv/stimulus/time_unit.h"
 #include "corv/util/time_units.h"
 #include "host/diagnostic.h"
-#include "host/driver.h"
 #include "host/named_formula.h"
 #include "host/time_text.h"
 #include "host/vector_source.h"
@@ -61,12 +60,13 @@ bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
     if (!source) {
         throw Failure("the formula of " + named.name + " cannot be read");
     }
-    sources.push_back({named.name, std::move(source)});
+    sources.push_back({named.name, std::move(source), {}});
     return true;
 }
 
 // The same for a vector, with its elements where they are asked for.
-bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named, BusStyle style,
+bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
+
                 std::vector<NamedSource>& sources) {
     const host::VectorFormula vector{named.formula, VectorWidth(named.name, named.width),
                                      options.words, UnitOf(options), options.at.value_or(0)};
@@ -75,21 +75,16 @@ bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named, 
     if (ReportProblems(named.name, named.formula, problems, options.colour)) {
         return false;
     }
-    const host::Radix radix =
-        options.radix.value_or(vector.width > 4 ? host::Radix::Hex : host::Radix::Bin);
-    auto bus = host::MakeVector(vector, [radix, style](std::string_view characters) {
-        return style == BusStyle::Digits ? host::BusDigits(characters, radix)
-                                         : host::BusLiteral(characters, radix);
-    });
+    auto bus = host::MakeVector(vector);
     if (!bus) {
         throw Failure("the formula of " + named.name + " cannot be cut into elements");
     }
-    sources.push_back({named.name, std::move(bus)});
+    sources.push_back({named.name, std::move(bus), {vector.width, vector.words}});
     if (options.expand) {
         int index = vector.width;
         for (auto& element : host::MakeElements(vector)) {
             sources.push_back(
-                {named.name + "(" + std::to_string(--index) + ")", std::move(element)});
+                {named.name + "(" + std::to_string(--index) + ")", std::move(element), {}});
         }
     }
     return true;
@@ -136,7 +131,7 @@ int VectorWidth(const std::string& name, const std::string& text) {
     return width;
 }
 
-std::vector<NamedSource> LoadSources(const FormulaOptions& options, BusStyle style) {
+std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
     std::vector<NamedSource> sources;
     bool failed = false;
     std::size_t number = 0;
@@ -146,13 +141,36 @@ std::vector<NamedSource> LoadSources(const FormulaOptions& options, BusStyle sty
         if (named.width.empty()) {
             failed |= !LoadScalar(options, named, sources);
         } else {
-            failed |= !LoadVector(options, named, style, sources);
+            failed |= !LoadVector(options, named, sources);
         }
     }
     if (failed) {
         throw Failure("");
     }
     return sources;
+}
+
+host::Trace ShowDriven(const NamedSource& named, const host::Trace& recorded,
+                       host::TimeWindow window, const host::BusFormat& format) {
+    try {
+        const host::DrivenSignal driven(recorded, window.start, named.shape);
+        host::Trace trace = driven.Read(window, format);
+        trace.crowded = recorded.crowded;
+        trace.truncated = recorded.truncated;
+        trace.name = named.name;
+        return trace;
+    } catch (const std::runtime_error& error) {
+        throw Failure(named.name + ": " + error.what());
+    }
+}
+
+host::BusFormat BusFormatOf(const FormulaOptions& options, BusStyle style) {
+    return [radix = options.radix, style](std::string_view characters) {
+        const host::Radix used =
+            radix.value_or(characters.size() > 4 ? host::Radix::Hex : host::Radix::Bin);
+        return style == BusStyle::Digits ? host::BusDigits(characters, used)
+                                         : host::BusLiteral(characters, used);
+    };
 }
 
 host::TimeWindow ChooseWindow(const FormulaOptions& options,

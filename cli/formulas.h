@@ -10,6 +10,7 @@
 #include "corv/stimulus/check_formula.h"
 #include "host/bus_text.h"
 #include "host/colour.h"
+#include "host/driven_signal.h"
 #include "host/source.h"
 #include "host/trace.h"
 
@@ -30,6 +31,7 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options);
 struct NamedSource {
     std::string name;
     std::unique_ptr<host::Source> source;
+    host::Shape shape;
 };
 
 // How the value of a vector is written: in a drawing, and as VHDL writes it.
@@ -37,7 +39,14 @@ enum class BusStyle { Digits, Literal };
 
 // Reads the formulas. Their problems go to standard error; throws Failure when one has errors.
 // Expanded vectors are followed by their elements.
-std::vector<NamedSource> LoadSources(const FormulaOptions& options, BusStyle style);
+std::vector<NamedSource> LoadSources(const FormulaOptions& options);
+
+host::BusFormat BusFormatOf(const FormulaOptions& options, BusStyle style);
+
+// What a signal does in a window that is driven with what was recorded from the source there.
+// Throws Failure.
+host::Trace ShowDriven(const NamedSource& named, const host::Trace& recorded,
+                       host::TimeWindow window, const host::BusFormat& format);
 
 // The number of elements of a vector from its text; throws Failure.
 int VectorWidth(const std::string& name, const std::string& text);

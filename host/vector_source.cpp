@@ -6,6 +6,8 @@
 #include "corv/platform/cstring_array.h"
 #include "corv/stimulators/counter.h"
 #include "corv/stimulus/formula_parser.h"
+#include "host/driven_signal.h"
+#include "host/value_type.h"
 
 namespace corv::host {
 namespace {
@@ -13,13 +15,6 @@ namespace {
 constexpr int kCounts = 16;  // that a window shows unless the user asks otherwise
 constexpr int kCharacters = 1;
 constexpr int kWords = 0;
-
-// 'X' and "X" as X; anything else as it is.
-std::string_view WithoutQuotes(std::string_view value) {
-    const bool quoted =
-        value.size() == 3 && value[0] == value[2] && (value[0] == '\'' || value[0] == '"');
-    return quoted ? value.substr(1, 1) : value;
-}
 
 // The elements' formulas. Times without a unit become picoseconds first, the unit of the cut.
 std::vector<std::string> CutFormula(const VectorFormula& vector) {
@@ -47,8 +42,8 @@ std::unique_ptr<Source> MakeElement(const std::string& formula, std::int64_t at)
 // Several elements, each with a stimulus of its own.
 class ElementsSource final : public Source {
 public:
-    ElementsSource(std::vector<std::unique_ptr<Source>> elements, bool words, BusFormat format)
-        : elements_(std::move(elements)), words_(words), format_(std::move(format)) {}
+    ElementsSource(std::vector<std::unique_ptr<Source>> elements, bool words)
+        : elements_(std::move(elements)), words_(words) {}
 
     std::int64_t NextEvent(std::int64_t time) override {
         std::int64_t first = -1;
@@ -65,10 +60,12 @@ public:
         for (const auto& element : elements_) {
             const auto value = element->ValueAt(time);
             any |= value.has_value();
-            text += words_ && !text.empty() ? "," : "";
+            if (words_ && &element != &elements_.front()) {
+                text += kBetweenWords;
+            }
             text += WithoutQuotes(value.value_or("U"));  // nothing has driven it yet
         }
-        return any ? std::optional(words_ ? "(" + text + ")" : format_(text)) : std::nullopt;
+        return any ? std::optional(std::move(text)) : std::nullopt;
     }
 
     std::int64_t NaturalEnd(std::int64_t start) override {
@@ -84,7 +81,6 @@ public:
 private:
     std::vector<std::unique_ptr<Source>> elements_;
     bool words_;
-    BusFormat format_;
 };
 
 // A counter answers from the count period it is in, so it is walked forward, event by event, from
@@ -93,8 +89,8 @@ class CounterSource final : public Source {
 public:
     enum class Shows { Whole, Bus, Element };
 
-    CounterSource(const VectorFormula& vector, Shows shows, unsigned element, BusFormat format)
-        : vector_(vector), shows_(shows), element_(element), format_(std::move(format)) {
+    CounterSource(const VectorFormula& vector, Shows shows, unsigned element)
+        : vector_(vector), shows_(shows), element_(element) {
         Restart();
     }
 
@@ -120,7 +116,7 @@ public:
             }
             text += value.View();
         }
-        return shows_ == Shows::Bus ? format_(text) : text;
+        return text;
     }
 
     std::int64_t NaturalEnd(std::int64_t start) override {
@@ -159,7 +155,6 @@ private:
     VectorFormula vector_;
     Shows shows_;
     unsigned element_;
-    BusFormat format_;
     CCounterState counter_;
     bool good_ = false;
     std::int64_t now_ = -1;   // the last event up to the time that was asked for
@@ -167,8 +162,8 @@ private:
 };
 
 std::unique_ptr<Source> MakeCounter(const VectorFormula& vector, CounterSource::Shows shows,
-                                    unsigned element, BusFormat format) {
-    auto counter = std::make_unique<CounterSource>(vector, shows, element, std::move(format));
+                                    unsigned element) {
+    auto counter = std::make_unique<CounterSource>(vector, shows, element);
     return counter->IsGood() ? std::move(counter) : nullptr;
 }
 
@@ -180,22 +175,21 @@ bool IsCounter(std::string_view formula) {
     return lower.Find("\\counter") >= 0;
 }
 
-std::unique_ptr<Source> MakeVector(const VectorFormula& vector, BusFormat format) {
+std::unique_ptr<Source> MakeVector(const VectorFormula& vector) {
     if (IsCounter(vector.formula)) {
-        return MakeCounter(vector, CounterSource::Shows::Bus, 0, std::move(format));
+        return MakeCounter(vector, CounterSource::Shows::Bus, 0);
     }
     auto elements = MakeElements(vector);
     return elements.empty() ? nullptr
-                            : std::make_unique<ElementsSource>(std::move(elements), vector.words,
-                                                               std::move(format));
+                            : std::make_unique<ElementsSource>(std::move(elements), vector.words);
 }
 
 std::vector<std::unique_ptr<Source>> MakeElements(const VectorFormula& vector) {
     std::vector<std::unique_ptr<Source>> elements;
     if (IsCounter(vector.formula)) {
         for (int i = 0; i < vector.width; ++i) {
-            elements.push_back(MakeCounter(vector, CounterSource::Shows::Element,
-                                           static_cast<unsigned>(i), nullptr));
+            elements.push_back(
+                MakeCounter(vector, CounterSource::Shows::Element, static_cast<unsigned>(i)));
         }
         return elements;
     }
@@ -206,7 +200,7 @@ std::vector<std::unique_ptr<Source>> MakeElements(const VectorFormula& vector) {
 }
 
 std::unique_ptr<Source> MakeWholeCounter(const std::string& formula, std::int64_t at) {
-    return MakeCounter({formula, 1, false, 1, at}, CounterSource::Shows::Whole, 0, nullptr);
+    return MakeCounter({formula, 1, false, 1, at}, CounterSource::Shows::Whole, 0);
 }
 
 }  // namespace corv::host

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,15 +18,11 @@ struct VectorFormula {
     std::int64_t at = 0;     // when the stimuli begin, in picoseconds
 };
 
-// Turns the elements' characters into the value's text.
-using BusFormat = std::function<std::string(std::string_view)>;
-
 bool IsCounter(std::string_view formula);
 
-// The vector as one signal: its value is the characters of all elements through `format`, or in
-// words
-// "(red,green)". Null when the formula can't be cut.
-std::unique_ptr<Source> MakeVector(const VectorFormula& vector, BusFormat format);
+// The vector as one signal: its value is the characters of all elements, or their words with
+// kBetweenWords between them. Null when the formula can't be cut.
+std::unique_ptr<Source> MakeVector(const VectorFormula& vector);
 
 // One signal per element, element 0 (the most significant) first; empty when the formula can't be
 // cut.
