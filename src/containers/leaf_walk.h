@@ -37,7 +37,7 @@ public:
 
 private:
     int depth_ = 0;
-    int left_ = 16 * 1'048'576;  // far more than a type or a recording makes
+    int left_ = 4 * 1'048'576;  // more than a type or a recording makes
 };
 
 }  // namespace corv::containers

@@ -1,14 +1,32 @@
 #include "containers/name_index.h"
 
 #include <algorithm>
+#include <bit>
 
+#include "containers/name_watch.h"
 #include "corv/signals/signal.h"
 #include "platform/ascii.h"
+#include "platform/guard.h"
 
 namespace corv::containers {
 namespace {
 
-constexpr std::size_t kFewestSlots = 64;
+// Signals of a long list.
+constexpr std::size_t kLong = 4096;
+
+bool IsNamed(ISignal& signal, std::string_view text) noexcept {
+    const char* name = signal.GetName();
+    if (name == nullptr) {
+        return false;
+    }
+    for (const char c : text) {
+        if (platform::Lower(*name) != platform::Lower(c)) {
+            return false;
+        }
+        ++name;
+    }
+    return *name == '\0';
+}
 
 std::uint64_t Hash(std::string_view name) noexcept {
     std::uint64_t hash = 0xCBF29CE484222325U;
@@ -20,57 +38,72 @@ std::uint64_t Hash(std::string_view name) noexcept {
 
 }  // namespace
 
-bool IsNamed(const char* name, std::string_view text) noexcept {
-    for (const char c : text) {
-        if (platform::Lower(*name) != platform::Lower(c)) {
-            return false;
-        }
-        ++name;
-    }
-    return *name == '\0';
+ISignal* FindByLooking(const SignalList& signals, std::string_view name) noexcept {
+    const auto found = std::find_if(signals.begin(), signals.end(),
+                                    [&](ISignal* signal) { return IsNamed(*signal, name); });
+    return found != signals.end() ? *found : nullptr;
 }
 
-ISignal* NameIndex::Find(const std::vector<ISignal*>& signals, std::string_view name) {
-    while (indexed_ < signals.size()) {
-        if (2 * (indexed_ + 1) > slots_.size()) {
-            Grow(signals);
-        }
-        Append(signals, indexed_++);
+void NameIndex::Watch(ISignal& signal) noexcept {
+    is_watching_ = WatchName(signal) && is_watching_;
+}
+
+void NameIndex::Follow(const SignalList& signals) noexcept {
+    if (!is_watching_) {
+        return;
     }
-    const std::uint32_t found = slots_.empty() ? 0 : slots_[FindSlot(signals, name)];
-    return found != 0 ? signals[found - 1] : nullptr;
+    const bool is_filled = indexed_ > 0 && renamings_ == Renamings();
+    Reserve(signals.size());
+    if (IsUsable(signals) && (is_filled ? signals.size() > kLong : signals.size() == kLong)) {
+        renamings_ = Renamings();
+        Fill(signals);
+    }
+}
+
+void NameIndex::Reserve(std::size_t count) noexcept {
+    if (2 * count > slots_.size() &&
+        platform::Done([&] { slots_ = std::vector<std::uint32_t>(std::bit_ceil(2 * count)); })) {
+        indexed_ = 0;
+    }
 }
 
 void NameIndex::Reset() noexcept {
-    slots_.clear();
     indexed_ = 0;
+    looked_at_ = 0;
 }
 
-std::size_t NameIndex::FindSlot(const std::vector<ISignal*>& signals,
-                                std::string_view name) const noexcept {
-    std::size_t slot = Hash(name) & (slots_.size() - 1);
-    while (slots_[slot] != 0) {
-        const char* const found = signals[slots_[slot] - 1]->GetName();
-        if (found != nullptr && IsNamed(found, name)) {
-            break;
+ISignal* NameIndex::Find(const SignalList& signals, std::string_view name) noexcept {
+    if (renamings_ != Renamings()) {
+        renamings_ = Renamings();
+        Reset();
+    }
+    if (!IsUsable(signals) || (indexed_ == 0 && looked_at_ < signals.size())) {
+        looked_at_ += signals.size();
+        return FindByLooking(signals, name);
+    }
+    Fill(signals);
+    const std::uint32_t place = SlotOf(signals, name);
+    return place != 0 ? signals[place - 1] : nullptr;
+}
+
+void NameIndex::Fill(const SignalList& signals) noexcept {
+    if (indexed_ == 0) {
+        std::fill(slots_.begin(), slots_.end(), 0);
+    }
+    for (; indexed_ < signals.size(); ++indexed_) {
+        if (const char* const name = signals[indexed_]->GetName()) {
+            std::uint32_t& slot = SlotOf(signals, name);
+            slot = slot == 0 ? static_cast<std::uint32_t>(indexed_ + 1) : slot;
         }
-        slot = (slot + 1) & (slots_.size() - 1);
-    }
-    return slot;
-}
-
-void NameIndex::Append(const std::vector<ISignal*>& signals, std::size_t place) noexcept {
-    if (const char* const name = signals[place]->GetName()) {
-        std::uint32_t& slot = slots_[FindSlot(signals, name)];
-        slot = slot == 0 ? static_cast<std::uint32_t>(place + 1) : slot;
     }
 }
 
-void NameIndex::Grow(const std::vector<ISignal*>& signals) {
-    slots_ = std::vector<std::uint32_t>(std::max(kFewestSlots, 2 * slots_.size()));
-    for (std::size_t i = 0; i < indexed_; ++i) {
-        Append(signals, i);
+std::uint32_t& NameIndex::SlotOf(const SignalList& signals, std::string_view name) noexcept {
+    std::size_t at = Hash(name) & (slots_.size() - 1);
+    while (slots_[at] != 0 && !IsNamed(*signals[slots_[at] - 1], name)) {
+        at = (at + 1) & (slots_.size() - 1);
     }
+    return slots_[at];
 }
 
 }  // namespace corv::containers

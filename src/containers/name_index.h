@@ -9,27 +9,48 @@ class ISignal;
 
 namespace corv::containers {
 
-// Whether a zero-terminated name and a text are equal without regard to case.
-bool IsNamed(const char* name, std::string_view text) noexcept;
+using SignalList = std::vector<ISignal*>;
 
-// Finds signals of a list by name without a look at each. It serves while the list only grows at
-// its end and names stay; after any other change it is reset.
+// The first signal of a name (without regard to case) in a list; null when there is none.
+ISignal* FindByLooking(const SignalList& signals, std::string_view name) noexcept;
+
+// Finds the signals of one list by name, without a look at each, as long as all of them let their
+// names be watched. Finding takes no memory.
+//
+// The index of a long list is kept filled while signals are only appended. After any other change,
+// and for shorter lists always, it is filled when that pays: the list is looked through until this
+// has cost as much.
 class NameIndex {
 public:
-    // The first signal of that name, null when there is none. The list is the one that was given
-    // since the last reset, with what was appended. Throws when memory runs out.
-    ISignal* Find(const std::vector<ISignal*>& signals, std::string_view name);
+    // A shorter list is looked through faster.
+    static constexpr std::size_t kFewestNames = 65;
+
+    // A signal joins the list, anywhere.
+    void Watch(ISignal& signal) noexcept;
+
+    // The list has one signal more at its end, or is new. When memory runs out it is looked through
+    // from then on.
+    void Follow(const SignalList& signals) noexcept;
+
+    // The list has changed otherwise.
     void Reset() noexcept;
 
+    ISignal* Find(const SignalList& signals, std::string_view name) noexcept;
+
 private:
-    // The slot of a name: the one of the first signal of that name, or the free one for it.
-    std::size_t FindSlot(const std::vector<ISignal*>& signals,
-                         std::string_view name) const noexcept;
-    void Append(const std::vector<ISignal*>& signals, std::size_t place) noexcept;
-    void Grow(const std::vector<ISignal*>& signals);
+    bool IsUsable(const SignalList& signals) const noexcept {
+        return is_watching_ && 2 * signals.size() <= slots_.size();
+    }
+    void Reserve(std::size_t count) noexcept;
+    void Fill(const SignalList& signals) noexcept;
+    // The slot of a name: that of the first signal so named, or the free one for it.
+    std::uint32_t& SlotOf(const SignalList& signals, std::string_view name) noexcept;
 
     std::vector<std::uint32_t> slots_;  // a power of two of them: place in the list + 1, 0 is free
-    std::size_t indexed_ = 0;           // signals of the list, at most half the slots
+    std::size_t indexed_ = 0;           // signals of the list, from its start
+    std::size_t looked_at_ = 0;         // signals, since the last change
+    std::uint64_t renamings_ = 0;       // when the index was filled
+    bool is_watching_ = true;           // all signals of the list
 };
 
 }  // namespace corv::containers

@@ -36,23 +36,4 @@ bool ReaderLoad::CountSignal() noexcept {
     return signals_ <= kMostSignals;
 }
 
-NameIndex* ReaderLoad::IndexOf(const void* container) {
-    const auto level = static_cast<std::size_t>(depth_);
-    if (names_.size() <= level) {
-        names_.resize(level + 1);
-    }
-    Names& names = names_[level];
-    if (names.container != container) {
-        names.container = container;
-        names.index.Reset();
-    }
-    return &names.index;
-}
-
-void ReaderLoad::ForgetIndexOf(const void* container) noexcept {
-    for (Names& names : names_) {
-        names.container = names.container == container ? nullptr : names.container;
-    }
-}
-
 }  // namespace corv::containers

@@ -1,13 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
-#include "containers/name_index.h"
 #include "corv/signals/byte_stream.h"
 #include "signals/nesting.h"
 
-class ISignal;
 namespace stremo {
 class IEventsStreamRead;
 }
@@ -25,7 +22,6 @@ struct RunningOperations {
     LoadStream* load = nullptr;
     ReaderLoad* reader_load = nullptr;
     int save_depth = 0;
-    int write_depth = 0;
     int find_depth = 0;
     int pass_on_depth = 0;
     std::uint64_t pass_on_number = 0;
@@ -93,23 +89,11 @@ public:
     // Counts a signal; false when there are too many.
     bool CountSignal() noexcept;
 
-    // Each new signal is looked for by its name once, in the container that it was appended to:
-    // this is its signals' index, null when there is none. Throws when memory runs out.
-    NameIndex* IndexOf(const void* container);
-    // The list of a container changes otherwise than at its end.
-    void ForgetIndexOf(const void* container) noexcept;
-
 private:
-    struct Names {
-        const void* container = nullptr;
-        NameIndex index;
-    };
-
     stremo::IEventsStreamRead& reader_;
     ReaderLoad* const outer_;
     int depth_ = 0;
     int signals_ = 0;
-    std::vector<Names> names_;  // of the containers that are being filled, by depth
 };
 
 }  // namespace corv::containers

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "containers/leaf_walk.h"
@@ -60,7 +61,8 @@ HRESULT CORV_CALL SignalContainer::Replace(ISignal* old_signal, ISignal* new_sig
     if (new_signal != old_signal) {
         new_signal->AddRef();
         *place = new_signal;
-        ForgetNames();
+        NoteJoined(*new_signal);
+        NoteChange();
         Unregister(*old_signal);
         old_signal->Release();
     }
@@ -100,10 +102,11 @@ HRESULT SignalContainer::Put(std::size_t place, ISignal& signal) noexcept {
         })) {
         return E_OUTOFMEMORY;
     }
-    if (!is_last) {
-        ForgetNames();
-    }
     signal.AddRef();
+    NoteJoined(signal);
+    if (!is_last) {
+        NoteChange();
+    }
     if (ISignalContainer* const members = signal.GetSubSignals()) {
         members->SetHandleManager(manager_.get());
     }
@@ -120,13 +123,13 @@ bool SignalContainer::TakeOut(const ISignal* signal) noexcept {
         return false;
     }
     signals_.erase(place);
-    ForgetNames();
+    NoteChange();
     return true;
 }
 
 void SignalContainer::Clear() noexcept {
-    ForgetNames();
-    const std::vector<ISignal*> released = std::exchange(signals_, {});
+    names_ = nullptr;
+    const SignalList released = std::exchange(signals_, {});
     for (ISignal* const signal : released) {
         Unregister(*signal);
         signal->Release();
@@ -157,9 +160,26 @@ void SignalContainer::Unregister(ISignal& signal) noexcept {
     }
 }
 
-void SignalContainer::ForgetNames() noexcept {
-    if (ReaderLoad* const load = Running().reader_load) {
-        load->ForgetIndexOf(this);
+void SignalContainer::NoteJoined(ISignal& signal) noexcept {
+    if (!names_ && signals_.size() < NameIndex::kFewestNames) {
+        return;
+    }
+    if (names_) {
+        names_->Watch(signal);
+    } else {
+        names_.reset(new (std::nothrow) NameIndex);
+        for (std::size_t i = 0; names_ && i < signals_.size(); ++i) {
+            names_->Watch(*signals_[i]);
+        }
+    }
+    if (names_) {
+        names_->Follow(signals_);
+    }
+}
+
+void SignalContainer::NoteChange() noexcept {
+    if (names_) {
+        names_->Reset();
     }
 }
 

@@ -2,10 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <utility>
-#include <vector>
 
+#include "containers/name_index.h"
 #include "containers/running_operations.h"
 #include "corv/containers/signal_container.h"
 #include "corv/frame/com_ptr.h"
@@ -47,18 +48,20 @@ public:
     std::int64_t CORV_CALL GetMaxTime() noexcept override { return max_time_; }
 
     // The list, for its enumerators.
-    const std::vector<ISignal*>& Signals() const noexcept { return signals_; }
+    const SignalList& Signals() const noexcept { return signals_; }
 
 private:
+    // A signal has joined the list; the list has changed otherwise.
+    void NoteJoined(ISignal& signal) noexcept;
+    void NoteChange() noexcept;
+
     HRESULT Put(std::size_t place, ISignal& signal) noexcept;
     bool TakeOut(const ISignal* signal) noexcept;
     void Clear() noexcept;
     bool HoldsManagerAlone() noexcept;
     void Unregister(ISignal& signal) noexcept;
-    // The list changes otherwise than at its end.
-    void ForgetNames() noexcept;
 
-    ISignal* FindNamed(std::string_view name) noexcept;
+    ISignal* FindNamed(std::string_view name) const noexcept;
     // Makes a container below use this one's handle manager.
     void ShareManagerWith(ISignalContainer& members) noexcept;
 
@@ -69,9 +72,10 @@ private:
                     ISignal** signal);
 
     std::int64_t max_time_ = 0;
-    std::vector<ISignal*> signals_;  // each with a reference
+    SignalList signals_;  // each with a reference
     frame::ComPtr<IHandleManager> manager_;
-    std::uint64_t passed_on_ = 0;  // the last passing on of a handle manager that came by
+    std::uint64_t passed_on_ = 0;       // the last passing on of a handle manager that came by
+    std::unique_ptr<NameIndex> names_;  // of a list that is long enough, unless memory ran out
 };
 
 }  // namespace corv::containers

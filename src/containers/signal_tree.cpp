@@ -5,19 +5,14 @@
 #include <string_view>
 
 #include "containers/leaf_walk.h"
-#include "containers/name_index.h"
 #include "containers/signal_container.h"
 #include "corv/signals/signal.h"
 #include "corv/util/extended_id.h"
-#include "platform/guard.h"
 
 using corv::frame::ComPtr;
 
 namespace corv::containers {
 namespace {
-
-// Lists that are looked through faster than they are indexed.
-constexpr std::size_t kFewNames = 32;
 
 // The first component of a path and, unless it is the whole path, the rest, which begins with "("
 // or ".". Such a character in front, and an extended identifier, belong to the component.
@@ -135,22 +130,8 @@ HRESULT CORV_CALL SignalContainer::SetHandleManager(IHandleManager* manager) noe
     return S_OK;
 }
 
-// Names may change at any time, so that nothing is remembered of them, except while signals are
-// loaded from a recording.
-ISignal* SignalContainer::FindNamed(std::string_view name) noexcept {
-    ReaderLoad* const load = Running().reader_load;
-    ISignal* found = nullptr;
-    if (load != nullptr && signals_.size() > kFewNames &&
-        platform::Done([&] { found = load->IndexOf(this)->Find(signals_, name); })) {
-        return found;
-    }
-    for (ISignal* const signal : signals_) {
-        const char* const its_name = signal->GetName();
-        if (its_name != nullptr && IsNamed(its_name, name)) {
-            return signal;
-        }
-    }
-    return nullptr;
+ISignal* SignalContainer::FindNamed(std::string_view name) const noexcept {
+    return names_ ? names_->Find(signals_, name) : FindByLooking(signals_, name);
 }
 
 // They differ when a signal's type and with it its members have changed since it was put in.

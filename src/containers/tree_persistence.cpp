@@ -185,7 +185,7 @@ HRESULT CORV_CALL SignalContainer::WriteToWriter(IEventsStreamWrite* writer) noe
     }
     const std::size_t count = writer->IsReady() ? signals_.size() : 0;
     HRESULT result = S_OK;
-    for (std::size_t i = 0; SUCCEEDED(result) && i < count; ++i) {
+    for (std::size_t i = 0; SUCCEEDED(result) && i < std::min(count, signals_.size()); ++i) {
         result = signals_[i]->WriteToWriter(writer, -1);
     }
     return result;

@@ -21,10 +21,8 @@ namespace {
 constexpr std::int64_t kNoTime = -1;
 constexpr std::int64_t kLastKey = std::numeric_limits<std::int64_t>::max();
 
-// Up to so many leaves are always looked through; and more when at least this part of them has
-// changed at a time.
-constexpr std::size_t kFewLeaves = 16;
-constexpr std::size_t kManyPart = 8;
+// The tree serves the next step when at most one leaf in so many has changed at this one.
+constexpr std::size_t kTreePart = 8;
 
 template <class Value>
 bool IsOwn(const IWaveEventEnumerator& events) noexcept {
@@ -84,19 +82,6 @@ CBusEventIterator::Maker CBusEventIterator::MakerOf(const IWaveEventEnumerator& 
                                           : Maker::kOther;
 }
 
-template <class Work>
-decltype(auto) CBusEventIterator::WithLeaf(std::size_t leaf, Work&& work) {
-    IWaveEventEnumerator& events = *enumerators_[leaf];
-    switch (makers_[leaf]) {
-        case Maker::kOwn32:
-            return work(static_cast<CWaveEventEnumerator32&>(events));
-        case Maker::kOwn64:
-            return work(static_cast<CWaveEventEnumerator64&>(events));
-        default:
-            return work(events);
-    }
-}
-
 // ---- stepping ----
 
 CBusEventIterator::Key CBusEventIterator::KeyOf(std::int64_t time) noexcept {
@@ -109,15 +94,11 @@ std::int64_t CBusEventIterator::TimeOf(Key key) noexcept {
 
 // Without events in one of the leaves there are none at all.
 void CBusEventIterator::ReadKeys() noexcept {
-    bool has_events = true;
-    for (std::size_t leaf = 0; leaf < keys_.size() && has_events; ++leaf) {
-        WithLeaf(leaf, [&](auto& events) {
-            has_events = events.HasEvents() != 0;
-            keys_[leaf] = KeyOf(events.CurrentTime());
-        });
-    }
-    if (!has_events) {
-        std::fill(keys_.begin(), keys_.end(), kLastKey);
+    const bool has_events =
+        std::all_of(enumerators_.begin(), enumerators_.end(),
+                    [](const auto& events) { return events->HasEvents() != 0; });
+    for (std::size_t leaf = 0; leaf < keys_.size(); ++leaf) {
+        keys_[leaf] = has_events ? KeyOf(enumerators_[leaf]->CurrentTime()) : kLastKey;
     }
     has_keys_ = true;
     has_tree_ = false;
@@ -141,7 +122,7 @@ CBusEventIterator::Key CBusEventIterator::SmallestKey() const noexcept {
     return std::min(std::min(smallest[0], smallest[1]), std::min(smallest[2], smallest[3]));
 }
 
-inline void CBusEventIterator::Advance(std::size_t leaf) noexcept {
+inline CBusEventIterator::Key CBusEventIterator::Advance(std::size_t leaf) noexcept {
     IWaveEventEnumerator& events = *enumerators_[leaf];
     std::int64_t next;
     if (makers_[leaf] == Maker::kOwn32) {
@@ -152,7 +133,7 @@ inline void CBusEventIterator::Advance(std::size_t leaf) noexcept {
         events.Next(1, &events_[leaf], nullptr);
         next = events.CurrentTime();
     }
-    keys_[leaf] = KeyOf(next);
+    return keys_[leaf] = KeyOf(next);
 }
 
 void CBusEventIterator::AdvanceInTree(Key key) noexcept {
@@ -160,14 +141,14 @@ void CBusEventIterator::AdvanceInTree(Key key) noexcept {
     bool in_order = true;
     do {
         const std::size_t leaf = tree_.Top().index;
-        Advance(leaf);
+        const Key next = Advance(leaf);
         // a leaf with more events for this time, or earlier ones, waits for the next step
-        const bool waits = keys_[leaf] <= key;
-        tree_.ReplaceTop(waits ? kLastKey : keys_[leaf]);
+        const bool waits = next <= key;
+        tree_.ReplaceTop(waits ? kLastKey : next);
         in_order = in_order && !waits;
         ++moved;
     } while (tree_.Top().key == key);
-    has_tree_ = in_order && moved < keys_.size() / kManyPart;
+    has_tree_ = in_order && moved <= keys_.size() / kTreePart;
 }
 
 void CBusEventIterator::AdvanceInAll(Key key) noexcept {
@@ -183,7 +164,7 @@ void CBusEventIterator::AdvanceInAll(Key key) noexcept {
             Advance(first + static_cast<std::size_t>(std::countr_zero(due)));
         }
     }
-    if (keys_.size() > kFewLeaves && moved < keys_.size() / kManyPart) {
+    if (moved <= keys_.size() / kTreePart) {
         tree_.Build(keys_.data());
         has_tree_ = true;
     }
@@ -211,8 +192,7 @@ HRESULT CORV_CALL CBusEventIterator::Next() noexcept {
 
 void CBusEventIterator::TakeCurrent(std::size_t leaf) noexcept {
     IWaveEvent* event = nullptr;
-    const HRESULT found = WithLeaf(leaf, [&](auto& events) { return events.Current(&event); });
-    events_[leaf] = FAILED(found) ? nullptr : event;
+    events_[leaf] = SUCCEEDED(enumerators_[leaf]->Current(&event)) ? event : nullptr;
 }
 
 bool CBusEventIterator::IsAt(std::size_t leaf, std::int64_t time) noexcept {
@@ -222,7 +202,7 @@ bool CBusEventIterator::IsAt(std::size_t leaf, std::int64_t time) noexcept {
 
 void CORV_CALL CBusEventIterator::Reset() noexcept {
     for (std::size_t leaf = 0; leaf < enumerators_.size(); ++leaf) {
-        WithLeaf(leaf, [](auto& events) { events.Reset(); });
+        enumerators_[leaf]->Reset();
         TakeCurrent(leaf);
     }
     time_ = kNoTime;
@@ -234,7 +214,7 @@ HRESULT CORV_CALL CBusEventIterator::Seek(std::int64_t time, std::uint32_t mode)
     bool exact = mode != FindAt;
     HRESULT result = S_OK;
     for (std::size_t leaf = 0; leaf < enumerators_.size() && !FAILED(result); ++leaf) {
-        result = WithLeaf(leaf, [&](auto& events) { return events.Seek(time, leaf_mode); });
+        result = enumerators_[leaf]->Seek(time, leaf_mode);
         exact = exact || (!FAILED(result) && IsAt(leaf, time));
     }
     for (std::size_t leaf = 0; leaf < enumerators_.size(); ++leaf) {

@@ -38,8 +38,7 @@ private:
 //
 // The next time of each leaf is remembered as a key, so that finding the earliest one asks no
 // enumerator. While few leaves change at a time it is the top of a tree over the keys; after a step
-// in which many have changed, as with a clock, and for a few leaves, it is looked for in all keys,
-// which is faster then.
+// in which many have changed, as with a clock, it is looked for in all keys, which is faster then.
 class CBusEventIterator final
     : public corv::frame::ComObject<CBusEventIterator, IBusEventIterator, IID_IBusEventIterator> {
 public:
@@ -58,7 +57,7 @@ public:
 private:
     friend class CBusEvent;
 
-    // Who made a leaf's enumerator; the library's own ones are asked without virtual calls.
+    // Who made a leaf's enumerator; the library's own ones take their steps without virtual calls.
     enum class Maker : unsigned char { kOther, kOwn32, kOwn64 };
 
     // Keys are times in their order, but for -1, no time, which comes last.
@@ -70,16 +69,13 @@ private:
     HRESULT AddLeaf(ISignal& leaf);
     static Maker MakerOf(const IWaveEventEnumerator& events) noexcept;
 
-    // Calls `work` with a leaf's enumerator, as its own class where that is the library's.
-    template <class Work>
-    decltype(auto) WithLeaf(std::size_t leaf, Work&& work);
     void TakeCurrent(std::size_t leaf) noexcept;
     bool IsAt(std::size_t leaf, std::int64_t time) noexcept;
 
     void ReadKeys() noexcept;
     Key SmallestKey() const noexcept;
-    // Lets a leaf take its next event.
-    void Advance(std::size_t leaf) noexcept;
+    // Lets a leaf take its next event; gives its new key.
+    Key Advance(std::size_t leaf) noexcept;
     // Let all leaves with the key take their events.
     void AdvanceInTree(Key key) noexcept;
     void AdvanceInAll(Key key) noexcept;

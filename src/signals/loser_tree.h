@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -52,14 +53,13 @@ public:
         std::uint32_t index = top_.index;
         for (std::size_t node = (index + losers_.size()) / 2; node > 0; node /= 2) {
             Player& loser = losers_[node];
-            const auto swap = platform::Opaque(-static_cast<std::int64_t>(loser.key < best));
-            const std::int64_t key_change = (loser.key ^ best) & swap;
-            const std::uint32_t index_change =
-                (loser.index ^ index) & static_cast<std::uint32_t>(swap);
-            loser.key ^= key_change;
-            loser.index ^= index_change;
-            best ^= key_change;
-            index ^= index_change;
+            const std::int64_t other = loser.key;
+            const std::uint32_t change =
+                (loser.index ^ index) & platform::Opaque(-static_cast<std::uint32_t>(other < best));
+            const std::int64_t smaller = std::min(platform::Opaque(best), other);
+            loser = {other ^ best ^ smaller, loser.index ^ change};
+            best = smaller;
+            index ^= change;
         }
         top_ = {best, index};
     }

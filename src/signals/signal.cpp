@@ -5,7 +5,9 @@
 #include <cstring>
 #include <string_view>
 
+#include "containers/name_watch.h"
 #include "corv/frame/com_ptr.h"
+#include "platform/ascii.h"
 #include "signals/members.h"
 #include "util/fields.h"
 
@@ -39,6 +41,12 @@ const char* CSignal::GetName() noexcept {
 }
 void CSignal::SetName(const char* name) noexcept {
     properties_.Set("Name", name);
+    NoteNewName();
+}
+void CSignal::NoteNewName() const noexcept {
+    if (is_name_watched_) {
+        corv::containers::CountRenaming();
+    }
 }
 
 const char* CSignal::GetTypeInfo() noexcept {
@@ -106,6 +114,9 @@ void CSignal::SetProperty(const char* key, const char* value) noexcept {
     properties_.Set(key, value);
     if (key != nullptr && std::strcmp(key, "Handle") == 0) {
         handle_ = IntegerProperty("Handle", handle_);
+    }
+    if (key != nullptr && corv::platform::EqualNoCase(key, "Name")) {
+        NoteNewName();
     }
 }
 

@@ -80,12 +80,17 @@ public:
     void CORV_CALL SetParent(ISignal* parent) noexcept override { parent_ = parent; }
     std::int64_t CORV_CALL GetMaxTime() noexcept override;
 
+    // From now on each change of the name is counted, see containers/name_watch.h.
+    void WatchName() noexcept { is_name_watched_ = true; }
+
     // The type in its parsed form, null without one.
     const KTypeInfo* Type() const noexcept { return type_.get(); }
     // Whether value texts show literals in quotes.
     bool HasQuotedTexts() const noexcept { return value_text_flag_; }
 
 private:
+    void NoteNewName() const noexcept;
+
     friend class corv::signals::MemberBuilder;
 
     int IntegerProperty(const char* key, int without) const noexcept;
@@ -111,4 +116,5 @@ private:
     int handle_ = -1;
     ISignal* parent_;
     corv::frame::ComPtr<ISignalContainer> members_;
+    bool is_name_watched_ = false;
 };

@@ -132,7 +132,9 @@ HRESULT CSignal::Save(IByteStream* stream) noexcept {
 }
 
 HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* parent) noexcept {
-    if (!ReadProperties(*stream, properties_)) {
+    const bool is_read = ReadProperties(*stream, properties_);
+    NoteNewName();
+    if (!is_read) {
         return E_FAIL;
     }
     ComPtr<ISignalContainer> members;

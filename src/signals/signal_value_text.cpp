@@ -14,6 +14,7 @@
 #include "signals/value_text.h"
 #include "typeinfo/type_access.h"
 #include "typeinfo/value_text.h"
+#include "waves/find_together.h"
 #include "waves/signal_wave.h"
 
 using corv::frame::ClassOf;
@@ -96,11 +97,23 @@ public:
 
     Gathered Gather(ISignalContainer& members) noexcept {
         const Gathered gathered = GatherMembers(members, 1);
-        const bool placed = mode_ != FindAt || has_change_;
-        return gathered == Gathered::kAll && !placed ? Gathered::kNone : gathered;
+        if (gathered != Gathered::kAll) {
+            return gathered;
+        }
+        const bool all = group32_.count > 0 ? Search(group32_) : Search(group64_);
+        return all && (mode_ != FindAt || has_change_) ? Gathered::kAll : Gathered::kNone;
     }
 
 private:
+    // Waves whose lists are searched next, in the order of their leaves.
+    template <class Value>
+    struct Group {
+        std::array<corv::waves::Timeline<corv::waves::WaveEvent<Value>>*,
+                   corv::waves::kMostTogether>
+            lists;
+        std::size_t count = 0;
+    };
+
     Gathered GatherMembers(ISignalContainer& members, int depth) noexcept {
         const int count = members.GetCount();
         Gathered gathered = depth > corv::signals::kMostNesting ? Gathered::kNone : Gathered::kAll;
@@ -122,23 +135,40 @@ private:
 
     Gathered GatherWave(ISignalWave& wave) noexcept {
         const void* const wave_class = ClassOf(wave);
-        if (wave_class == wave32_class_) {
-            return GatherEvent<std::uint32_t>(wave);
+        if (wave_class != wave32_class_ && wave_class != wave64_class_) {
+            return Gathered::kNotOurs;
         }
-        return wave_class == wave64_class_ ? GatherEvent<std::uint64_t>(wave) : Gathered::kNotOurs;
+        const bool good = wave_class == wave32_class_ ? Join(group32_, wave, group64_)
+                                                      : Join(group64_, wave, group32_);
+        return good ? Gathered::kAll : Gathered::kNone;
     }
 
-    template <class Value>
-    Gathered GatherEvent(ISignalWave& wave) noexcept {
-        const std::uint32_t mode = mode_ == FindAt ? FindAtOrBefore : mode_;
-        IWaveEvent* found = nullptr;
-        auto& own = static_cast<corv::waves::SignalWave<Value>&>(wave);
-        if (FAILED(own.FindEvent(time_, mode, &found))) {
-            return Gathered::kNone;
+    // False when a leaf has no event for the mode, or the values pass the end of the buffer.
+    template <class Value, class Other>
+    bool Join(Group<Value>& group, ISignalWave& wave, Group<Other>& before) noexcept {
+        if (before.count > 0 && !Search(before)) {
+            return false;
         }
-        auto& event = static_cast<corv::waves::WaveEvent<Value>&>(*found);
-        has_change_ = has_change_ || event.Time() == time_;
-        return value_.Add(event.GetValueData(), sizeof(Value)) ? Gathered::kAll : Gathered::kNone;
+        group.lists[group.count++] = &static_cast<corv::waves::SignalWave<Value>&>(wave).List();
+        return group.count < group.lists.size() || Search(group);
+    }
+    template <class Value>
+    bool Search(Group<Value>& group) noexcept {
+        std::array<std::size_t, corv::waves::kMostTogether> found;
+        corv::waves::FindTogether(group.lists.data(), group.count, time_,
+                                  mode_ == FindAt ? FindAtOrBefore : mode_, found.data());
+        bool good = true;
+        for (std::size_t i = 0; good && i < group.count; ++i) {
+            auto& events = *group.lists[i];
+            good = found[i] < events.size();
+            if (good) {
+                corv::waves::WaveEvent<Value>& event = events[found[i]];
+                has_change_ = has_change_ || event.Time() == time_;
+                good = value_.Add(event.GetValueData(), sizeof(Value));
+            }
+        }
+        group.count = 0;
+        return good;
     }
 
     const void* signal_class_;
@@ -147,6 +177,8 @@ private:
     std::int64_t time_;
     std::uint32_t mode_;
     bool has_change_ = false;  // whether a leaf has an event at exactly the time
+    Group<std::uint32_t> group32_;
+    Group<std::uint64_t> group64_;  // one of the two is empty
     ArrayValue& value_;
 };
 

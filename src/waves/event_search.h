@@ -16,29 +16,55 @@ inline std::int64_t TimeOf(std::int64_t time) noexcept {
     return time;
 }
 
-// The number of items before a time, in a list in order of time. Whatever the order is, the number
-// for a later time is not below that for an earlier one.
+// A search for the number of items before a time, in a list in order of time. Whatever the order
+// is, the number for a later time is not below that for an earlier one.
 //
 // The list is cut down to a quarter at each step without a branch: there is nothing for the
 // processor to guess wrong, and the three items of a step are fetched at the same time.
 template <class Item>
+class ItemSearch {
+public:
+    ItemSearch() noexcept = default;
+    ItemSearch(const Item* items, std::size_t count, std::int64_t time) noexcept
+        : items_(items), base_(items), count_(count), time_(time) {}
+
+    bool IsWide() const noexcept { return count_ >= 8; }
+    // One step; only when it is wide.
+    void Narrow() noexcept {
+        const std::size_t quarter = count_ / 4;
+        const std::size_t quarters = IsBefore(base_[quarter - 1]) +
+                                     IsBefore(base_[2 * quarter - 1]) +
+                                     IsBefore(base_[3 * quarter - 1]);
+        base_ += quarter * platform::Opaque(quarters);
+        count_ -= 3 * quarter;
+    }
+    // The number, when it is not wide any more.
+    std::size_t Count() const noexcept {
+        std::size_t rest = 0;
+        for (std::size_t i = 0; i < count_; ++i) {
+            rest += IsBefore(base_[i]);
+        }
+        return static_cast<std::size_t>(base_ - items_) + rest;
+    }
+
+private:
+    std::size_t IsBefore(const Item& item) const noexcept {
+        return static_cast<std::size_t>(TimeOf(item) < time_);
+    }
+
+    const Item* items_ = nullptr;
+    const Item* base_ = nullptr;  // the items in front of it are before the time
+    std::size_t count_ = 0;       // of those from there on that may be
+    std::int64_t time_ = 0;
+};
+
+template <class Item>
 std::size_t CountBefore(const Item* items, std::size_t count, std::int64_t time) noexcept {
-    const auto before = [time](const Item& item) {
-        return static_cast<std::size_t>(TimeOf(item) < time);
-    };
-    const Item* base = items;
-    while (count >= 8) {
-        const std::size_t quarter = count / 4;
-        const std::size_t quarters = before(base[quarter - 1]) + before(base[2 * quarter - 1]) +
-                                     before(base[3 * quarter - 1]);
-        base += quarter * platform::Opaque(quarters);
-        count -= 3 * quarter;
+    ItemSearch<Item> search(items, count, time);
+    while (search.IsWide()) {
+        search.Narrow();
     }
-    std::size_t rest = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        rest += before(base[i]);
-    }
-    return static_cast<std::size_t>(base - items) + rest;
+    return search.Count();
 }
 
 }  // namespace corv::waves

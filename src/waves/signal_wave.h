@@ -134,6 +134,9 @@ public:
         return events_[index].GetValue(buffer, buffer_size) > 0 ? S_OK : E_FAIL;
     }
 
+    // The events, for the library itself.
+    Timeline<WaveEvent<Value>>& List() noexcept { return events_; }
+
 private:
     using Event = WaveEvent<Value>;
     using Events = Timeline<Event>;

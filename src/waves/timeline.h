@@ -20,6 +20,7 @@ public:
     using List = EventList<Event>;
     using List::Append;
     using List::back;
+    using List::begin;
     using List::empty;
     using List::full;
     using List::MakeRoom;
@@ -57,10 +58,11 @@ public:
     // The index of the event that a search mode (EFindMode) chooses; size() or a larger number when
     // there is none, or no such mode.
     std::size_t Find(std::int64_t time, std::uint32_t mode) noexcept {
-        if (mode == FindAfter) {
-            return CountUpTo(time);
-        }
-        const std::size_t before = CountBefore(time);
+        return Chosen(mode == FindAfter ? CountUpTo(time) : CountBefore(time), time, mode);
+    }
+    // The same when the number of events before the time is known; for FindAfter that of those up
+    // to and including it.
+    std::size_t Chosen(std::size_t before, std::int64_t time, std::uint32_t mode) noexcept {
         const auto is_at = [&] { return before < size() && (*this)[before].Time() == time; };
         switch (mode) {
             case FindAt:
@@ -69,6 +71,7 @@ public:
                 return before - 1;
             case FindAtOrBefore:
                 return is_at() ? before : before - 1;
+            case FindAfter:
             case FindAtOrAfter:
                 return before;
             default:

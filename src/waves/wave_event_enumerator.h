@@ -84,8 +84,8 @@ public:
     }
 
     // Next for one event and CurrentTime in one, inline, for the library itself: delivers the event
-    // unless at the end and gives the time of the one behind it, -1 when there is none. What is
-    // read at the next step but one is fetched ahead, since many waves may be walked in turn.
+    // unless at the end and gives the time of the one behind it, -1 when there is none. What later
+    // steps read is fetched ahead, since many waves may be walked in turn.
     std::int64_t Take(IWaveEvent** event) noexcept {
         events_.Trim();
         const std::size_t size = events_.size();

@@ -18,10 +18,13 @@ class IEventsStreamRead;
 // that containers and signals make a tree. The container holds a reference to each signal and
 // registers the leaves with its handle manager; the containers of members below it are given the
 // same one. Signals are handed out without a reference, for as long as the container holds them.
+//
+// Trees and paths are followed 256 levels down; what is deeper is not reached (FindSignal,
+// AssignHandles, SetHandleManager), not saved and not loaded.
 class ISignalContainer : public IUnknown {
 public:
     // Puts a signal in front of another. E_INVALIDARG when that one is not in the list;
-    // E_OUTOFMEMORY.
+    // E_OUTOFMEMORY, with the list as it was.
     virtual HRESULT CORV_CALL Insert(ISignal* signal, ISignal* before) = 0;
 
     // Appends a signal. Gives what the handle manager says (E_INVALIDARG for a signal without a
@@ -34,7 +37,8 @@ public:
     virtual HRESULT CORV_CALL Remove(ISignal* signal) = 0;
 
     // Puts a new signal in the place of one in the list and gives it that one's name. E_INVALIDARG
-    // when the old one is not in the list or the new one has a parent.
+    // when the old one is not in the list or the new one has a parent; E_OUTOFMEMORY, with the list
+    // as it was.
     virtual HRESULT CORV_CALL Replace(ISignal* old_signal, ISignal* new_signal) = 0;
 
     // As CreateStdSignal and CreateSignal, without a parent; the new signal is not in the list, and
@@ -55,7 +59,8 @@ public:
     // Finds a signal by its name and the element and field selections behind it: "s(3).a" is the
     // member ".a" of the member "(3)" of the signal "s". Case does not matter; an extended
     // identifier (\a.b\) is not split. What is left of the path at a leaf is not looked at. E_FAIL,
-    // with the out as it was, when there is none.
+    // with the out as it was, when there is none. Names are compared as they are now; as long as
+    // those of a long list stay, finding one takes constant time.
     virtual HRESULT CORV_CALL FindSignal(const char* path, ISignal** signal) = 0;
 
     // Makes an enumerator that stands on the first signal; the caller releases it. E_OUTOFMEMORY.
@@ -68,20 +73,22 @@ public:
     virtual HRESULT CORV_CALL GetHandleManager(IHandleManager** manager) = 0;
 
     // Replaces the handle manager (null: none) here and in all containers of members below.
-    // Signals in the list are not registered with the new one. S_OK.
+    // Signals in the list are not registered with the new one and stay registered with the old one:
+    // whoever keeps that removes them there before they end. S_OK.
     virtual HRESULT CORV_CALL SetHandleManager(IHandleManager* manager) = 0;
 
     // Appends the signals of a stream that Save has written, as members of the parent unless that
     // is null. A signal that can't be read ends nothing: what is read stays. The stream's result
-    // when the count can't be read, E_FAIL when it is 0, else S_OK.
+    // when the count can't be read; E_FAIL when it is 0 and when members are nested too deep; else
+    // S_OK.
     virtual HRESULT CORV_CALL Load(IByteStream* stream, ISignal* parent) = 0;
 
     // Writes all signals with their properties and members, but no events. E_FAIL when there are
-    // more than 65,535; else the first result of the stream that is a failure.
+    // more than 65,535 or members are nested too deep; else the first result that is a failure.
     virtual HRESULT CORV_CALL Save(IByteStream* stream) = 0;
 
-    // Appends the signals of a recording, without their events. E_FAIL when one can't be read;
-    // those before it stay.
+    // Appends the signals of a recording, without their events. E_FAIL when one can't be read, and
+    // after 1,048,576 of them, members counted; those before it stay.
     virtual HRESULT CORV_CALL LoadFromReader(stremo::IEventsStreamRead* reader) = 0;
 
     // Writes the signals, without events, to a recording. E_FAIL for a null writer or when it
