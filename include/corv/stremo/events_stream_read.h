@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "corv/platform/cstring.h"
+#include "corv/platform/export.h"
 
 namespace stremo {
 
@@ -10,7 +11,11 @@ namespace stremo {
 // the scalar ones in order of time. Times are picoseconds. Values are the stored bytes of a scalar,
 // little-endian; a buffer for one holds 16 bytes and is filled up with zeros.
 //
-// Texts that the reader gives belong to it and live until its end.
+// A handle may stand for several names of one signal; questions about it are answered for the one
+// that GetSignalHandle or GetSubSignalHandle gave last.
+//
+// Texts that the reader gives belong to it and live until its end. A reader is used by one thread
+// at a time.
 class IEventsStreamRead {
 public:
     // Closes the recording; a reader is ended with delete.
@@ -31,10 +36,12 @@ public:
     virtual void GetSignalInfo(int handle, bool& has_sub_signals, int& sub_signal_count,
                                CString& name, int& mode, std::int64_t& max_time) = 0;
 
-    // A property that the recording keeps for a signal; null when there is none.
+    // A property that the recording keeps for a signal, the key in any case; null when there is
+    // none.
     virtual const char* GetSignalProperty(int handle, const char* key) = 0;
 
-    // The signal's type-description string, null when there is none.
+    // The signal's type-description string; empty when the recording has none for it, null for an
+    // unknown handle.
     virtual const char* GetTypeString(int handle) = 0;
 
     // Goes to just before the first event at or after a time: GetCurrentTime is then the time of
@@ -45,7 +52,7 @@ public:
     virtual const std::int64_t* GetCurrentTime() = 0;
 
     // Moves to the next event and gives its signal's handle; -1 at the end and when the recording
-    // can't be read on.
+    // can't be read on, which corv::LastStreamError tells apart.
     virtual int Next() = 0;
 
     // The value of the event that Next moved to; false when there is none.
@@ -57,5 +64,11 @@ public:
     // Tells the time at which the use of the recording begins. A hint only.
     virtual void MarkStart(const std::int64_t* time) = 0;
 };
+
+// Opens a recording; the caller ends it with delete. A name that RegisterStream knows is opened by
+// its factory. A file is found by its exact name, else by the only name in its folder that is equal
+// without regard to case; its format is told by its content. Null when it can't be opened;
+// corv::LastStreamError says why.
+CORV_API IEventsStreamRead* CreateStreamRead(const char* file_name) noexcept;
 
 }  // namespace stremo

@@ -1,0 +1,297 @@
+#include "platform/files.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "platform/ascii.h"
+#include "platform/guard.h"
+
+#if defined(__unix__) || defined(__APPLE__)
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#define CORV_HAS_POSIX_FILES 1
+#else
+#include <cstdio>
+#define CORV_HAS_POSIX_FILES 0
+#endif
+
+namespace corv::platform {
+namespace {
+
+struct Reason {
+    int code;
+    const char* text;
+};
+
+constexpr const char* kIsFolder = "it is a folder";
+constexpr const char* kNoFile = "there is no such file";
+constexpr Reason kReasons[] = {
+    {ENOENT, kNoFile},
+    {ENOTDIR, "there is no such folder"},
+    {EACCES, "access is denied"},
+    {EPERM, "access is denied"},
+    {EROFS, "the disk is read-only"},
+    {EISDIR, kIsFolder},
+    {ENOSPC, "the disk is full"},
+    {EFBIG, "the file would be too large"},
+    {ENAMETOOLONG, "the name is too long"},
+    {EMFILE, "too many files are open"},
+    {ENFILE, "too many files are open"},
+    {ENOMEM, "memory has run out"},
+    {EIO, "the disk can't be read or written"},
+};
+
+const char* ReasonOf(int code) noexcept {
+    for (const Reason& reason : kReasons) {
+        if (reason.code == code) {
+            return reason.text;
+        }
+    }
+    return "the system refuses it";
+}
+
+// Content that was read as a whole.
+class HeldContent final : public FileContent {
+public:
+    explicit HeldContent(std::vector<unsigned char> content) noexcept
+        : content_(std::move(content)) {}
+    Bytes bytes() const noexcept override { return content_; }
+
+private:
+    std::vector<unsigned char> content_;
+};
+
+#if CORV_HAS_POSIX_FILES
+
+class Descriptor {
+public:
+    explicit Descriptor(int number) noexcept : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() { Close(); }
+
+    int get() const noexcept { return number_; }
+    bool Close() noexcept {
+        const int number = std::exchange(number_, -1);
+        return number == -1 || close(number) == 0;
+    }
+
+private:
+    int number_;
+};
+
+class MappedContent final : public FileContent {
+public:
+    MappedContent(void* data, std::size_t size) noexcept : data_(data), size_(size) {}
+    MappedContent(const MappedContent&) = delete;
+    MappedContent& operator=(const MappedContent&) = delete;
+    ~MappedContent() override { munmap(data_, size_); }
+    Bytes bytes() const noexcept override {
+        return {static_cast<const unsigned char*>(data_), size_};
+    }
+
+private:
+    void* data_;
+    std::size_t size_;
+};
+
+class SystemOutput final : public FileOutput {
+public:
+    explicit SystemOutput(Descriptor file) noexcept : file_(std::move(file)) {}
+
+    const char* Append(Bytes bytes) noexcept override {
+        while (!bytes.empty()) {
+            const ssize_t written = write(file_.get(), bytes.data(), bytes.size());
+            if (written < 0 && errno != EINTR) {
+                return ReasonOf(errno);
+            }
+            bytes = bytes.subspan(written > 0 ? static_cast<std::size_t>(written) : 0);
+        }
+        return nullptr;
+    }
+    const char* Close() noexcept override { return file_.Close() ? nullptr : ReasonOf(errno); }
+
+private:
+    Descriptor file_;
+};
+
+// Null with the reason when there is nothing to read.
+Files::Opened<FileContent> ReadWhole(int file, std::size_t size) {
+    std::vector<unsigned char> content(size);
+    std::size_t at = 0;
+    while (at < size) {
+        const ssize_t count = read(file, content.data() + at, size - at);
+        if (count < 0 && errno != EINTR) {
+            return {nullptr, ReasonOf(errno)};
+        }
+        if (count == 0) {
+            break;  // shorter than it was
+        }
+        at += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    content.resize(at);
+    return {std::make_unique<HeldContent>(std::move(content)), nullptr};
+}
+
+Files::Opened<FileContent> OpenContent(const std::string& name) {
+    // without waiting for somebody to write into a pipe
+    const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status = {};
+    if (file.get() == -1 || fstat(file.get(), &status) != 0) {
+        return {nullptr, ReasonOf(errno)};
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return {nullptr, S_ISDIR(status.st_mode) ? kIsFolder : "it is no ordinary file"};
+    }
+    const auto size = static_cast<std::size_t>(status.st_size);
+    void* const data =
+        size > 0 ? mmap(nullptr, size, PROT_READ, MAP_SHARED, file.get(), 0) : MAP_FAILED;
+    if (data == MAP_FAILED) {
+        return ReadWhole(file.get(), size);
+    }
+    std::unique_ptr<FileContent> content(new (std::nothrow) MappedContent(data, size));
+    if (content == nullptr) {
+        munmap(data, size);
+        return {nullptr, ReasonOf(ENOMEM)};
+    }
+    return {std::move(content), nullptr};
+}
+
+// An ordinary file of that name is removed first: whoever is reading it keeps it.
+Files::Opened<FileOutput> CreateOutput(const std::string& name) {
+    struct stat status = {};
+    if (lstat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+        unlink(name.c_str());
+    }
+    Descriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    if (file.get() == -1) {
+        return {nullptr, ReasonOf(errno)};
+    }
+    return {std::make_unique<SystemOutput>(std::move(file)), nullptr};
+}
+
+#else
+
+struct CloseFile {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
+
+class SystemOutput final : public FileOutput {
+public:
+    explicit SystemOutput(OpenFile file) noexcept : file_(std::move(file)) {}
+    const char* Append(Bytes bytes) noexcept override {
+        const bool written =
+            std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size() &&
+            std::fflush(file_.get()) == 0;
+        return written ? nullptr : ReasonOf(errno);
+    }
+    const char* Close() noexcept override {
+        std::FILE* const file = file_.release();
+        return file == nullptr || std::fclose(file) == 0 ? nullptr : ReasonOf(errno);
+    }
+
+private:
+    OpenFile file_;
+};
+
+Files::Opened<FileContent> OpenContent(const std::string& name) {
+    std::error_code error;
+    if (std::filesystem::is_directory(name, error)) {
+        return {nullptr, kIsFolder};
+    }
+    const OpenFile file(std::fopen(name.c_str(), "rb"));
+    if (file == nullptr) {
+        return {nullptr, ReasonOf(errno)};
+    }
+    std::vector<unsigned char> content;
+    unsigned char part[65'536];
+    while (const std::size_t count = std::fread(part, 1, sizeof part, file.get())) {
+        content.insert(content.end(), part, part + count);
+    }
+    if (std::ferror(file.get()) != 0) {
+        return {nullptr, ReasonOf(EIO)};
+    }
+    return {std::make_unique<HeldContent>(std::move(content)), nullptr};
+}
+
+Files::Opened<FileOutput> CreateOutput(const std::string& name) {
+    OpenFile file(std::fopen(name.c_str(), "wb"));
+    if (file == nullptr) {
+        return {nullptr, ReasonOf(errno)};
+    }
+    return {std::make_unique<SystemOutput>(std::move(file)), nullptr};
+}
+
+#endif
+
+class System final : public Files {
+public:
+    Opened<FileContent> Open(const std::string& name) override {
+        const FoundFile found = FindFile(name);
+        return found.failure != nullptr ? Opened<FileContent>{nullptr, found.failure}
+                                        : OpenContent(found.name);
+    }
+    Opened<FileOutput> Create(const std::string& name) override { return CreateOutput(name); }
+};
+
+using std::filesystem::path;
+
+bool Exists(const path& name) noexcept {
+    std::error_code error;
+    return std::filesystem::exists(name, error);
+}
+
+// The entry of a folder that is equal to a name without regard to case, unless there are several.
+FoundFile FindEntry(const path& folder, const std::string& name) {
+    FoundFile found{{}, kNoFile};
+    std::error_code error;
+    std::filesystem::directory_iterator entries(folder.empty() ? path(".") : folder, error);
+    for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
+        const std::string entry = entries->path().filename().string();
+        if (!EqualNoCase(entry, name)) {
+            continue;
+        }
+        if (found.failure == nullptr) {
+            return {{}, "several names differ from this one in case only"};
+        }
+        found = {(folder / entry).string(), nullptr};
+    }
+    return found;
+}
+
+}  // namespace
+
+FoundFile FindFile(std::string_view name) {
+    if (name.empty()) {
+        return {{}, "a name is missing"};
+    }
+    if (Exists(path(name))) {
+        return {std::string(name), nullptr};
+    }
+    path found;
+    for (const path& part : path(name)) {
+        if (part.empty() || Exists(found / part)) {
+            found /= part;
+            continue;
+        }
+        FoundFile entry = FindEntry(found, part.string());
+        if (entry.failure != nullptr) {
+            return entry;
+        }
+        found = entry.name;
+    }
+    return {found.string(), nullptr};
+}
+
+Files& SystemFiles() noexcept {
+    static System files;
+    return files;
+}
+
+}  // namespace corv::platform

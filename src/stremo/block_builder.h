@@ -1,0 +1,124 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "stremo/block_layout.h"
+#include "stremo/block_store.h"
+#include "stremo/signal_table.h"
+
+namespace corv::recording {
+
+// Collects changes in order of time, packs them into blocks and hands those to a sink. This is the
+// way into a recording for the writer of event files and for the readers of other formats alike:
+//
+//     SignalTable signals;
+//     ... signals.Add(...); signals.Finish();
+//     auto blocks = std::make_unique<MemoryBlocks>();
+//     BlockBuilder builder(signals, *blocks, EventOrder::kBySignal);
+//     builder.SetTime(5000);
+//     builder.Set(leaf, 3);                 // a scalar, or one element of a vector
+//     builder.Toggle(channel, 0b0110);      // two elements of a vector, '0' <-> '1'
+//     builder.Flush();
+//
+// An event is told even when its value is the one that the signal has; who wants to have repeated
+// values dropped drops them before. Memory: 16 bytes for each leaf and each change of the block in
+// the making.
+//
+// Changing operations throw std::bad_alloc; the builder takes nothing more then.
+enum class EventOrder {
+    kAsWritten,  // events at one time stay in the order in which they came
+    kBySignal,   // they are sorted by channel (those of one channel stay in order): smaller blocks
+};
+
+class BlockBuilder {
+public:
+    // The table must be finished; it and the sink must outlive the builder. A block ends after so
+    // many events; 0: as many as suit the number of channels.
+    BlockBuilder(const SignalTable& signals, BlockSink& sink, EventOrder order,
+                 std::uint64_t block_events = 0);
+    BlockBuilder(const BlockBuilder&) = delete;
+    BlockBuilder& operator=(const BlockBuilder&) = delete;
+
+    // The time of the events that follow, in picoseconds: at least 0 and the time before.
+    void SetTime(std::int64_t time) noexcept { time_ = time; }
+    std::int64_t time() const noexcept { return time_; }
+
+    // An event of one leaf, which then has the value. Events of elements of one vector that follow
+    // each other in the order of the elements are held as one change. False when a full block could
+    // not be put into the sink; nothing more is taken then. So for all.
+    bool Set(std::uint32_t leaf, std::uint64_t value);
+
+    // An event for each element of the mask, in the order of the elements: the lowest bit of its
+    // value flips. That is '0' to '1' and '1' to '0' for std_logic (positions 2 and 3), bit and
+    // boolean. The elements must have values. The mask must not be 0.
+    bool Toggle(std::uint32_t channel, std::uint32_t mask);
+
+    // An event for each element of the mask with a value for each, in the order of the elements.
+    bool SetElements(std::uint32_t channel, std::uint32_t mask, const std::uint64_t* values);
+
+    // Packs what was collected since the last block, if anything.
+    bool Flush();
+
+    // The time of the last event of a leaf that was packed into a block, -1 without one.
+    std::int64_t Latest(std::uint32_t leaf) const noexcept { return latest_[leaf]; }
+
+private:
+    // A change of a channel: new values of the elements in the mask. `values` is the place of the
+    // first one in values_, kFlipped when the elements' lowest bits flip.
+    struct Change {
+        std::uint32_t channel;
+        std::uint32_t moment;
+        std::uint32_t mask;
+        std::uint32_t values;
+    };
+    static constexpr std::uint32_t kFlipped = kNone;
+
+    bool Joins(std::uint32_t channel, std::uint32_t bit) const noexcept;
+    bool MakeRoom();
+    void AddChange(std::uint32_t channel, std::uint32_t mask, std::uint32_t values);
+
+    bool Pack();
+    void SortByChannel();
+    void PackChannels();
+    void PackGroup(std::uint32_t first, std::uint32_t end);
+    std::uint64_t UsedChannels(std::uint32_t first, std::uint32_t end) const noexcept;
+    void PackColumn(std::uint32_t number, const Channel& channel, ChannelState& state);
+    // Where the changes of a channel begin in sorted_.
+    std::uint32_t ColumnBegin(std::uint32_t channel) const noexcept {
+        return channel == 0 ? 0 : column_ends_[channel - 1];
+    }
+    void CountChanges();
+    void PackMoments();
+    bool InOrder() const noexcept;
+    void PackOrder();
+    void JoinParts();
+    void Forget() noexcept;
+
+    const SignalTable& signals_;
+    BlockSink& sink_;
+    const EventOrder order_;
+    const std::uint64_t most_events_;  // of a block
+    std::int64_t time_ = 0;
+    bool failed_ = false;
+
+    // the block in the making
+    std::vector<Change> changes_;
+    std::vector<std::uint64_t> values_;
+    std::vector<std::int64_t> moments_;  // the times at which something changes
+    std::uint64_t events_ = 0;
+
+    // at the start of that block
+    std::vector<std::uint64_t> leaf_values_;
+    std::vector<std::uint32_t> known_;  // by channel: the elements that have a value
+    std::vector<std::int64_t> latest_;  // by leaf
+
+    // kept from block to block for their memory
+    std::vector<std::uint32_t> column_ends_;  // by channel, in sorted_
+    std::vector<std::uint32_t> sorted_;       // the changes by channel
+    std::vector<std::uint32_t> column_starts_;
+    std::vector<std::uint32_t> counts_;  // by moment: the changes
+    BlockParts parts_;
+};
+
+}  // namespace corv::recording

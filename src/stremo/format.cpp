@@ -1,0 +1,38 @@
+#include "stremo/format.h"
+
+#include <algorithm>
+
+#include "stremo/event_file.h"
+#include "stremo/stream_error.h"
+
+namespace corv::recording {
+namespace {
+
+constexpr Format kFormats[] = {
+    {kEventFileName, IsEventFile, OpenEventFile},
+};
+
+}  // namespace
+
+std::span<const Format> Formats() noexcept {
+    return kFormats;
+}
+
+std::unique_ptr<Recording> OpenRecording(platform::Files& files, const std::string& file_name) {
+    auto opened = files.Open(file_name);
+    if (opened.file == nullptr) {
+        SetError(file_name, opened.failure);
+        return nullptr;
+    }
+    const platform::Bytes bytes = opened.file->bytes();
+    const platform::Bytes beginning = bytes.first(std::min(bytes.size(), kTellingBytes));
+    for (const Format& format : kFormats) {
+        if (format.recognises(beginning)) {
+            return format.open(file_name, std::move(opened.file));
+        }
+    }
+    SetError(file_name, bytes.empty() ? "it is empty" : "it is no recording of a known format");
+    return nullptr;
+}
+
+}  // namespace corv::recording

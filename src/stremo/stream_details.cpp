@@ -1,0 +1,28 @@
+#include "corv/stremo/stream_details.h"
+
+#include <algorithm>
+
+#include "platform/guard.h"
+#include "stremo/signal_cursor.h"
+
+namespace corv {
+
+void SelectStreamSignals(stremo::IEventsStreamRead& reader, const int* handles,
+                         int count) noexcept {
+    if (auto* const own = recording::OwnReader(&reader)) {
+        const auto selected = static_cast<std::size_t>(std::max(count, 0));
+        platform::Done([&] { own->SetInterest({handles, selected}); });
+    }
+}
+
+int CountStreamNotes(stremo::IEventsStreamRead& reader) noexcept {
+    auto* const own = recording::OwnReader(&reader);
+    return own != nullptr ? own->NoteCount() : 0;
+}
+
+const char* GetStreamNote(stremo::IEventsStreamRead& reader, int index) noexcept {
+    auto* const own = recording::OwnReader(&reader);
+    return own != nullptr ? own->Note(index) : nullptr;
+}
+
+}  // namespace corv
