@@ -5,6 +5,8 @@
 #include "signals/hierarchy_separator.h"
 #include "signals/type_cache.h"
 #include "signals/value_text.h"
+#include "stimulus/event_files.h"
+#include "stremo/stream_registry.h"
 
 namespace corv {
 namespace {
@@ -13,6 +15,8 @@ int attached = 0;
 
 // What the areas keep beyond the objects of the host.
 void ReleaseState() noexcept {
+    stimulus::DeleteEventFiles();
+    recording::ResetStreams();
     ResetCounters();
     signals::ResetHierarchySeparator();
     signals::ResetTypeCache();

@@ -1,21 +1,27 @@
 #include "corv/stimulus/formula_parser.h"
 
 #include <algorithm>
+#include <array>
+#include <memory>
 
 #include "corv/stimulus/stimulus.h"
 #include "platform/ascii.h"
 #include "platform/guard.h"
+#include "stimulus/custom_formula.h"
+#include "stimulus/recorded_signals.h"
 #include "stimulus/vector_value.h"
 #include "util/words.h"
 
 namespace {
 
+using corv::frame::ComPtr;
 using corv::util::Pairs;
 
 constexpr Pairs kPairs{"([{\"'", ")]}\"'"};
 constexpr std::string_view kBlanks = " \n\t";
 constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 constexpr std::string_view kRepeat = ",-r";
+constexpr std::size_t kLongestName = 260;  // of a member of a recorded signal, with its zero
 constexpr std::size_t kMaxBytes = std::size_t{1} << 30;  // of all formulas together
 
 // An element's formula as it is handed out: without the comma behind the last piece, the repeat
@@ -35,6 +41,38 @@ std::string_view FinishPieces(std::string& pieces, bool repeats, bool trim) {
     return entry;
 }
 
+// The members of the recorded signal that a custom formula names.
+bool SplitCustom(std::string_view formula, CStringArray& list) {
+    auto parts = corv::stimulus::ReadCustomToSplit(formula);
+    if (!parts) {
+        return false;
+    }
+    const std::unique_ptr<stremo::IEventsStreamRead> reader(
+        stremo::CreateStreamRead(parts->file.c_str()));
+    ComPtr<ISignalContainer> signals;
+    ISignal* const whole =
+        reader ? corv::stimulus::FindRecordedSignal(*reader, parts->signal.c_str(), signals)
+               : nullptr;
+    if (whole == nullptr) {
+        return false;
+    }
+    list.RemoveAll();
+    ComPtr<ISignalEnumerator> members;
+    if (FAILED(whole->EnumSubSignals(members.Out()))) {
+        return false;
+    }
+    ISignal* member = nullptr;
+    while (members->Next(1, &member, nullptr) == S_OK) {
+        std::array<char, kLongestName> name{};
+        if (FAILED(member->GetFullName(name.data(), name.size()))) {
+            return false;
+        }
+        parts->signal = name.data();
+        list.Add(corv::stimulus::WriteCustomFormula(*parts).c_str());
+    }
+    return true;
+}
+
 }  // namespace
 
 int CFormulaParser::Run(const char* formula, CStringArray& list, int width,
@@ -43,8 +81,8 @@ int CFormulaParser::Run(const char* formula, CStringArray& list, int width,
     if (corv::platform::FindNoCase(text, "\\counter") != std::string_view::npos) {
         return CCounterFormulaParser().Run(formula, list, width, split_mode);
     }
-    if (corv::platform::FindNoCase(text, "/custom") != std::string_view::npos) {
-        return 0;
+    if (corv::platform::FindNoCase(text, corv::stimulus::kCustomMark) != std::string_view::npos) {
+        return corv::platform::Guarded(false, [&] { return SplitCustom(text, list); }) ? 1 : 0;
     }
     return CSimpleFormulaParser().Run(formula, list, width, split_mode);
 }

@@ -2,6 +2,7 @@
 
 #include "corv/util/time_units.h"
 #include "platform/ascii.h"
+#include "stimulus/custom_formula.h"
 #include "util/time_text.h"
 #include "util/words.h"
 
@@ -118,7 +119,7 @@ std::string_view WrittenUnit(const TTimeUnit<std::int64_t>& time) noexcept {
 }
 
 FormulaKind FindFormulaKind(std::string_view formula) noexcept {
-    if (platform::FindNoCase(formula, "/custom") != std::string_view::npos) {
+    if (platform::FindNoCase(formula, kCustomMark) != std::string_view::npos) {
         return FormulaKind::Custom;
     }
     if (platform::FindNoCase(formula, "\\counter") != std::string_view::npos) {

@@ -4,7 +4,9 @@
 #include <string>
 
 #include "corv/stimulators/counter.h"
+#include "corv/stimulus/custom_stimulus.h"
 #include "platform/guard.h"
+#include "stimulus/custom_formula.h"
 #include "stimulus/element_index.h"
 #include "stimulus/formula_text.h"
 #include "stimulus/vesk_formula.h"
@@ -41,6 +43,7 @@ void CStimulus::Destroy() noexcept {
     start_time_ = Time(0, default_unit_);
     repeat_period_ = Time(0, default_unit_);
     pattern_offset_ = Time(0);
+    custom_.reset();
     counter_.reset();
 }
 
@@ -52,7 +55,7 @@ int CStimulus::Create(const char* formula, std::int64_t start) noexcept {
     const bool read = corv::platform::Guarded(false, [&] { return ReadFormula(formula, start); });
     start_time_.value = start;
     SetOffset();
-    return read && (counter_ || !elements_.empty()) ? 1 : 0;
+    return read && (custom_ || counter_ || !elements_.empty()) ? 1 : 0;
 }
 
 bool CStimulus::ReadFormula(std::string_view formula, std::int64_t start) {
@@ -68,9 +71,22 @@ bool CStimulus::ReadFormula(std::string_view formula, std::int64_t start) {
         case FormulaKind::Counter:
             return CreateCounter(formula, start);
         case FormulaKind::Custom:
-            break;
+            return CreateCustom(formula, start);
     }
     return false;
+}
+
+bool CStimulus::CreateCustom(std::string_view formula, std::int64_t start) {
+    const auto parts = corv::stimulus::ReadCustomFormula(formula);
+    if (!parts) {
+        return false;
+    }
+    auto custom = std::make_unique<CCustomStimulus>(start);
+    if (custom->Create(parts->file.c_str(), parts->signal.c_str()) == 0) {
+        return false;
+    }
+    custom_ = std::move(custom);
+    return true;
 }
 
 bool CStimulus::CreateCounter(std::string_view formula, std::int64_t start) {
@@ -200,6 +216,9 @@ const CSimpleStimulus* CStimulus::GetNearestPrev(std::int64_t time, int absolute
 }
 
 int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
+    if (custom_) {
+        return custom_->GetValue(time, value);
+    }
     if (counter_) {
         return counter_->GetValue(time, value);
     }
@@ -262,6 +281,9 @@ std::optional<std::int64_t> CStimulus::NextRelativeEvent(
 }
 
 std::int64_t CStimulus::GetNextEventTime(std::int64_t time) const noexcept {
+    if (custom_) {
+        return custom_->GetNextEventTime(time);
+    }
     if (counter_) {
         return counter_->GetNextEventTime(time);
     }
@@ -286,7 +308,7 @@ void CStimulus::GenerateFormula(CString& out) noexcept {
 
 std::string CStimulus::WriteFormula() {
     std::string out;
-    if (counter_) {
+    if (custom_ || counter_) {
         return out;
     }
     for (const auto& element : elements_) {
@@ -311,5 +333,5 @@ std::string CStimulus::WriteFormula() {
 }
 
 const char* CStimulus::GetSignalTypeInfo() const noexcept {
-    return nullptr;
+    return custom_ ? custom_->GetSignalTypeInfo() : nullptr;
 }

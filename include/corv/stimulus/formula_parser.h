@@ -20,7 +20,9 @@ inline constexpr int kMaxVectorWidth = 1'048'576;
 // Cuts a formula of any kind.
 class CORV_API CFormulaParser {
 public:
-    // As CCounterFormulaParser for counters, else as CSimpleFormulaParser. Custom formulas give 0.
+    // As CCounterFormulaParser for counters; "/custom run.evt, bus" gives "/custom run.evt,bus(1)"
+    // and so on for the members of the recorded signal, whatever the width, and 0 when it can't be
+    // found or has no members; any other formula as CSimpleFormulaParser.
     int Run(const char* formula, CStringArray& list, int width, int split_mode) noexcept;
 };
 

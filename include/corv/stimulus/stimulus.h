@@ -32,7 +32,9 @@ struct FormulaItem;
 // ("10", "1.5ns", "10 ns"); one behind "@" is a simulation time, any other counts from the start.
 // "-r" and a time repeat the pattern with that period. A formula with "/vesk" holds the compact
 // notation of vesk.h behind that word; one with "\\counter" is a counter or a wire of a registered
-// one, as counter.h tells. corv::CheckFormula tells what is wrong with a formula.
+// one, as counter.h tells; "/custom run.evt, top.clk" replays a signal of a recording
+// (custom_stimulus.h; the text is turned to lower case first). corv::CheckFormula tells what is
+// wrong with a formula.
 //
 // An ordinary stimulus owns its elements. One thread at a time may use it: questions asked of a
 // const stimulus may build its index of elements, or move its counter on.
@@ -50,8 +52,8 @@ public:
     // Reads a formula; what the stimulus held before is dropped. `start`, in the default unit, is
     // when the stimulus begins. Gives 1, or 0 for a null or empty formula, an empty or unreadable
     // element, a negative time, a formula without elements, a notation text that can't be read, a
-    // counter that can't be registered or is not there, a custom formula, and when memory runs out.
-    // After 0 the elements read so far stay.
+    // counter that can't be registered or is not there, a recording or recorded signal that is not
+    // there, and when memory runs out. After 0 the elements read so far stay.
     int Create(const char* formula, std::int64_t start) noexcept;
 
     // Back to an empty stimulus.
@@ -75,7 +77,7 @@ public:
 
     // Whether the stimulus replays a recorded signal; that part, owned by the stimulus, or null.
     bool IsCustom() const noexcept { return custom_ != nullptr; }
-    CCustomStimulus* GetCustom() const noexcept { return custom_; }
+    CCustomStimulus* GetCustom() const noexcept { return custom_.get(); }
     // The type-description string of the replayed signal, null for any other stimulus.
     const char* GetSignalTypeInfo() const noexcept;
 
@@ -85,6 +87,7 @@ private:
     std::optional<std::int64_t> GetStartTime() const noexcept;
     bool ReadFormula(std::string_view formula, std::int64_t start);
     bool ReadElements(std::string_view formula);
+    bool CreateCustom(std::string_view formula, std::int64_t start);
     bool CreateCounter(std::string_view formula, std::int64_t start);
     void SetParameter(const corv::stimulus::FormulaItem& item) noexcept;
     bool SetValue(const corv::stimulus::FormulaItem& item);
@@ -103,7 +106,7 @@ private:
     TTimeUnit<std::int64_t> start_time_;
     TTimeUnit<std::int64_t> repeat_period_;
     TTimeUnit<std::int64_t> pattern_offset_;
-    CCustomStimulus* custom_ = nullptr;
+    std::unique_ptr<CCustomStimulus> custom_;
     std::unique_ptr<CCounterRef> counter_;
     std::uint32_t repeat_target_unit_;
     std::uint32_t default_unit_;

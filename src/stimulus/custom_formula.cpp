@@ -1,0 +1,67 @@
+#include "stimulus/custom_formula.h"
+
+#include <algorithm>
+
+#include "platform/ascii.h"
+#include "util/words.h"
+
+namespace corv::stimulus {
+namespace {
+
+constexpr std::string_view kBlanks = " \n\t";
+constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
+
+// The text behind the mark, cut at its first comma; nothing without a mark or comma.
+struct Halves {
+    std::string_view file;
+    std::string_view rest;
+};
+std::optional<Halves> Cut(std::string_view formula) noexcept {
+    const std::size_t mark = platform::FindNoCase(formula, kCustomMark);
+    if (mark == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view text = formula.substr(mark + kCustomMark.size());
+    const std::size_t comma = text.find(',');
+    if (comma == std::string_view::npos) {
+        return std::nullopt;
+    }
+    return Halves{text.substr(0, comma), text.substr(comma + 1)};
+}
+
+std::optional<CustomFormula> InLowerCase(std::string_view file, std::string_view signal) {
+    if (file.empty() || signal.empty()) {
+        return std::nullopt;
+    }
+    CustomFormula formula{std::string(file), std::string(signal)};
+    for (std::string* text : {&formula.file, &formula.signal}) {
+        std::transform(text->begin(), text->end(), text->begin(), platform::Lower);
+    }
+    return formula;
+}
+
+}  // namespace
+
+std::optional<CustomFormula> ReadCustomFormula(std::string_view formula) {
+    const auto halves = Cut(formula);
+    if (!halves) {
+        return std::nullopt;
+    }
+    return InLowerCase(util::TrimEnds(halves->file, kWhiteSpace),
+                       util::TrimEnds(halves->rest, kWhiteSpace));
+}
+
+std::optional<CustomFormula> ReadCustomToSplit(std::string_view formula) {
+    const auto halves = Cut(formula);
+    if (!halves) {
+        return std::nullopt;
+    }
+    const std::string_view signal = halves->rest.substr(0, halves->rest.find(','));
+    return InLowerCase(util::SkipFront(halves->file, kBlanks), util::SkipFront(signal, kBlanks));
+}
+
+std::string WriteCustomFormula(const CustomFormula& formula) {
+    return std::string(kCustomMark) + " " + formula.file + "," + formula.signal;
+}
+
+}  // namespace corv::stimulus

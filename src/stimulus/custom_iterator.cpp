@@ -1,0 +1,25 @@
+#include "corv/stimulus/custom_iterator.h"
+
+#include "corv/stimulus/custom_stimulus.h"
+
+using Time = TTimeUnit<std::int64_t>;
+
+CCustomIterator::CCustomIterator(CCustomStimulus* stimulus) noexcept : stimulus_(stimulus) {
+    Reset();
+}
+
+void CCustomIterator::Reset() noexcept {
+    current_ = Time(-1);
+}
+
+const CSimpleStimulus* CCustomIterator::Next() noexcept {
+    current_ = Time(stimulus_ != nullptr ? stimulus_->GetNextEventTime(current_.GetTime()) : -1);
+    if (current_.value == -1) {
+        return nullptr;
+    }
+    value_.Empty();
+    stimulus_->GetValue(current_.value, value_);
+    time_ = current_;
+    absolute_ = 1;
+    return this;
+}
