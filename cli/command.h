@@ -22,6 +22,9 @@ using Action = std::function<int()>;
 // arguments sets `chosen`, which outlives the description.
 void AddDraw(CLI::App& program, Action& chosen);
 void AddEvents(CLI::App& program, Action& chosen);
+void AddRun(CLI::App& program, Action& chosen);
+void AddInfo(CLI::App& program, Action& chosen);
+void AddValueAt(CLI::App& program, Action& chosen);
 void AddFormula(CLI::App& program, Action& chosen);
 void AddClock(CLI::App& program, Action& chosen);
 void AddCounter(CLI::App& program, Action& chosen);

@@ -6,8 +6,8 @@
 #include "cli/formulas.h"
 #include "cli/options.h"
 #include "cli/output.h"
+#include "cli/recordings.h"
 #include "host/axis.h"
-#include "host/driver.h"
 #include "host/svg.h"
 #include "host/terminal.h"
 
@@ -22,49 +22,35 @@ struct DrawOptions : FormulaOptions {
     bool ascii = false;
 };
 
-std::vector<std::string> Names(const std::vector<NamedSource>& sources) {
-    std::vector<std::string> names;
-    names.reserve(sources.size());
-    for (const NamedSource& named : sources) {
-        names.push_back(named.name);
-    }
-    return names;
-}
-
-host::Picture MakePicture(const DrawOptions& options, const std::vector<NamedSource>& sources,
+host::Picture MakePicture(const DrawOptions& options, const Shown& shown,
                           const host::TimeGrid& grid, std::int64_t columns_per_character) {
     host::Picture picture{
         options.title, grid, host::MakeTicks(grid, columns_per_character, options.time_unit), {}};
-    const host::BusFormat format = BusFormatOf(options, BusStyle::Digits);
-    for (const NamedSource& named : sources) {
-        const host::Trace recorded = host::RecordForGrid(*named.source, grid);
-        const host::Trace trace = ShowDriven(named, recorded, grid.Window(), format);
+    for (const host::Trace& trace : shown.ForGrid(grid)) {
         picture.lanes.push_back(host::LayOut(trace, grid));
     }
     return picture;
 }
 
-void DrawText(const DrawOptions& options, const std::vector<NamedSource>& sources,
-              host::TimeWindow window) {
+void DrawText(const DrawOptions& options, const Shown& shown, host::TimeWindow window) {
     const bool to_screen = options.output.empty() || options.output == "-";
     const int file_descriptor = to_screen ? STDOUT_FILENO : -1;
     const int width = options.width ? *options.width : host::DrawingWidth(file_descriptor);
     host::TerminalStyle style;
     style.ascii = options.ascii;
     style.colour = WithColour(options.colour, file_descriptor);
-    style.name_width = host::TerminalNameWidth(Names(sources), static_cast<std::size_t>(width));
+    style.name_width = host::TerminalNameWidth(shown.Names(), static_cast<std::size_t>(width));
     const auto names = static_cast<int>(style.name_width + host::kTerminalGap);
     const host::TimeGrid grid(window, std::max(width - names, kLeastPlot));
-    WriteOutput(options.output, DrawTerminal(MakePicture(options, sources, grid, 1), style));
+    WriteOutput(options.output, DrawTerminal(MakePicture(options, shown, grid, 1), style));
 }
 
-void DrawPicture(const DrawOptions& options, const std::vector<NamedSource>& sources,
-                 host::TimeWindow window) {
+void DrawPicture(const DrawOptions& options, const Shown& shown, host::TimeWindow window) {
     host::SvgStyle style;
     style.width = options.svg_width.value_or(static_cast<int>(style.width));
-    style.name_columns = host::SvgNameColumns(Names(sources), style.width);
+    style.name_columns = host::SvgNameColumns(shown.Names(), style.width);
     const host::TimeGrid grid(window, host::SvgPlotWidth(style));
-    const host::Picture picture = MakePicture(options, sources, grid, host::kSvgLabelWidth);
+    const host::Picture picture = MakePicture(options, shown, grid, host::kSvgLabelWidth);
     WriteOutput(options.svg, DrawSvg(picture, style));
 }
 
@@ -72,13 +58,13 @@ int RunDraw(const DrawOptions& options) {
     if (options.svg == "-" && options.output == "-") {
         throw Failure("only one of --svg and --output can go to standard output");
     }
-    const std::vector<NamedSource> sources = LoadSources(options);
-    const host::TimeWindow window = ChooseWindow(options, sources);
+    const Shown shown(options);
+    const host::TimeWindow window = shown.Window();
     if (options.svg.empty() || !options.output.empty()) {
-        DrawText(options, sources, window);
+        DrawText(options, shown, window);
     }
     if (!options.svg.empty()) {
-        DrawPicture(options, sources, window);
+        DrawPicture(options, shown, window);
     }
     return kFine;
 }
@@ -88,11 +74,13 @@ int RunDraw(const DrawOptions& options) {
 void AddDraw(CLI::App& program, Action& chosen) {
     CLI::App* command = program.add_subcommand(
         "draw",
-        "draw the waveforms of formulas\n"
-        "Draws a line for each formula, under a time ruler, to standard output or as SVG. 0 and 1 "
+        "draw the waveforms of formulas and recordings\n"
+        "Draws a line for each signal of a recording and each formula, under a time ruler, to "
+        "standard output or as SVG. 0 and 1 "
         "are lines, X, U, W and - boxes with their letter, other values boxes with their text. "
         "Where more happens than can be shown a mark says so.");
     auto options = std::make_shared<DrawOptions>();
+    AddRecordingOptions(*command, *options);
     AddFormulaOptions(*command, *options);
     AddText(*command, "--svg", "FILE", options->svg,
             "Write an SVG picture to FILE instead of the drawing in text");
@@ -108,7 +96,8 @@ void AddDraw(CLI::App& program, Action& chosen) {
         "corv draw -f clk='0 0, 1 5ns -r 10ns' -f rst='1 0, 0 @23ns'\n"
         "corv draw -f cnt:4=\"$(corv counter --kind gray --period 10ns)\" --expand\n"
         "corv draw -f bus='/vesk [1F]25ns[2A]40ns z10ns' --svg bus.svg --title Transfer\n"
-        "corv clock --freq 100MHz --formula | corv draw -f clk=- -e 50ns");
+        "corv clock --freq 100MHz --formula | corv draw -f clk=- -e 50ns\n"
+        "corv draw run.evt -n 'tb.u1.*' -s 1us -e 2us");
     command->callback([&chosen, options] { chosen = [options] { return RunDraw(*options); }; });
 }
 

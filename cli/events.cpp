@@ -6,7 +6,7 @@
 #include "cli/json.h"
 #include "cli/options.h"
 #include "cli/output.h"
-#include "host/driver.h"
+#include "cli/recordings.h"
 #include "host/fit_text.h"
 #include "host/time_text.h"
 
@@ -38,14 +38,12 @@ struct Listing {
 
 Listing MakeListing(const EventsOptions& options) {
     const auto max = static_cast<std::size_t>(options.max.value_or(kDefaultMax));
-    const std::vector<NamedSource> sources = LoadSources(options);
+    const Shown shown(options);
     Listing listing;
-    listing.window = ChooseWindow(options, sources);
-    const host::BusFormat format = BusFormatOf(options, BusStyle::Literal);
-    for (const NamedSource& named : sources) {
-        const host::Trace recorded = host::RecordEvents(*named.source, listing.window, max);
-        listing.traces.push_back(ShowDriven(named, recorded, listing.window, format));
-        listing.traces.back().name = host::CleanText(named.name);
+    listing.window = shown.Window();
+    listing.traces = shown.Events(listing.window, max);
+    for (host::Trace& trace : listing.traces) {
+        trace.name = host::CleanText(trace.name);
     }
     for (std::size_t i = 0; i < listing.traces.size(); ++i) {
         listing.truncated |= listing.traces[i].truncated;
@@ -155,12 +153,14 @@ int RunEvents(const EventsOptions& options) {
 }  // namespace
 
 void AddEvents(CLI::App& program, Action& chosen) {
-    CLI::App* command = program.add_subcommand(
-        "events",
-        "list the events of formulas\n"
-        "Lists the times at which a formula sets a value, the same as before included, and the "
-        "values, from the start of the window through its end.");
+    CLI::App* command =
+        program.add_subcommand("events",
+                               "list the events of formulas and recordings\n"
+                               "Lists the times at which a signal or formula sets a value, the "
+                               "same as before included, and the "
+                               "values, from the start of the window through its end.");
     auto options = std::make_shared<EventsOptions>();
+    AddRecordingOptions(*command, *options);
     AddFormulaOptions(*command, *options);
     AddText(*command, "-o,--output", "FILE", options->output, "Write to FILE");
     AddNumber(*command, "--max", 1, 10000000, options->max,
@@ -170,7 +170,8 @@ void AddEvents(CLI::App& program, Action& chosen) {
                       "Write comma-separated values, a line per event, times in picoseconds");
     command->footer(
         "corv events -f clk='0 0, 1 5ns -r 10ns' -e 50ns\n"
-        "corv events -f a='0 0, 1 10ns' -f b='Z 0, 1 10ns, 0 @15ns' --csv -o events.csv");
+        "corv events -f a='0 0, 1 10ns' -f b='Z 0, 1 10ns, 0 @15ns' --csv -o events.csv\n"
+        "corv events run.evt -n tb.clk -e 1us");
     command->callback([&chosen, options] { chosen = [options] { return RunEvents(*options); }; });
 }
 

@@ -10,9 +10,12 @@
 #include "cli/options.h"
 #include "cli/output.h"
 #include "corv/stimulus/time_unit.h"
+#include "corv/typeinfo/type_info.h"
+#include "corv/typeinfo/vhdl_type.h"
 #include "corv/util/time_units.h"
 #include "host/diagnostic.h"
 #include "host/named_formula.h"
+#include "host/replay.h"
 #include "host/time_text.h"
 #include "host/vector_source.h"
 
@@ -42,7 +45,7 @@ unsigned UnitOf(const FormulaOptions& options) {
 
 // Appends the signal of a formula; false when the formula has errors.
 bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
-                std::vector<NamedSource>& sources) {
+                const FormulaType& type, std::vector<NamedSource>& sources) {
     const unsigned unit = UnitOf(options);
     const auto problems = CheckFormula(named.formula.c_str(), unit);
     if (ReportProblems(named.name, named.formula, problems, options.colour)) {
@@ -60,16 +63,15 @@ bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
     if (!source) {
         throw Failure("the formula of " + named.name + " cannot be read");
     }
-    sources.push_back({named.name, std::move(source), {}});
+    sources.push_back({named.name, std::move(source), type.shape, type.type});
     return true;
 }
 
 // The same for a vector, with its elements where they are asked for.
 bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
-
-                std::vector<NamedSource>& sources) {
-    const host::VectorFormula vector{named.formula, VectorWidth(named.name, named.width),
-                                     options.words, UnitOf(options), options.at.value_or(0)};
+                const FormulaType& type, std::vector<NamedSource>& sources) {
+    const host::VectorFormula vector{named.formula,   type.shape.width,       type.shape.words,
+                                     UnitOf(options), options.at.value_or(0), !type.type.empty()};
     const auto problems =
         CheckVectorFormula(named.formula.c_str(), vector.width, vector.words ? 0 : 1, vector.unit);
     if (ReportProblems(named.name, named.formula, problems, options.colour)) {
@@ -79,15 +81,30 @@ bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
     if (!bus) {
         throw Failure("the formula of " + named.name + " cannot be cut into elements");
     }
-    sources.push_back({named.name, std::move(bus), {vector.width, vector.words}});
+    sources.push_back({named.name, std::move(bus), type.shape, type.type});
     if (options.expand) {
         int index = vector.width;
         for (auto& element : host::MakeElements(vector)) {
             sources.push_back(
-                {named.name + "(" + std::to_string(--index) + ")", std::move(element), {}});
+                {named.name + "(" + std::to_string(--index) + ")", std::move(element), {}, ""});
         }
     }
     return true;
+}
+
+NamedSource LoadReplay(const FormulaOptions& options, const std::string& replay) {
+    const std::size_t colon = replay.rfind(':');
+    if (colon == std::string::npos || colon == 0 || colon + 1 == replay.size()) {
+        throw Failure("--replay: `" + replay +
+                      "` names no recording and signal; write FILE:SIGNAL");
+    }
+    try {
+        host::Replay made = host::MakeReplay(replay.substr(0, colon), replay.substr(colon + 1),
+                                             options.shift.value_or(0));
+        return {std::move(made.name), std::move(made.source), made.shape, std::move(made.type)};
+    } catch (const std::runtime_error& error) {
+        throw Failure("--replay: " + std::string(error.what()));
+    }
 }
 
 }  // namespace
@@ -96,11 +113,18 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
     command
         .add_option(
             "-f,--formula", options.formulas,
-            "A formula, named f1, f2 and so on unless NAME= stands before it, of a vector of "
-            "WIDTH elements behind NAME:WIDTH=; may be given many times")
-        ->type_name("[NAME[:WIDTH]=]FORMULA")
-        ->required()
+            "A formula, named f1, f2 and so on unless NAME= stands before it; of a vector of WIDTH "
+            "elements behind NAME:WIDTH=, of a VHDL type behind NAME:TYPE=, such as "
+            "v:std_logic_vector(7 downto 0)=; may be given many times")
+        ->type_name("[NAME[:TYPE]=]FORMULA")
         ->allow_extra_args(false);
+    command
+        .add_option("--replay", options.replays,
+                    "A recorded signal as a stimulus; may be given many times")
+        ->type_name("FILE:SIGNAL")
+        ->allow_extra_args(false);
+    AddTime(command, "--shift", options.shift,
+            "How much later than in their recordings replayed signals change; 0 unless given");
     AddTime(command, "-s,--start", options.start, "Where the window starts; 0 unless given");
     AddTime(command, "-e,--end", options.end,
             "Where the window ends. Unless given: two periods behind the start for a formula that "
@@ -112,23 +136,64 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
                 "The unit of times written without one in a formula; ps unless given");
     AddTimeUnit(command, "--time-unit", options.time_unit,
                 "The unit to write times in; unless given, the largest without a fraction");
-    AddChoice(command, "-r,--radix", "bin|oct|dec|hex",
-              "How values of vectors are written; hex unless given, bin up to 4 elements",
-              [&options](const std::string& word) { options.radix = RadixOf(word); });
+    AddRadix(command, options);
     command.add_flag("--words", options.words,
                      "Cut values of vectors into words, (red,green), instead of characters");
     command.add_flag("--expand", options.expand, "Show the elements of each vector below it");
     AddColour(command, options.colour);
 }
 
-int VectorWidth(const std::string& name, const std::string& text) {
+void AddRadix(CLI::App& command, FormulaOptions& options) {
+    AddChoice(command, "-r,--radix", "bin|oct|dec|hex",
+              "How values of vectors are written; hex unless given, bin up to 4 elements",
+              [&options](const std::string& word) { options.radix = RadixOf(word); });
+}
+
+void AddRecordingOptions(CLI::App& command, FormulaOptions& options) {
+    command.add_option("FILE", options.file, "A recording to show instead of formulas or besides");
+    command
+        .add_option("-n,--name", options.names,
+                    "The signals of the recording to show, all unless given: names, elements "
+                    "a(3), slices a(7 downto 4), * within a level and ** across; may be given many "
+                    "times")
+        ->type_name("GLOB")
+        ->allow_extra_args(false);
+}
+
+FormulaType ReadFormulaType(const std::string& name, const std::string& text) {
     constexpr int kMaxWidth = 65536;
-    int width = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), width);
-    if (read.ec != std::errc() || width < 1 || width > kMaxWidth) {
-        throw Failure("the width of " + name + " has to be from 1 to " + std::to_string(kMaxWidth));
+    if (text.empty()) {
+        return {};
     }
-    return width;
+    int width = 0;
+    const auto end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, width);
+    if (read.ptr == end) {
+        if (read.ec != std::errc() || width < 1 || width > kMaxWidth) {
+            throw Failure("the width of " + name + " has to be from 1 to " +
+                          std::to_string(kMaxWidth));
+        }
+        return {{width, false}, ""};
+    }
+    CString description;
+    TypeProblem problem;
+    if (!TypeFromVhdl(text.c_str(), description, &problem)) {
+        throw Failure("the type of " + name + ", column " + std::to_string(problem.position + 1) +
+                      ": " + problem.sentence);
+    }
+    const KTypeInfo type(description);
+    const auto elements = type.GetNbOfElements();
+    if (!type.IsSimple() || (!type.IsScalar() && elements > kMaxWidth)) {
+        throw Failure("the type of " + name +
+                      ": a formula drives a scalar or an array of up to 65536 scalars");
+    }
+    FormulaType result{{}, std::string(description.View())};
+    if (!type.IsScalar()) {
+        const KTypeInfo& element = type.GetArrayElementKTypeInfo();
+        result.shape = {static_cast<int>(elements), element.GetKind() != KTypeInfo::KindEnum ||
+                                                        element.GetValue(0).GetLength() != 1};
+    }
+    return result;
 }
 
 std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
@@ -138,11 +203,13 @@ std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
     for (const std::string& argument : options.formulas) {
         auto named = host::SplitNamedFormula(argument, ++number);
         named.formula = FormulaText(named.formula);
-        if (named.width.empty()) {
-            failed |= !LoadScalar(options, named, sources);
-        } else {
-            failed |= !LoadVector(options, named, sources);
-        }
+        FormulaType type = ReadFormulaType(named.name, named.type);
+        type.shape.words |= options.words && type.shape.width > 0;
+        failed |= !(type.shape.width == 0 ? LoadScalar(options, named, type, sources)
+                                          : LoadVector(options, named, type, sources));
+    }
+    for (const std::string& replay : options.replays) {
+        sources.push_back(LoadReplay(options, replay));
     }
     if (failed) {
         throw Failure("");
@@ -153,7 +220,7 @@ std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
 host::Trace ShowDriven(const NamedSource& named, const host::Trace& recorded,
                        host::TimeWindow window, const host::BusFormat& format) {
     try {
-        const host::DrivenSignal driven(recorded, window.start, named.shape);
+        const host::DrivenSignal driven(recorded, window.start, named.shape, named.type);
         host::Trace trace = driven.Read(window, format);
         trace.crowded = recorded.crowded;
         trace.truncated = recorded.truncated;
@@ -173,16 +240,16 @@ host::BusFormat BusFormatOf(const FormulaOptions& options, BusStyle style) {
     };
 }
 
-host::TimeWindow ChooseWindow(const FormulaOptions& options,
-                              const std::vector<NamedSource>& sources) {
-    host::TimeWindow window{options.start.value_or(0), 0};
-    if (options.end) {
-        window.end = *options.end;
-    } else {
-        for (const NamedSource& named : sources) {
-            window.end = std::max(window.end, named.source->NaturalEnd(window.start));
-        }
+std::int64_t NaturalEnd(const FormulaOptions& options, const std::vector<NamedSource>& sources) {
+    std::int64_t end = 0;
+    for (const NamedSource& named : sources) {
+        end = std::max(end, named.source->NaturalEnd(options.start.value_or(0)));
     }
+    return end;
+}
+
+host::TimeWindow ChooseWindow(const FormulaOptions& options, std::int64_t natural_end) {
+    const host::TimeWindow window{options.start.value_or(0), options.end.value_or(natural_end)};
     if (window.end <= window.start) {
         throw Failure("the end " + host::TimeText(window.end) + " does not lie behind the start " +
                       host::TimeText(window.start));

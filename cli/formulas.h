@@ -18,8 +18,9 @@ namespace corv::cli {
 
 // The options of the commands that show stimuli over a stretch of time.
 struct FormulaOptions {
-    std::vector<std::string> formulas;
-    std::optional<std::int64_t> start, end, at;
+    std::vector<std::string> formulas, replays, names;
+    std::string file;  // a recording
+    std::optional<std::int64_t> start, end, at, shift;
     std::optional<unsigned> default_unit, time_unit;
     std::optional<host::Radix> radix;
     bool words = false;
@@ -27,18 +28,22 @@ struct FormulaOptions {
     host::ColourMode colour = host::ColourMode::Auto;
 };
 void AddFormulaOptions(CLI::App& command, FormulaOptions& options);
+// Those of the commands that show a recording besides.
+void AddRecordingOptions(CLI::App& command, FormulaOptions& options);
+void AddRadix(CLI::App& command, FormulaOptions& options);
 
 struct NamedSource {
     std::string name;
     std::unique_ptr<host::Source> source;
     host::Shape shape;
+    std::string type;  // empty: the values tell it
 };
 
 // How the value of a vector is written: in a drawing, and as VHDL writes it.
 enum class BusStyle { Digits, Literal };
 
-// Reads the formulas. Their problems go to standard error; throws Failure when one has errors.
-// Expanded vectors are followed by their elements.
+// Reads the formulas and the replayed signals. Their problems go to standard error; throws Failure
+// when one has errors. Expanded vectors are followed by their elements.
 std::vector<NamedSource> LoadSources(const FormulaOptions& options);
 
 host::BusFormat BusFormatOf(const FormulaOptions& options, BusStyle style);
@@ -48,12 +53,19 @@ host::BusFormat BusFormatOf(const FormulaOptions& options, BusStyle style);
 host::Trace ShowDriven(const NamedSource& named, const host::Trace& recorded,
                        host::TimeWindow window, const host::BusFormat& format);
 
-// The number of elements of a vector from its text; throws Failure.
-int VectorWidth(const std::string& name, const std::string& text);
+// What stands behind a formula's name: the number of elements of a vector, or a VHDL type of a
+// scalar or an array of scalars. Throws Failure.
+struct FormulaType {
+    host::Shape shape;
+    std::string type;  // a type-description string, empty when only the width was told
+};
+FormulaType ReadFormulaType(const std::string& name, const std::string& text);
 
-// The window that the user asked for, or a sensible one; throws Failure when it is empty.
-host::TimeWindow ChooseWindow(const FormulaOptions& options,
-                              const std::vector<NamedSource>& sources);
+// The window that the user asked for, or else one from the start to `natural_end`; throws Failure
+// when it is empty.
+host::TimeWindow ChooseWindow(const FormulaOptions& options, std::int64_t natural_end);
+// The latest sensible end of the sources.
+std::int64_t NaturalEnd(const FormulaOptions& options, const std::vector<NamedSource>& sources);
 
 // A formula's text: the argument, or standard input for "-", without line ends behind it. Standard
 // input can be read once. Throws Failure, also for a zero byte: it would end the text early.

@@ -10,7 +10,8 @@ namespace corv::cli {
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&, Action&) = {
-    AddDraw, AddEvents, AddFormula, AddClock, AddCounter, AddMan, AddCompletion,
+    AddDraw,    AddEvents, AddRun,     AddInfo, AddValueAt,
+    AddFormula, AddClock,  AddCounter, AddMan,  AddCompletion,
 };
 
 // The first argument that no command took.

@@ -36,27 +36,15 @@ std::vector<std::string> Elements(const std::string& value, Shape shape) {
     return elements;
 }
 
-// The scalar signals below one, in order.
-void AddLeaves(ISignal& signal, std::vector<ISignal*>& leaves) {
-    ISignalContainer* const members = signal.GetSubSignals();
-    if (members == nullptr) {
-        leaves.push_back(&signal);
-        return;
-    }
-    for (int i = 0; i < members->GetCount(); ++i) {
-        ISignal* member = nullptr;
-        if (SUCCEEDED(members->GetAt(static_cast<std::uint32_t>(i), &member))) {
-            AddLeaves(*member, leaves);
-        }
-    }
-}
-
 // Puts values into the waves of a signal's leaves.
 class LeafWriter {
 public:
     LeafWriter(ISignal& signal, const std::vector<std::string>& texts) {
-        AddLeaves(signal, leaves_);
+        leaves_ = LeavesOf(signal);
         last_.resize(leaves_.size());
+        for (ISignal* const leaf : leaves_) {
+            values_.push_back(&bytes_[leaf->GetTypeInfo()]);
+        }
         for (std::size_t i = 0; i < texts.size(); ++i) {
             numbers_[texts[i]] = i;
         }
@@ -67,7 +55,7 @@ public:
         const std::size_t count = std::min(leaves_.size(), elements.size());
         bool any = false;
         for (std::size_t i = 0; i < count; ++i) {
-            const Bytes bytes = BytesOf(*leaves_[i], elements[i], time);
+            const Bytes bytes = BytesOf(i, elements[i], time);
             if (!begun_ || bytes != last_[i]) {
                 last_[i] = bytes;
                 Add(i, time);
@@ -86,26 +74,30 @@ private:
                                            static_cast<std::uint32_t>(last_[leaf].size()));
     }
 
-    Bytes BytesOf(ISignal& leaf, const std::string& text, std::int64_t time) {
-        const auto known = bytes_.find(text);
-        if (known != bytes_.end()) {
+    // What has no value yet has the first one of its type.
+    Bytes BytesOf(std::size_t leaf, const std::string& text, std::int64_t time) {
+        const auto known = values_[leaf]->find(text);
+        if (known != values_[leaf]->end()) {
             return known->second;
         }
         const auto number = numbers_.find(text);
         const std::string literal =
             number == numbers_.end() ? text : NumberedLiteral(number->second);
         Bytes bytes{};
-        if (FAILED(leaf.TextToValue(literal.c_str(), bytes.data(), bytes.size()))) {
+        if (text != std::string(1, kNotDriven) &&
+            FAILED(leaves_[leaf]->TextToValue(literal.c_str(), bytes.data(),
+                                              static_cast<std::uint32_t>(bytes.size())))) {
             throw std::runtime_error("`" + text + "`, at " + TimeText(time) +
                                      ", is not a value of the type");
         }
-        return bytes_[text] = bytes;
+        return (*values_[leaf])[text] = bytes;
     }
 
     std::vector<ISignal*> leaves_;
     std::vector<Bytes> last_;
     std::map<std::string, std::size_t> numbers_;
-    std::map<std::string, Bytes> bytes_;
+    std::map<std::string, std::map<std::string, Bytes>> bytes_;  // by type, then by text
+    std::vector<std::map<std::string, Bytes>*> values_;          // of each leaf's type
     bool begun_ = false;
 };
 
@@ -138,7 +130,7 @@ private:
 }  // namespace
 
 DrivenSignal::DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape, std::string type)
-    : shape_(shape) {
+    : shape_(shape), typed_(!type.empty()) {
     if (type.empty()) {
         type = ChooseType(recorded);
     }
@@ -187,53 +179,24 @@ void DrivenSignal::Drive(const Trace& recorded, std::int64_t start) {
 }
 
 Trace DrivenSignal::Read(TimeWindow window, const BusFormat& format) const {
-    return shape_.width > 0 ? ReadVector(window, format) : ReadScalar(window);
-}
-
-Trace DrivenSignal::ReadScalar(TimeWindow window) const {
-    Trace trace;
-    ValueTexts texts(signal_->GetTypeInfo(), texts_);
-    frame::ComPtr<IWaveEventEnumerator> events;
-    if (FAILED(signal_->EnumEvents(events.Out()))) {
-        return trace;
+    if (typed_) {
+        return ReadTrace(*signal_, window, format);
     }
-    IWaveEvent* event = nullptr;
-    while (events->Next(1, &event, nullptr) == S_OK && event->GetTime() <= window.end) {
-        const std::string& text = texts.Of(event->GetValueData(), event->GetValueSize());
-        if (event->GetTime() < window.start) {
-            trace.before = text;
-        } else {
-            trace.changes.push_back({event->GetTime(), text});
-        }
+    const std::vector<ISignal*> leaves = LeavesOf(*signal_);
+    ValueTexts texts(leaves.empty() ? "" : leaves[0]->GetTypeInfo(), texts_);
+    if (shape_.width == 0) {
+        return ReadScalarTrace(*signal_, window, [&](IWaveEvent& event) {
+            return texts.Of(event.GetValueData(), event.GetValueSize());
+        });
     }
-    return trace;
-}
-
-Trace DrivenSignal::ReadVector(TimeWindow window, const BusFormat& format) const {
-    Trace trace;
-    trace.bus = true;
-    std::vector<ISignal*> leaves;
-    AddLeaves(*signal_, leaves);
-    frame::ComPtr<IBusEventIterator> events;
-    if (leaves.empty() || FAILED(signal_->GetBusEventIterator(events.Out()))) {
-        return trace;
-    }
-    ValueTexts texts(leaves[0]->GetTypeInfo(), texts_);
-    IBusEvent& event = *events->GetEvent();
-    while (events->Next() == S_OK && event.GetTime() <= window.end) {
+    return ReadBusTrace(*signal_, window, [&](IBusEvent& event) {
         std::string value;
         for (std::uint32_t i = 0; i < leaves.size(); ++i) {
             value += shape_.words && i > 0 ? "," : "";
             value += texts.Of(event.GetValueData(i), event.GetValueSize(i));
         }
-        value = shape_.words ? "(" + value + ")" : format(value);
-        if (event.GetTime() < window.start) {
-            trace.before = std::move(value);
-        } else {
-            trace.changes.push_back({event.GetTime(), std::move(value)});
-        }
-    }
-    return trace;
+        return shape_.words ? "(" + value + ")" : format(value);
+    });
 }
 
 }  // namespace corv::host

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "corv/frame/com_ptr.h"
 #include "corv/signals/signal.h"
+#include "host/signal_trace.h"
 #include "host/trace.h"
 
 namespace corv::host {
@@ -18,9 +17,7 @@ struct Shape {
     bool words = false;  // between the elements stands kBetweenWords; else each is a character
 };
 inline constexpr char kBetweenWords = '\x1f';
-
-// Turns the characters of a vector's elements into its text.
-using BusFormat = std::function<std::string(std::string_view)>;
+inline constexpr char kNotDriven = '\x1e';  // an element that has no value yet
 
 // A signal whose wave, or whose elements' waves, hold what a source did.
 class DrivenSignal {
@@ -33,6 +30,8 @@ public:
     DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape, std::string type = "");
 
     ISignal& Signal() const { return *signal_; }
+    // Whether the values are of no type, so that the signal has numbers in their place.
+    bool HasOwnTexts() const { return !texts_.empty(); }
 
     // What the signal does in a window, the end included, read from its waves.
     Trace Read(TimeWindow window, const BusFormat& format) const;
@@ -40,10 +39,9 @@ public:
 private:
     std::string ChooseType(const Trace& recorded);
     void Drive(const Trace& recorded, std::int64_t start);
-    Trace ReadScalar(TimeWindow window) const;
-    Trace ReadVector(TimeWindow window, const BusFormat& format) const;
 
     Shape shape_;
+    bool typed_;                      // by the caller
     std::vector<std::string> texts_;  // of values that are of no type, by their number
     frame::ComPtr<ISignal> signal_;
 };

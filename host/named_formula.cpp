@@ -5,10 +5,11 @@ namespace {
 
 constexpr std::string_view kNoName = " \t\r\n,\"'";
 
-// Where the name at the front of the text ends: at its "=", or npos when there is no name.
+// Where the name at the front of the text ends: at its "=" or at the ":" of its type; npos when
+// there is no name.
 std::size_t NameEnd(std::string_view text) {
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '=') {
+        if (text[at] == '=' || text[at] == ':') {
             return at;
         }
         if (text[at] == '\\') {
@@ -21,17 +22,31 @@ std::size_t NameEnd(std::string_view text) {
     return std::string_view::npos;
 }
 
+// Where a type ends: at the first "=" outside quotes.
+std::size_t TypeEnd(std::string_view text, std::size_t from) {
+    bool quoted = false;
+    for (std::size_t at = from; at < text.size(); ++at) {
+        quoted ^= text[at] == '\'';
+        if (text[at] == '=' && !quoted) {
+            return at;
+        }
+    }
+    return std::string_view::npos;
+}
+
 }  // namespace
 
 NamedFormula SplitNamedFormula(std::string_view text, std::size_t number) {
     const std::size_t end = NameEnd(text);
+    const bool typed = end != std::string_view::npos && text[end] == ':';
+    const std::size_t equals = typed ? TypeEnd(text, end) : end;
     NamedFormula result;
-    result.formula = end == std::string_view::npos ? text : text.substr(end + 1);
-    result.name = end == std::string_view::npos ? "" : text.substr(0, end);
-    const std::size_t digits = result.name.find_last_not_of("0123456789");
-    if (digits != std::string::npos && result.name[digits] == ':') {
-        result.width = result.name.substr(digits + 1);
-        result.name.erase(digits);
+    if (equals == std::string_view::npos) {
+        result.formula = text;
+    } else {
+        result.formula = text.substr(equals + 1);
+        result.name = text.substr(0, end);
+        result.type = typed ? text.substr(end + 1, equals - end - 1) : "";
     }
     if (result.name.empty()) {
         result.name = "f" + std::to_string(number);

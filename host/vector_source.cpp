@@ -42,8 +42,8 @@ std::unique_ptr<Source> MakeElement(const std::string& formula, std::int64_t at)
 // Several elements, each with a stimulus of its own.
 class ElementsSource final : public Source {
 public:
-    ElementsSource(std::vector<std::unique_ptr<Source>> elements, bool words)
-        : elements_(std::move(elements)), words_(words) {}
+    ElementsSource(std::vector<std::unique_ptr<Source>> elements, bool words, char not_driven)
+        : elements_(std::move(elements)), words_(words), not_driven_(not_driven) {}
 
     std::int64_t NextEvent(std::int64_t time) override {
         std::int64_t first = -1;
@@ -63,7 +63,7 @@ public:
             if (words_ && &element != &elements_.front()) {
                 text += kBetweenWords;
             }
-            text += WithoutQuotes(value.value_or("U"));  // nothing has driven it yet
+            text += WithoutQuotes(value.value_or(std::string(1, not_driven_)));
         }
         return any ? std::optional(std::move(text)) : std::nullopt;
     }
@@ -81,6 +81,7 @@ public:
 private:
     std::vector<std::unique_ptr<Source>> elements_;
     bool words_;
+    char not_driven_;  // stands for an element that nothing has driven yet
 };
 
 // A counter answers from the count period it is in, so it is walked forward, event by event, from
@@ -181,7 +182,12 @@ std::unique_ptr<Source> MakeVector(const VectorFormula& vector) {
     }
     auto elements = MakeElements(vector);
     return elements.empty() ? nullptr
-                            : std::make_unique<ElementsSource>(std::move(elements), vector.words);
+                            : std::make_unique<ElementsSource>(std::move(elements), vector.words,
+                                                               vector.typed ? kNotDriven : 'U');
+}
+
+std::unique_ptr<Source> JoinSources(std::vector<std::unique_ptr<Source>> elements) {
+    return std::make_unique<ElementsSource>(std::move(elements), true, kNotDriven);
 }
 
 std::vector<std::unique_ptr<Source>> MakeElements(const VectorFormula& vector) {

@@ -1,0 +1,160 @@
+#include <map>
+#include <memory>
+
+#include "cli/command.h"
+#include "cli/json.h"
+#include "cli/options.h"
+#include "cli/output.h"
+#include "cli/recordings.h"
+#include "corv/stremo/stream_details.h"
+#include "corv/stremo/stream_error.h"
+#include "corv/typeinfo/vhdl_type.h"
+#include "host/fit_text.h"
+#include "host/time_text.h"
+
+namespace corv::cli {
+namespace {
+
+struct InfoOptions {
+    std::string file, output;
+    std::vector<std::string> names;
+    bool json = false;
+};
+
+struct SignalFacts {
+    std::string name;
+    std::string type;
+    std::uint64_t events = 0;
+};
+
+struct Facts {
+    std::string format;
+    std::int64_t first = -1;
+    std::int64_t last = -1;
+    std::uint64_t events = 0;
+    std::vector<SignalFacts> signals;
+    std::vector<std::string> notes;
+    std::string problem;  // why it could not be read to its end
+};
+
+std::string TypeText(ISignal& signal) {
+    const char* const type = signal.GetTypeInfo();
+    CString text;
+    if (type != nullptr && TypeToVhdl(type, text)) {
+        return std::string(text.View());
+    }
+    return type != nullptr ? type : "";
+}
+
+Facts FactsOf(const InfoOptions& options) {
+    const auto recording = OpenRecording(options.file);
+    stremo::IEventsStreamRead& reader = recording->Reader();
+    Facts facts;
+    facts.format = reader.GetFormatName();
+    std::map<int, std::uint64_t> counts;
+    const std::int64_t start = 0;
+    if (reader.Seek(&start)) {
+        for (int handle = reader.Next(); handle != -1; handle = reader.Next()) {
+            facts.last = *reader.GetCurrentTime();
+            facts.first = facts.events == 0 ? facts.last : facts.first;
+            ++facts.events;
+            ++counts[handle];
+        }
+    }
+    facts.problem = LastStreamError();
+    for (const host::NamedSignal& named : SelectNamed(*recording, options.names)) {
+        SignalFacts signal{host::CleanText(named.name), TypeText(*named.signal), 0};
+        for (ISignal* const leaf : host::LeavesOf(*named.signal)) {
+            const auto count = counts.find(leaf->GetHandle());
+            signal.events += count != counts.end() ? count->second : 0;
+        }
+        facts.signals.push_back(std::move(signal));
+    }
+    for (int i = 0; i < CountStreamNotes(reader); ++i) {
+        facts.notes.emplace_back(GetStreamNote(reader, i));
+    }
+    return facts;
+}
+
+std::string Times(const Facts& facts) {
+    return facts.events == 0 ? "no events"
+                             : host::TimeText(facts.first) + " to " + host::TimeText(facts.last);
+}
+
+std::string InfoText(const Facts& facts) {
+    std::string out = "format   " + facts.format + "\n" + "times    " + Times(facts) + "\n" +
+                      "signals  " + std::to_string(facts.signals.size()) + "\n" + "events   " +
+                      std::to_string(facts.events) + "\n";
+    for (const std::string& note : facts.notes) {
+        out += "note     " + host::CleanText(note) + "\n";
+    }
+    std::size_t names = 0;
+    std::size_t digits = 6;
+    for (const SignalFacts& signal : facts.signals) {
+        names = std::max(names, host::TextWidth(signal.name));
+        digits = std::max(digits, std::to_string(signal.events).size());
+    }
+    if (!facts.signals.empty()) {
+        out += "\n" + std::string(digits - 6, ' ') + "events  name" +
+               std::string(std::max<std::size_t>(names, 4) - 4, ' ') + "  type\n";
+    }
+    for (const SignalFacts& signal : facts.signals) {
+        const std::string count = std::to_string(signal.events);
+        out += std::string(digits - count.size(), ' ') + count + "  " + signal.name +
+               std::string(std::max<std::size_t>(names, 4) - host::TextWidth(signal.name), ' ') +
+               "  " + host::CleanText(signal.type) + "\n";
+    }
+    return out;
+}
+
+std::string InfoJson(const Facts& facts) {
+    Json signals = Json::array();
+    for (const SignalFacts& signal : facts.signals) {
+        signals.push_back(
+            {{"name", signal.name}, {"type", signal.type}, {"events", signal.events}});
+    }
+    Json first = nullptr;
+    Json last = nullptr;
+    if (facts.events > 0) {
+        first = facts.first;
+        last = facts.last;
+    }
+    return JsonLine({{"schema", 1},
+                     {"format", facts.format},
+                     {"first", first},
+                     {"last", last},
+                     {"events", facts.events},
+                     {"notes", facts.notes},
+                     {"signals", std::move(signals)}});
+}
+
+int RunInfo(const InfoOptions& options) {
+    const Facts facts = FactsOf(options);
+    WriteOutput(options.output, options.json ? InfoJson(facts) : InfoText(facts));
+    if (!facts.problem.empty()) {
+        WriteMessage("error", facts.problem);
+        return kFailed;
+    }
+    return kFine;
+}
+
+}  // namespace
+
+void AddInfo(CLI::App& program, Action& chosen) {
+    CLI::App* command = program.add_subcommand(
+        "info",
+        "tell what a recording holds\n"
+        "Tells the format, the times of the first and the last event, the signals with their types "
+        "and numbers of events, and what had to be repaired or was lost when it was read.");
+    auto options = std::make_shared<InfoOptions>();
+    command->add_option("FILE", options->file, "The recording")->required();
+    command->add_option("-n,--name", options->names, "Only signals of that name or pattern")
+        ->type_name("GLOB")
+        ->allow_extra_args(false);
+    AddText(*command, "-o,--output", "FILE", options->output, "Write to FILE");
+    command->add_flag("--json", options->json, "Write JSON, times in picoseconds");
+    command->footer("corv info run.evt\ncorv info run.evt -n 'tb.u1.**' --json");
+    command->callback([&chosen, options] { chosen = [options] { return RunInfo(*options); }; });
+}
+
+}  // namespace corv::cli

@@ -1,0 +1,132 @@
+#include "cli/recordings.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "cli/command.h"
+#include "cli/suggestion.h"
+#include "host/driver.h"
+#include "host/fit_text.h"
+
+namespace corv::cli {
+namespace {
+
+constexpr std::size_t kMostSuggested = 10'000;  // names that are compared with an unknown one
+
+template <class Work>
+auto OrFailure(Work work) {
+    try {
+        return work();
+    } catch (const std::runtime_error& error) {
+        throw Failure(error.what());
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name) {
+    return OrFailure([&] { return std::make_unique<host::Recording>(file_name); });
+}
+
+std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
+                                           const std::vector<std::string>& patterns) {
+    std::vector<host::NamedSignal> selected;
+    if (patterns.empty()) {
+        ISignal* signal = nullptr;
+        for (std::uint32_t i = 0; SUCCEEDED(recording.Signals().GetAt(i, &signal)); ++i) {
+            const char* const name = signal->GetName();
+            selected.push_back({host::ShownName(name != nullptr ? name : ""), signal, {}});
+        }
+        return selected;
+    }
+    for (const std::string& pattern : patterns) {
+        auto found = host::SelectSignals(recording.Signals(), pattern);
+        if (found.empty()) {
+            const auto names = host::AllNames(recording.Signals(), kMostSuggested);
+            throw Failure("the recording has no signal `" + pattern + "`" +
+                          Suggestion(pattern, names));
+        }
+        std::move(found.begin(), found.end(), std::back_inserter(selected));
+    }
+    return selected;
+}
+
+Shown::Shown(const FormulaOptions& options) : options_(options), sources_(LoadSources(options)) {
+    if (!options.file.empty()) {
+        recording_ = OpenRecording(options.file);
+        selected_ = SelectNamed(*recording_, options.names);
+    }
+    if (selected_.empty() && sources_.empty()) {
+        throw Failure(recording_ ? options.file + " has no signals"
+                                 : "nothing to show; name a recording or give a formula with -f");
+    }
+}
+
+std::vector<std::string> Shown::Names() const {
+    std::vector<std::string> names;
+    for (const host::NamedSignal& signal : selected_) {
+        names.push_back(signal.name);
+    }
+    for (const NamedSource& named : sources_) {
+        names.push_back(named.name);
+    }
+    return names;
+}
+
+host::TimeWindow Shown::Window() const {
+    const std::int64_t start = options_.start.value_or(0);
+    std::int64_t end = NaturalEnd(options_, sources_);
+    if (recording_) {
+        end = std::max({end, recording_->LatestTime(), start + 1});
+    }
+    return ChooseWindow(options_, end);
+}
+
+std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style) const {
+    std::vector<host::Trace> traces;
+    if (selected_.empty()) {
+        return traces;
+    }
+    std::vector<ISignal*> signals;
+    for (const host::NamedSignal& named : selected_) {
+        signals.push_back(named.signal);
+    }
+    OrFailure([&] {
+        recording_->Load(signals, window);
+        return 0;
+    });
+    const host::BusFormat format = BusFormatOf(options_, style);
+    for (const host::NamedSignal& named : selected_) {
+        traces.push_back(host::ReadTrace(*named.signal, window, format));
+        traces.back().name = named.name;
+    }
+    return traces;
+}
+
+std::vector<host::Trace> Shown::Events(host::TimeWindow window, std::size_t max) const {
+    std::vector<host::Trace> traces = Recorded(window, BusStyle::Literal);
+    for (host::Trace& trace : traces) {
+        trace.truncated = trace.changes.size() > max;
+        trace.changes.resize(std::min(trace.changes.size(), max));
+    }
+    const host::BusFormat format = BusFormatOf(options_, BusStyle::Literal);
+    for (const NamedSource& named : sources_) {
+        const host::Trace recorded = host::RecordEvents(*named.source, window, max);
+        traces.push_back(ShowDriven(named, recorded, window, format));
+    }
+    return traces;
+}
+
+std::vector<host::Trace> Shown::ForGrid(const host::TimeGrid& grid) const {
+    const host::TimeWindow window = grid.Window();
+    std::vector<host::Trace> traces = Recorded(window, BusStyle::Digits);
+    const host::BusFormat format = BusFormatOf(options_, BusStyle::Digits);
+    for (const NamedSource& named : sources_) {
+        const host::Trace recorded = host::RecordForGrid(*named.source, grid);
+        traces.push_back(ShowDriven(named, recorded, window, format));
+    }
+    return traces;
+}
+
+}  // namespace corv::cli

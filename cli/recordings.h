@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/formulas.h"
+#include "host/recording.h"
+#include "host/signal_name.h"
+#include "host/time_grid.h"
+
+namespace corv::cli {
+
+// Opens a recording; throws Failure.
+std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name);
+
+// The signals that the patterns name, the top-level ones without any; throws Failure for a pattern
+// that names none.
+std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
+                                           const std::vector<std::string>& patterns);
+
+// What a command shows: signals of a recording, and what formulas and replayed signals do.
+class Shown {
+public:
+    // Throws Failure, also when there is nothing to be shown.
+    explicit Shown(const FormulaOptions& options);
+
+    std::vector<std::string> Names() const;
+    host::TimeWindow Window() const;
+    // What each does in a window: every event, at most `max` of each.
+    std::vector<host::Trace> Events(host::TimeWindow window, std::size_t max) const;
+    // The same as far as a drawing on the grid can show it.
+    std::vector<host::Trace> ForGrid(const host::TimeGrid& grid) const;
+
+private:
+    std::vector<host::Trace> Recorded(host::TimeWindow window, BusStyle style) const;
+
+    const FormulaOptions& options_;
+    std::unique_ptr<host::Recording> recording_;
+    std::vector<host::NamedSignal> selected_;
+    std::vector<NamedSource> sources_;
+};
+
+}  // namespace corv::cli

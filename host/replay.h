@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "host/driven_signal.h"
+#include "host/source.h"
+
+namespace corv::host {
+
+// A recorded signal as a source of events, through a custom formula. The recording is registered
+// under a name of its own, so that the formula names no file: the user's is neither copied nor
+// deleted.
+struct Replay {
+    std::string name;  // the signal's full name, as shown
+    std::unique_ptr<Source> source;
+    Shape shape;
+    std::string type;
+};
+
+// Events come `shift` picoseconds later than in the recording, those before 0 not at all.
+//
+// Throws std::runtime_error, with a sentence, when the recording can't be opened or has no such
+// signal.
+Replay MakeReplay(const std::string& file_name, const std::string& signal, std::int64_t shift);
+
+}  // namespace corv::host
