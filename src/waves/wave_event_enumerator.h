@@ -96,10 +96,8 @@ public:
             position_ = size;
             return -1;
         }
-        WaveEvent<Value>& next = events_[position_];
-        platform::Prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(&next) +
-                                                         2 * sizeof next));
-        return next.Time();
+        platform::Prefetch(&events_[std::min(position_ + 2, size - 1)]);
+        return events_[position_].Time();
     }
 
 private:

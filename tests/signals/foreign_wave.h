@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "corv/frame/com_ptr.h"
 #include "corv/frame/interface_ids.h"
@@ -13,7 +14,8 @@ namespace corv::test {
 class ForeignEnumerator final
     : public frame::ComObject<ForeignEnumerator, IWaveEventEnumerator, IID_IWaveEventEnumerator> {
 public:
-    ForeignEnumerator(IWaveEventEnumerator* inner, int& living) : inner_(inner), living_(living) {
+    ForeignEnumerator(frame::ComPtr<IWaveEventEnumerator> inner, int& living)
+        : inner_(std::move(inner)), living_(living) {
         ++living_;
     }
     ~ForeignEnumerator() { --living_; }
@@ -65,7 +67,7 @@ public:
         if (refuses || FAILED(inner_->CreateEnumerator(inner.Out()))) {
             return E_OUTOFMEMORY;
         }
-        return frame::CreateComObject<ForeignEnumerator>(enumerator, inner.Detach(), enumerators);
+        return frame::CreateComObject<ForeignEnumerator>(enumerator, std::move(inner), enumerators);
     }
     HRESULT CORV_CALL FindEvent(std::int64_t time, std::uint32_t mode,
                                 IWaveEvent** event) override {

@@ -206,7 +206,7 @@ std::int64_t Leaves(const KnownType& type) {
 
 TEST(SignalValueText, RandomTreesAsTheModelHasThem) {
     std::array<int, 2> compared{};
-    for (std::uint32_t seed = 0; seed < 400; ++seed) {
+    for (std::uint32_t seed = 0; seed < 250; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
         const KnownType type = RandomType(random, 3, false);
@@ -224,8 +224,8 @@ TEST(SignalValueText, RandomTreesAsTheModelHasThem) {
             }
         }
     }
-    EXPECT_GT(compared[0], 2000);
-    EXPECT_GT(compared[1], 5000);
+    EXPECT_GT(compared[0], 1000);
+    EXPECT_GT(compared[1], 3000);
 }
 
 // ---- single texts ----
@@ -370,7 +370,7 @@ KnownType TextOfLength(std::size_t length, int depth) {
 TEST(SignalValueText, TextsFillTheTextBuffer) {
     const auto bit = MakeSignal(Describe(Bit()));
     AddEvent(*bit, 5, 1);
-    for (const std::size_t length : {10'238, 10'239, 10'240, 10'241, 10'300, 20'000}) {
+    for (const std::size_t length : {10'238U, 10'239U, 10'240U, 10'241U, 10'300U, 20'000U}) {
         const auto top = MakeSignal(Describe(TextOfLength(length, 3)));
         ForEachLeaf(*top, [](ISignal& leaf) { AddEvent(leaf, 5, 0); });
         for (const char* const text : {top->GetValueTextAt(5, FindAt), top->GetValueText()}) {
@@ -379,7 +379,7 @@ TEST(SignalValueText, TextsFillTheTextBuffer) {
         }
         EXPECT_EQ(Copy(bit->GetValueTextAt(5, FindAt)), "1");
     }
-    for (const std::size_t length : {10'239, 10'241}) {  // a scalar, and an array of two
+    for (const std::size_t length : {10'239U, 10'241U}) {  // a scalar, and an array of two
         const auto word = MakeSignal(Describe(Enumeration({std::string(length, 'w')})));
         const auto array = MakeSignal(
             Describe(ArrayOf(Enumeration({std::string((length - 3) / 2, 'w')}), {{0, 1}})));
