@@ -158,7 +158,7 @@ TEST(EventFile, EveryFlippedByteIsFound) {
 TEST(EventFile, EveryFlippedByteOfACutFileIsFound) {
     Model model;
     Content whole = DamageSample(model);
-    whole.resize(whole.size() - 700);
+    whole.erase(whole.end() - 700, whole.end());
     MemoryFiles files;
     files["run.evt"] = whole;
     model.events = ReadEvents(*Read(files));
