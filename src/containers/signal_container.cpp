@@ -154,7 +154,9 @@ void SignalContainer::Unregister(ISignal& signal) noexcept {
         LeafWalk().Visit(
             signal, [](ISignalContainer&) {},
             [&](ISignal& leaf) {
-                manager_->RemoveSignal(&leaf);
+                if (leaf.GetHandle() != -1) {
+                    manager_->RemoveSignal(&leaf);
+                }
                 return true;
             });
     }

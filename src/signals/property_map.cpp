@@ -37,7 +37,9 @@ bool CPropertyMap::IsAt(std::size_t place, std::string_view key) const noexcept 
 
 bool CPropertyMap::Set(const char* key, const char* value) noexcept {
     return corv::platform::Done([&] {
-        const std::size_t place = PlaceOf(ViewOf(key));
+        // loaded entries come in the order of their keys
+        const bool is_last = !entries_.empty() && IsBefore(entries_.back().key.View(), ViewOf(key));
+        const std::size_t place = is_last ? entries_.size() : PlaceOf(ViewOf(key));
         if (IsAt(place, ViewOf(key))) {
             entries_[place].value = value;
             return;
