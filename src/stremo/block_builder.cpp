@@ -11,12 +11,12 @@ namespace corv::recording {
 namespace {
 
 // A block is what a search reads at the most, and the values at its start are what it costs besides
-// its events: the more channels, the larger the blocks.
-constexpr std::uint64_t kLeastBlock = 4096;
-constexpr std::uint64_t kLargestBlock = 1U << 22;
+// its changes: the more channels, the larger the blocks.
+constexpr std::size_t kLeastBlock = 4096;
+constexpr std::size_t kLargestBlock = std::size_t{1} << 22;
 
-std::uint64_t BlockSize(const SignalTable& signals) noexcept {
-    return std::clamp(std::uint64_t{2} * signals.channel_count(), kLeastBlock, kLargestBlock);
+std::size_t BlockSize(const SignalTable& signals) noexcept {
+    return std::clamp(std::size_t{2} * signals.channel_count(), kLeastBlock, kLargestBlock);
 }
 
 unsigned NumberWidth(std::uint64_t greatest) noexcept {
@@ -31,11 +31,11 @@ void Join(std::vector<unsigned char>& whole, const Parts&... parts) {
 }  // namespace
 
 BlockBuilder::BlockBuilder(const SignalTable& signals, BlockSink& sink, EventOrder order,
-                           std::uint64_t block_events)
+                           std::size_t block_changes)
     : signals_(signals),
       sink_(sink),
       order_(order),
-      most_events_(block_events != 0 ? block_events : BlockSize(signals)),
+      most_changes_(block_changes != 0 ? block_changes : BlockSize(signals)),
       leaf_values_(signals.leaf_count()),
       known_(signals.channel_count()),
       latest_(signals.leaf_count(), -1),
@@ -54,7 +54,7 @@ bool BlockBuilder::Joins(std::uint32_t channel, std::uint32_t bit) const noexcep
 }
 
 bool BlockBuilder::MakeRoom() {
-    if (events_ >= most_events_ && !Pack()) {
+    if (changes_.size() >= most_changes_ && !Pack()) {
         return false;
     }
     if (moments_.empty() || moments_.back() != time_) {
@@ -65,7 +65,6 @@ bool BlockBuilder::MakeRoom() {
 
 void BlockBuilder::AddChange(std::uint32_t channel, std::uint32_t mask, std::uint32_t values) {
     changes_.push_back({channel, static_cast<std::uint32_t>(moments_.size()) - 1, mask, values});
-    events_ += static_cast<unsigned>(std::popcount(mask));
 }
 
 bool BlockBuilder::Set(std::uint32_t leaf, std::uint64_t value) {
@@ -83,6 +82,7 @@ bool BlockBuilder::Set(std::uint32_t leaf, std::uint64_t value) {
     }
     values_.push_back(value);
     AddChange(number, bit, static_cast<std::uint32_t>(values_.size()) - 1);
+    ++events_;
     return true;
 }
 
@@ -91,6 +91,7 @@ bool BlockBuilder::Toggle(std::uint32_t channel, std::uint32_t mask) {
         return false;
     }
     AddChange(channel, mask, kFlipped);
+    events_ += static_cast<unsigned>(std::popcount(mask));
     return true;
 }
 
@@ -100,10 +101,12 @@ bool BlockBuilder::SetElements(std::uint32_t channel, std::uint32_t mask,
         return false;
     }
     const auto place = static_cast<std::uint32_t>(values_.size());
-    for (int i = 0; i < std::popcount(mask); ++i) {
+    const auto count = static_cast<std::size_t>(std::popcount(mask));
+    for (std::size_t i = 0; i < count; ++i) {
         values_.push_back(values[i]);
     }
     AddChange(channel, mask, place);
+    events_ += count;
     return true;
 }
 
@@ -255,21 +258,32 @@ std::uint64_t BlockBuilder::UsedChannels(std::uint32_t first, std::uint32_t end)
 void BlockBuilder::PackColumn(std::uint32_t number, const Channel& channel, ChannelState& state) {
     ByteWriter out(parts_.columns);
     std::uint32_t moment = 0;
-    std::uint64_t flipped[kMostElements];
+    std::uint64_t flipped[kMostElements] = {};
     for (std::uint32_t at = ColumnBegin(number); at < column_ends_[number]; ++at) {
         const Change& change = changes_[sorted_[at]];
-        const std::uint64_t* values = flipped;
-        if (change.values == kFlipped) {
+        const std::uint32_t moments = change.moment - moment;
+        moment = change.moment;
+        if (change.values != kFlipped) {
+            WriteChange(out, state, channel.count, moments, change.mask, &values_[change.values]);
+        } else if ((change.mask & ~state.known) == 0) {
+            WriteFlips(out, state, channel.count, moments, change.mask);
+        } else {
             std::uint64_t* next = flipped;
             ForElements(change.mask, channel.count,
                         [&](unsigned i) { *next++ = state.values[i] ^ 1; });
-        } else {
-            values = &values_[change.values];
+            WriteChange(out, state, channel.count, moments, change.mask, flipped);
         }
-        WriteChange(out, state, channel.count, change.moment - moment, change.mask, values);
-        moment = change.moment;
-        ForElements(change.mask, channel.count,
-                    [&](unsigned i) { latest_[channel.first_leaf + i] = moments_[moment]; });
+    }
+    NoteLatest(number, channel);
+}
+
+void BlockBuilder::NoteLatest(std::uint32_t number, const Channel& channel) noexcept {
+    std::uint32_t left = AllElements(channel.count);
+    for (std::uint32_t at = column_ends_[number]; at > ColumnBegin(number) && left != 0; --at) {
+        const Change& change = changes_[sorted_[at - 1]];
+        ForElements(change.mask & left, channel.count,
+                    [&](unsigned i) { latest_[channel.first_leaf + i] = moments_[change.moment]; });
+        left &= ~change.mask;
     }
 }
 

@@ -34,9 +34,9 @@ enum class EventOrder {
 class BlockBuilder {
 public:
     // The table must be finished; it and the sink must outlive the builder. A block ends after so
-    // many events; 0: as many as suit the number of channels.
+    // many changes; 0: as many as suit the number of channels.
     BlockBuilder(const SignalTable& signals, BlockSink& sink, EventOrder order,
-                 std::uint64_t block_events = 0);
+                 std::size_t block_changes = 0);
     BlockBuilder(const BlockBuilder&) = delete;
     BlockBuilder& operator=(const BlockBuilder&) = delete;
 
@@ -84,6 +84,7 @@ private:
     void PackGroup(std::uint32_t first, std::uint32_t end);
     std::uint64_t UsedChannels(std::uint32_t first, std::uint32_t end) const noexcept;
     void PackColumn(std::uint32_t number, const Channel& channel, ChannelState& state);
+    void NoteLatest(std::uint32_t number, const Channel& channel) noexcept;
     // Where the changes of a channel begin in sorted_.
     std::uint32_t ColumnBegin(std::uint32_t channel) const noexcept {
         return channel == 0 ? 0 : column_ends_[channel - 1];
@@ -98,7 +99,7 @@ private:
     const SignalTable& signals_;
     BlockSink& sink_;
     const EventOrder order_;
-    const std::uint64_t most_events_;  // of a block
+    const std::size_t most_changes_;  // of a block
     std::int64_t time_ = 0;
     bool failed_ = false;
 

@@ -168,7 +168,7 @@ std::uint32_t ReadDense(ByteReader& in, ChannelState& state, unsigned count) noe
 
 }  // namespace
 
-void WriteStart(ByteWriter& out, const ChannelState& state, unsigned count) {
+void detail::WriteLongStart(ByteWriter& out, const ChannelState& state, unsigned count) {
     if (count == 1) {
         WriteValue(out, state.known != 0, state.values[0]);
     } else if (state.known == 0) {
@@ -229,6 +229,15 @@ void WriteChange(ByteWriter& out, ChannelState& state, unsigned count, std::uint
     } else {
         WriteVectorChange(out, state, count, first, mask, values);
     }
+}
+
+void WriteFlips(ByteWriter& out, ChannelState& state, unsigned count, std::uint32_t moments,
+                std::uint32_t mask) {
+    out.Variable(std::uint64_t{moments} << 2 | kFlips);
+    if (count > 1) {
+        out.Variable(mask);
+    }
+    ForElements(mask, count, [&](unsigned i) { state.values[i] ^= 1; });
 }
 
 std::uint32_t detail::ReadVectorChange(ByteReader& in, ChannelState& state, unsigned count,

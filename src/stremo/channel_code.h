@@ -8,7 +8,7 @@
 // The values of one channel in a block: those at its start, and the changes of its column.
 namespace corv::recording {
 
-void WriteStart(ByteWriter& out, const ChannelState& state, unsigned count);
+inline void WriteStart(ByteWriter& out, const ChannelState& state, unsigned count);
 // False when the bytes make no sense.
 inline bool ReadStart(ByteReader& in, ChannelState& state, unsigned count) noexcept;
 bool SkipStart(ByteReader& in, unsigned count) noexcept;
@@ -17,23 +17,27 @@ bool SkipStart(ByteReader& in, unsigned count) noexcept;
 // mask take the values, in their order. The state is moved on.
 void WriteChange(ByteWriter& out, ChannelState& state, unsigned count, std::uint32_t moments,
                  std::uint32_t mask, const std::uint64_t* values);
-
-// Calls `action` with each element of a mask, in order.
-template <class Action>
-inline void ForElements(std::uint32_t mask, unsigned count, Action action) {
-    while (mask != 0) {
-        const auto bit = static_cast<unsigned>(std::bit_width(mask)) - 1;
-        mask ^= std::uint32_t{1} << bit;
-        action(count - 1 - bit);
-    }
-}
+// The same for elements that have values: their lowest bits flip.
+void WriteFlips(ByteWriter& out, ChannelState& state, unsigned count, std::uint32_t moments,
+                std::uint32_t mask);
 
 namespace detail {
+void WriteLongStart(ByteWriter& out, const ChannelState& state, unsigned count);
 void ReadStartValue(ByteReader& in, ChannelState& state, unsigned element, unsigned count) noexcept;
 bool ReadVectorStart(ByteReader& in, ChannelState& state, unsigned count) noexcept;
 std::uint32_t ReadVectorChange(ByteReader& in, ChannelState& state, unsigned count,
                                unsigned kind) noexcept;
 }  // namespace detail
+
+inline void WriteStart(ByteWriter& out, const ChannelState& state, unsigned count) {
+    if (count == 1 && state.known == 0) {
+        out.Byte(0);
+    } else if (count == 1 && state.values[0] <= kMostShortStart) {
+        out.Byte(static_cast<unsigned>(state.values[0]) + kStartBase);
+    } else {
+        detail::WriteLongStart(out, state, count);
+    }
+}
 
 inline bool ReadStart(ByteReader& in, ChannelState& state, unsigned count) noexcept {
     state.known = 0;

@@ -43,8 +43,8 @@ std::optional<std::uint64_t> LoadValue(const void* value, unsigned size) noexcep
 class EventFileWriter final : public IEventsStreamWrite {
 public:
     EventFileWriter(std::string file_name, std::unique_ptr<platform::FileOutput> output,
-                    std::uint64_t block_events) noexcept
-        : output_(std::move(file_name), std::move(output)), block_events_(block_events) {}
+                    std::size_t block_changes) noexcept
+        : output_(std::move(file_name), std::move(output)), block_changes_(block_changes) {}
     EventFileWriter(const EventFileWriter&) = delete;
     EventFileWriter& operator=(const EventFileWriter&) = delete;
     ~EventFileWriter() override { EventFileWriter::Close(); }
@@ -73,7 +73,7 @@ private:
     bool End();
 
     EventFileOutput output_;
-    const std::uint64_t block_events_;
+    const std::size_t block_changes_;
     SignalTable signals_;
     std::optional<BlockBuilder> blocks_;  // none before the first event
     std::uint32_t unnamed_ = kNone;       // the signal of handle -1 that came last
@@ -190,7 +190,7 @@ bool EventFileWriter::Begin() {
     JoinElements();
     signals_.Finish();
     failed_ = !output_.PutSignals(signals_);
-    blocks_.emplace(signals_, output_, EventOrder::kAsWritten, block_events_);
+    blocks_.emplace(signals_, output_, EventOrder::kAsWritten, block_changes_);
     return !failed_;
 }
 
@@ -255,8 +255,9 @@ bool EventFileWriter::End() {
 
 std::unique_ptr<IEventsStreamWrite> MakeEventFileWriter(
     std::string file_name, std::unique_ptr<platform::FileOutput> output,
-    std::uint64_t block_events) {
-    return std::make_unique<EventFileWriter>(std::move(file_name), std::move(output), block_events);
+    std::size_t block_changes) {
+    return std::make_unique<EventFileWriter>(std::move(file_name), std::move(output),
+                                             block_changes);
 }
 
 }  // namespace corv::recording

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -9,10 +9,10 @@
 
 namespace corv::recording {
 
-// A writer of event files to an output that was opened under that name. The number of events in a
-// block as BlockBuilder takes it.
+// A writer of event files to an output that was opened under that name. The number of changes in
+// a block is what BlockBuilder takes.
 std::unique_ptr<IEventsStreamWrite> MakeEventFileWriter(
     std::string file_name, std::unique_ptr<platform::FileOutput> output,
-    std::uint64_t block_events = 0);
+    std::size_t block_changes = 0);
 
 }  // namespace corv::recording

@@ -92,13 +92,13 @@ std::int64_t LeafCursor::SearchFrom(std::size_t block, std::int64_t time) {
 // The block that tells the value at a time: the last one that begins at or before it.
 bool LeafCursor::LoadAround(std::int64_t time) {
     const std::optional<std::size_t> count = blocks_.CountUpTo(time);
-    if (!count || *count == 0 || !Load(*count - 1)) {
+    if (!count || (*count > 0 && !Load(*count - 1))) {
         return false;
     }
-    if (time > until_) {
+    if (blocks_.Count() == 0 || (*count > 0 && time > until_)) {
         blocks_.BlameEnd();
     }
-    return time <= until_;
+    return *count > 0 && time <= until_;
 }
 
 bool LeafCursor::Load(std::size_t block) {

@@ -229,6 +229,7 @@ bool RecordingReader::LoadState(std::uint32_t channel) {
     state_channel_ = kNone;
     const bool behind = cached_.block >= blocks_->Count();
     if (behind && cached_.block == 0) {
+        blocks_->BlameEnd();
         return false;
     }
     const std::size_t block = behind ? cached_.block - 1 : cached_.block;

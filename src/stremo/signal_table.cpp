@@ -10,7 +10,7 @@ namespace corv::recording {
 
 // ---- handles ----
 
-void HandleIndex::Insert(int handle, std::uint32_t signal) {
+void HandleIndex::Insert(int handle, std::uint32_t number) {
     constexpr std::size_t kNear = 65'536;
     if (Find(handle) != kNone) {
         return;
@@ -20,19 +20,15 @@ void HandleIndex::Insert(int handle, std::uint32_t signal) {
         if (place >= near_.size()) {
             near_.resize(place + 1, kNone);
         }
-        near_[place] = signal;
+        near_[place] = number;
     } else {
-        far_.emplace(handle, signal);
+        far_.emplace(handle, number);
     }
     ++count_;
     greatest_ = std::max(greatest_, handle);
 }
 
-std::uint32_t HandleIndex::Find(int handle) const noexcept {
-    const auto place = static_cast<std::size_t>(handle);
-    if (handle >= 0 && place < near_.size() && near_[place] != kNone) {
-        return near_[place];
-    }
+std::uint32_t HandleIndex::FindFar(int handle) const noexcept {
     if (far_.empty()) {
         return kNone;
     }
@@ -164,6 +160,7 @@ void SignalTable::MakeLeaf(std::uint32_t number) {
     } else {
         channels_.push_back({signal.leaf, 1});
     }
+    handle_leaves_.Insert(signal.handle, signal.leaf);
     leaf_handles_.push_back(signal.handle);
     leaf_channels_.push_back(channel_count() - 1);
 }
@@ -201,11 +198,6 @@ const char* SignalTable::FindProperty(std::uint32_t signal, std::string_view key
         value = platform::EqualNoCase(at->key, key) ? at->value : value;
     }
     return value;
-}
-
-std::uint32_t SignalTable::FindLeaf(int handle) const noexcept {
-    const std::uint32_t signal = Find(handle);
-    return signal == kNone ? kNone : signals_[signal].leaf;
 }
 
 }  // namespace corv::recording

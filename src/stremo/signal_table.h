@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -35,6 +36,16 @@ constexpr std::uint32_t AllElements(unsigned count) noexcept {
     return 0xFFFFFFFF >> (kMostElements - count);
 }
 
+// Calls `action` with each element of a mask, in order.
+template <class Action>
+inline void ForElements(std::uint32_t mask, unsigned count, Action action) {
+    while (mask != 0) {
+        const auto bit = static_cast<unsigned>(std::bit_width(mask)) - 1;
+        mask ^= std::uint32_t{1} << bit;
+        action(count - 1 - bit);
+    }
+}
+
 struct Signal {
     std::string_view name;
     const char* type = "";     // the type-description string; empty: not recorded
@@ -60,17 +71,22 @@ struct Property {
     const char* value;
 };
 
-// From a handle to the first signal that has it. Handles are mostly small numbers without large
-// gaps; the others stand in a map.
+// From a handle to the number that was inserted with it first, of a signal or a leaf. Handles are
+// mostly small numbers without large gaps; the others stand in a map.
 class HandleIndex {
 public:
     // Nothing happens when the handle is there already.
-    void Insert(int handle, std::uint32_t signal);
+    void Insert(int handle, std::uint32_t number);
     // kNone when it is not there.
-    std::uint32_t Find(int handle) const noexcept;
+    std::uint32_t Find(int handle) const noexcept {
+        const auto place = static_cast<std::size_t>(handle);
+        return place < near_.size() && near_[place] != kNone ? near_[place] : FindFar(handle);
+    }
     int greatest() const noexcept { return greatest_; }
 
 private:
+    std::uint32_t FindFar(int handle) const noexcept;
+
     std::vector<std::uint32_t> near_;
     std::unordered_map<int, std::uint32_t> far_;
     std::size_t count_ = 0;
@@ -142,7 +158,7 @@ public:
     // The value of a property, null when there is none.
     const char* FindProperty(std::uint32_t signal, std::string_view key) const noexcept;
     // The leaf of a scalar's handle; kNone for composites and unknown handles.
-    std::uint32_t FindLeaf(int handle) const noexcept;
+    std::uint32_t FindLeaf(int handle) const noexcept { return handle_leaves_.Find(handle); }
 
     std::uint32_t leaf_count() const noexcept {
         return static_cast<std::uint32_t>(leaf_handles_.size());
@@ -173,6 +189,7 @@ private:
 
     std::vector<std::uint32_t> top_level_;
     std::vector<std::uint32_t> members_;  // of all composites
+    HandleIndex handle_leaves_;
     std::vector<int> leaf_handles_;
     std::vector<std::uint32_t> leaf_channels_;
     std::vector<Channel> channels_;

@@ -73,6 +73,10 @@ void ExpectCursor(recording::SignalCursor& cursor, RandomModel& random, const Mo
     for (int i = 0; i < 25; ++i) {
         const std::int64_t next = TimeAfter(model.events, handle, time);
         ASSERT_EQ(cursor.NextTime(time), next) << "after " << time;
+        if (random.OneIn(3)) {
+            const std::int64_t other = RandomTime(random, model);
+            ASSERT_EQ(cursor.NextTime(other), TimeAfter(model.events, handle, other));
+        }
         unsigned char bytes[16];
         const bool there = cursor.Value(time, bytes);
         ASSERT_EQ(Number(there, bytes), ValueUpTo(model.events, handle, time)) << "at " << time;
@@ -80,12 +84,12 @@ void ExpectCursor(recording::SignalCursor& cursor, RandomModel& random, const Mo
     }
 }
 
-void Check(std::uint32_t seed, int signals, int events, std::uint64_t block_events) {
+void Check(std::uint32_t seed, int signals, int events, std::size_t block_changes) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     RandomModel random(seed);
     const Model model = random.Make(signals, events);
     MemoryFiles files;
-    const Writer writer = Write(files, block_events);
+    const Writer writer = Write(files, block_changes);
     ASSERT_TRUE(WriteModel(*writer, model)) << LastStreamError();
     ASSERT_TRUE(writer->Close()) << LastStreamError();
     const Reader reader = Read(files);

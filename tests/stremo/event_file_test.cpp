@@ -110,12 +110,14 @@ void ExpectTrueOrRefused(const Content& content, const Model& model, bool cut) {
     const std::vector<ModelEvent>& truth = cut ? events : model.events;
     for (const int handle : model.handles) {
         const auto cursor = recording::OwnReader(reader.get())->OpenSignal(handle);
-        const std::int64_t next = cursor->NextTime(20'000);
-        EXPECT_TRUE(*LastStreamError() != '\0' || next == TimeAfter(truth, handle, 20'000));
-        unsigned char bytes[16];
-        const auto value = Number(cursor->Value(20'000, bytes), bytes);
-        EXPECT_TRUE(*LastStreamError() != '\0' || value == ValueUpTo(truth, handle, 20'000));
-        EXPECT_TRUE(*LastStreamError() == '\0' || (next == -1 || !value));
+        for (const std::int64_t time : {std::int64_t{20'000}, std::int64_t{1} << 60}) {
+            const std::int64_t next = cursor->NextTime(time);
+            EXPECT_TRUE(*LastStreamError() != '\0' || next == TimeAfter(truth, handle, time));
+            unsigned char bytes[16];
+            const auto value = Number(cursor->Value(time, bytes), bytes);
+            EXPECT_TRUE(*LastStreamError() != '\0' || value == ValueUpTo(truth, handle, time));
+            EXPECT_TRUE(*LastStreamError() == '\0' || (next == -1 || !value));
+        }
     }
 }
 
@@ -178,10 +180,11 @@ TEST(EventFile, SeekPassesADamagedBlock) {
     const auto first = std::search(content.begin(), content.end(), tag.begin(), tag.end());
     const auto second = std::search(first + 1, content.end(), tag.begin(), tag.end());
     second[recording::kRecordHeaderSize + 3] ^= 1;
+    const std::size_t first_block = first[40];  // its events
     MemoryFiles files;
     files["run.evt"] = content;
     const Reader reader = Read(files);
-    EXPECT_EQ(ReadEvents(*reader).size(), 7U);
+    EXPECT_EQ(ReadEvents(*reader).size(), first_block);
     EXPECT_EQ(reader->Next(), -1);
     EXPECT_NE(std::string(LastStreamError()).find("does not match its checksum"),
               std::string::npos);

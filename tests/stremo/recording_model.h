@@ -133,9 +133,9 @@ using Reader = std::unique_ptr<stremo::IEventsStreamRead>;
 using Writer = std::unique_ptr<IEventsStreamWrite>;
 
 // The file is named "run.evt".
-inline Writer Write(MemoryFiles& files, std::uint64_t block_events = 0) {
+inline Writer Write(MemoryFiles& files, std::size_t block_changes = 0) {
     auto created = files.Create("run.evt");
-    return recording::MakeEventFileWriter("run.evt", std::move(created.file), block_events);
+    return recording::MakeEventFileWriter("run.evt", std::move(created.file), block_changes);
 }
 inline Reader Read(MemoryFiles& files) {
     auto opened = recording::OpenRecording(files, "run.evt");
