@@ -39,6 +39,7 @@
 #include "corv/stremo/stream_details.h"
 #include "corv/stremo/stream_error.h"
 #include "corv/stremo/stream_registry.h"
+#include "corv/stremo/vcd_writer.h"
 #include "corv/typeinfo/type_builders.h"
 #include "corv/typeinfo/type_info.h"
 #include "corv/typeinfo/vhdl_type.h"

@@ -94,6 +94,13 @@ public:
     Bytes bytes() const noexcept override {
         return {static_cast<const unsigned char*>(data_), size_};
     }
+    void Forget(Bytes part) const noexcept override {
+        const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        const auto from = static_cast<std::size_t>(part.data() - bytes().data()) / page * page;
+        const auto to = static_cast<std::size_t>(part.data() - bytes().data()) + part.size();
+        madvise(static_cast<unsigned char*>(data_) + from, (to - from) / page * page,
+                MADV_DONTNEED);
+    }
 
 private:
     void* data_;

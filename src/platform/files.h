@@ -17,6 +17,9 @@ class FileContent {
 public:
     virtual ~FileContent() = default;
     virtual Bytes bytes() const noexcept = 0;
+    // Says that a part is not needed in the near future: what the system brought from the disk for
+    // it may be let go. The bytes stay what they are. A hint only.
+    virtual void Forget(Bytes) const noexcept {}
 };
 
 // A file that is written from its beginning to its end.

@@ -4,12 +4,14 @@
 
 #include "stremo/event_file.h"
 #include "stremo/stream_error.h"
+#include "stremo/vcd_recording.h"
 
 namespace corv::recording {
 namespace {
 
 constexpr Format kFormats[] = {
     {kEventFileName, IsEventFile, OpenEventFile},
+    {kVcdName, IsVcd, OpenVcd},
 };
 
 }  // namespace

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace corv::vcd {
+
+struct Range {
+    std::int32_t left;
+    std::int32_t right;
+
+    std::uint64_t Length() const noexcept {
+        return static_cast<std::uint64_t>(left < right ? std::int64_t{right} - left
+                                                       : std::int64_t{left} - right) +
+               1;
+    }
+};
+
+// What stands between the code of a variable and the $end of its declaration.
+struct VariableName {
+    std::string name;  // with the brackets that are no range, blanks in front of them left out
+    std::optional<Range> range;
+};
+
+// Reads a name and its range. `width` is what the last bracket group must fit to be the range of
+// the value, 0 when any [left:right] does; otherwise the group belongs to the name:
+//
+//     q [3:0], 4          q, 3 downto 0
+//     mem[2][7:0], 8      mem[2], 7 downto 0
+//     ints[-1], 32        ints[-1]
+//     \My Sig\\x\, 1      \My Sig\\x\      (a VHDL name, up to its last backslash)
+//     \esc!id [1:0], 2    \esc!id, 1 downto 0   (a Verilog name, up to the first blank)
+VariableName ReadVariableName(std::string_view text, std::uint64_t width);
+
+// "[left:right]", nothing when it is something else.
+std::optional<Range> ReadRange(std::string_view group) noexcept;
+
+}  // namespace corv::vcd
