@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "stremo/event_file.h"
+#include "stremo/ghw_recording.h"
 #include "stremo/stream_error.h"
 #include "stremo/vcd_recording.h"
 
@@ -11,6 +12,7 @@ namespace {
 
 constexpr Format kFormats[] = {
     {kEventFileName, IsEventFile, OpenEventFile},
+    {kGhwName, IsGhw, OpenGhw},
     {kVcdName, IsVcd, OpenVcd},
 };
 

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "stremo/block_store.h"
+#include "stremo/ghw_hierarchy.h"
+#include "stremo/ghw_input.h"
+#include "stremo/ghw_notes.h"
+#include "stremo/ghw_time.h"
+#include "stremo/signal_table.h"
+
+// The values of a file: a snapshot of all nets, then cycles, each a list of the nets that change at
+// a time. A net is told by how many places it stands behind the one before in the list.
+namespace corv::ghw {
+
+// Where the values stand and what they are to be taken for.
+struct ChangeSource {
+    Bytes file;
+    bool big_endian;
+    std::size_t offset;  // behind the hierarchy
+    const Nets& nets;
+    const TimeScale& time_scale;
+};
+
+// Walks over all values without keeping any. Gives the last time in picoseconds, -1 without one,
+// and notes where the file is cut or damaged; what stands behind that is not read.
+std::int64_t FindLastTime(const ChangeSource& source, Notes& notes);
+
+// Puts the changes of the leaves of interest (in rising order; none: all) into blocks. Of several
+// values at one picosecond the last one counts; a value that the net has already is none. Notes
+// what values are lost. False when the blocks can't be kept.
+bool ReadChanges(const ChangeSource& source, const recording::SignalTable& signals,
+                 std::span<const std::uint32_t> leaves, recording::BlockSink& blocks, Notes& notes);
+
+}  // namespace corv::ghw

@@ -1,0 +1,237 @@
+#include "stremo/ghw_recording.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "stremo/ghw_changes.h"
+#include "stremo/ghw_hierarchy.h"
+#include "stremo/ghw_input.h"
+#include "stremo/ghw_notes.h"
+#include "stremo/ghw_strings.h"
+#include "stremo/ghw_time.h"
+#include "stremo/ghw_type_text.h"
+#include "stremo/ghw_types.h"
+#include "stremo/stream_error.h"
+
+namespace corv::recording {
+namespace {
+
+using ghw::Input;
+
+constexpr std::string_view kMark = "GHDLwave\n";
+constexpr std::size_t kHeaderSize = 16;
+
+// The sections in front of the values, in the order in which they need each other. Behind the tag
+// stand four zeros.
+enum Section : std::size_t { kStrings, kTypes, kWellKnown, kHierarchy, kSectionCount };
+constexpr std::array<std::string_view, kSectionCount> kTags{
+    std::string_view("STR\0\0\0\0\0", 8),
+    std::string_view("TYP\0\0\0\0\0", 8),
+    std::string_view("WKT\0\0\0\0\0", 8),
+    std::string_view("HIE\0\0\0\0\0", 8),
+};
+
+class GhwRecording final : public Recording {
+public:
+    GhwRecording(std::string file_name, std::unique_ptr<platform::FileContent> content)
+        : Recording(std::move(file_name)), content_(std::move(content)), in_(content_->bytes()) {}
+
+    const char* FormatName() const noexcept override { return kGhwName; }
+    std::unique_ptr<BlockStore> OpenBlocks(std::span<const std::uint32_t> leaves) override;
+
+    // False with the stream error set.
+    bool Open(int time_unit);
+
+private:
+    bool ReadHeader();
+    bool ReadSections(int time_unit);
+    Section NextSection(const bool (&read)[kSectionCount]);
+    Section FindSection(const bool (&read)[kSectionCount]);
+    void ReadHierarchy(const ghw::Strings& strings, const ghw::Types& types);
+    void FindLastTime();
+
+    ghw::ChangeSource Source() const noexcept {
+        return {in_.file(), big_endian_, changes_, nets_, time_scale_};
+    }
+    void TellNotes() { notes_ = remarks_.Sentences(); }
+    bool Refuse(std::size_t offset, const char* why) const {
+        SetError(file_name(), offset, why);
+        return false;
+    }
+
+    std::unique_ptr<platform::FileContent> content_;
+    Input in_;
+    bool big_endian_ = false;
+    bool has_units_ = true;
+    ghw::Notes remarks_;
+    ghw::Nets nets_;
+    ghw::TimeScale time_scale_{0};
+    std::size_t changes_ = 0;  // where they stand, 0 when they can't be read
+};
+
+// ---- the sections ----
+
+bool GhwRecording::Open(int time_unit) {
+    if (!ReadHeader() || !ReadSections(time_unit)) {
+        return false;
+    }
+    if (signals_.size() == 0 && !in_.ok()) {
+        return Refuse(in_.offset(), in_.failure());
+    }
+    signals_.Finish();
+    FindLastTime();
+    TellNotes();
+    return true;
+}
+
+bool GhwRecording::ReadHeader() {
+    enum Place : std::size_t { kLength = 9, kMajor, kMinor, kByteOrder };
+    const platform::Bytes file = in_.file();
+    if (file.size() < kHeaderSize) {
+        return Refuse(file.size(), "the file ends in its header");
+    }
+    if (file[kMajor] != 0) {
+        return Refuse(kMajor, "the version of the format is not known");
+    }
+    if (file[kLength] != kHeaderSize || file[kMinor] > 1) {
+        remarks_.Add(kLength, "the header is not quite as known");
+    }
+    if (file[kByteOrder] != 1 && file[kByteOrder] != 2) {
+        remarks_.Add(kByteOrder, "the byte order is not told; low bytes are taken to be first");
+    }
+    has_units_ = file[kMinor] > 0;
+    big_endian_ = file[kByteOrder] == 2;
+    in_.SetBigEndian(big_endian_);
+    in_.GoTo(kHeaderSize);
+    return true;
+}
+
+bool GhwRecording::ReadSections(int time_unit) {
+    ghw::Strings strings;
+    ghw::Types types(strings, has_units_, remarks_);
+    bool read[kSectionCount] = {};
+    for (Section section = kStrings; section != kHierarchy;) {
+        section = NextSection(read);
+        if (section == kSectionCount) {
+            return Refuse(in_.offset(), in_.ok() ? "the signals can't be found" : in_.failure());
+        }
+        read[section] = true;
+        if (section == kStrings) {
+            strings.Read(in_, remarks_);
+        } else if (section == kTypes) {
+            types.Read(in_);
+        } else if (section == kWellKnown) {
+            types.ReadWellKnown(in_);
+        }
+    }
+    const bool known = time_unit >= 0 && time_unit < static_cast<int>(util::kTimeUnits.size());
+    time_scale_ = known ? ghw::TimeScale(static_cast<unsigned>(time_unit))
+                        : ghw::TimeScale::Find(types, remarks_);
+    ReadHierarchy(strings, types);
+    return true;
+}
+
+// The section that stands next, whose tag is read; kSectionCount when there is none any more.
+Section GhwRecording::NextSection(const bool (&read)[kSectionCount]) {
+    const std::size_t offset = in_.offset();
+    if (!in_.ok()) {
+        remarks_.Add(offset, std::string(in_.failure()) + "; this section is read no further");
+        return FindSection(read);
+    }
+    std::size_t next = kSectionCount;
+    for (std::size_t i = 0; i < kSectionCount; ++i) {
+        if (!read[i] && in_.Skip(kTags[i])) {
+            return static_cast<Section>(i);
+        }
+        next = read[i] ? next : std::min(next, i);
+    }
+    // what ends well is followed by the next in the usual order
+    if (in_.left() < kTags[0].size()) {
+        return FindSection(read);
+    }
+    remarks_.Add(offset, "the mark of a section is damaged");
+    in_.GoTo(offset + kTags[0].size());
+    return static_cast<Section>(next);
+}
+
+// Goes to the first section that stands somewhere behind. Without one the input fails, or still has
+// its failure.
+Section GhwRecording::FindSection(const bool (&read)[kSectionCount]) {
+    const platform::Bytes rest = in_.file().subspan(in_.offset());
+    auto first = rest.end();
+    std::size_t section = kSectionCount;
+    for (std::size_t i = 0; i < kSectionCount; ++i) {
+        const auto found = read[i]
+                               ? rest.end()
+                               : std::search(rest.begin(), first, kTags[i].begin(), kTags[i].end());
+        if (found != rest.end() && found != first) {
+            first = found;
+            section = i;
+        }
+    }
+    if (section == kSectionCount) {
+        in_.Fail("the file ends before its signals");
+    } else {
+        in_.GoTo(static_cast<std::size_t>(first - in_.file().begin()) + kTags[0].size());
+    }
+    return static_cast<Section>(section);
+}
+
+void GhwRecording::ReadHierarchy(const ghw::Strings& strings, const ghw::Types& types) {
+    ghw::TextBudget budget(in_.file().size());
+    ghw::TypeTexts texts(types, time_scale_, signals_, budget);
+    ghw::Hierarchy hierarchy(strings, types, texts, budget, signals_, remarks_);
+    hierarchy.Read(in_);
+    nets_ = hierarchy.TakeNets();
+    if (!in_.ok()) {
+        remarks_.Add(in_.offset(), std::string(in_.failure()) +
+                                       "; the signals behind it and all values are left out");
+    } else if (!hierarchy.nets_known()) {
+        remarks_.Add(in_.offset(), "the values can't be told apart and are left out");
+    } else {
+        changes_ = in_.offset();
+    }
+}
+
+// ---- the values ----
+
+void GhwRecording::FindLastTime() {
+    const std::int64_t latest = changes_ != 0 ? ghw::FindLastTime(Source(), remarks_) : -1;
+    for (std::uint32_t i = 0; i < signals_.size(); ++i) {
+        signals_.SetLatest(i, latest);
+    }
+}
+
+std::unique_ptr<BlockStore> GhwRecording::OpenBlocks(std::span<const std::uint32_t> leaves) {
+    auto blocks = std::make_unique<MemoryBlocks>();
+    if (changes_ != 0 && !ghw::ReadChanges(Source(), signals_, leaves, *blocks, remarks_)) {
+        SetError(file_name(), "memory has run out");
+        return nullptr;
+    }
+    TellNotes();
+    return blocks;
+}
+
+}  // namespace
+
+bool IsGhw(platform::Bytes beginning) noexcept {
+    return beginning.size() >= kMark.size() &&
+           std::memcmp(beginning.data(), kMark.data(), kMark.size()) == 0;
+}
+
+std::unique_ptr<Recording> OpenGhw(const std::string& file_name,
+                                   std::unique_ptr<platform::FileContent> content) {
+    return OpenGhwIn(file_name, std::move(content), -1);
+}
+
+std::unique_ptr<Recording> OpenGhwIn(const std::string& file_name,
+                                     std::unique_ptr<platform::FileContent> content,
+                                     int time_unit) {
+    auto recording = std::make_unique<GhwRecording>(file_name, std::move(content));
+    return recording->Open(time_unit) ? std::move(recording) : nullptr;
+}
+
+}  // namespace corv::recording
