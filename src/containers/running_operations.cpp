@@ -1,11 +1,16 @@
 #include "containers/running_operations.h"
 
+#include <cstring>
 #include <utility>
+
+#include "frame/com_object.h"
+#include "signals/signal.h"
 
 namespace corv::containers {
 namespace {
 
 constexpr int kMostSignals = 1'048'576;  // of one load from a recording
+constexpr std::uint32_t kStdLogic = 1;   // the number of the standard type
 
 constinit RunningOperations running;
 
@@ -15,10 +20,35 @@ RunningOperations& Running() noexcept {
     return running;
 }
 
+HRESULT StdLogicMaker::Make(ISignal** signal) noexcept {
+    HRESULT result = first_ ? S_OK : CreateStdSignal(kStdLogic, nullptr, first_.Out());
+    frame::ComPtr<ISignal> made;
+    result = SUCCEEDED(result) ? frame::CreateComObject<CSignal>(made.Out(), nullptr) : result;
+    if (SUCCEEDED(result)) {
+        result = static_cast<CSignal&>(*made).ApplyTypeOf(static_cast<CSignal&>(*first_));
+    }
+    *signal = SUCCEEDED(result) ? made.Detach() : nullptr;
+    return result;
+}
+
 LoadStream::LoadStream(IByteStream& stream) noexcept
     : stream_(stream), outer_(std::exchange(running.load, this)) {}
 
+bool LoadStream::SkipEmptyList() noexcept {
+    std::array<unsigned char, 2> count{};
+    if (FAILED(Read(count.data(), count.size())) || count == decltype(count){}) {
+        return true;
+    }
+    read_ahead_ = count;
+    return false;
+}
+
 HRESULT CORV_CALL LoadStream::Read(void* buffer, std::uint32_t length) {
+    if (read_ahead_ && length == read_ahead_->size()) {
+        std::memcpy(buffer, read_ahead_->data(), length);
+        read_ahead_.reset();
+        return S_OK;
+    }
     const HRESULT result = stream_.Read(buffer, length);
     bytes_read_ += SUCCEEDED(result) ? length : 0;
     return result;

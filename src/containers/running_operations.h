@@ -1,7 +1,12 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
+#include <utility>
 
+#include "corv/containers/signal_container.h"
+#include "corv/frame/com_ptr.h"
 #include "corv/signals/byte_stream.h"
 #include "signals/nesting.h"
 
@@ -24,6 +29,7 @@ struct RunningOperations {
     int save_depth = 0;
     int find_depth = 0;
     int pass_on_depth = 0;
+    int descent_depth = 0;
     std::uint64_t pass_on_number = 0;
 };
 RunningOperations& Running() noexcept;
@@ -40,6 +46,36 @@ public:
 
 private:
     int& depth_;
+};
+
+// One signal's part in an operation that each signal passes on to its members. It ends on any tree,
+// also on one that contains itself: `is_running` is the signal's own.
+class Descent {
+public:
+    explicit Descent(bool& is_running) noexcept
+        : level_(Running().descent_depth),
+          is_running_(is_running),
+          was_running_(std::exchange(is_running, true)) {}
+    Descent(const Descent&) = delete;
+    Descent& operator=(const Descent&) = delete;
+    ~Descent() { is_running_ = was_running_; }
+
+    bool IsAllowed() const noexcept { return level_.IsAllowed() && !was_running_; }
+
+private:
+    const Level level_;
+    bool& is_running_;
+    const bool was_running_;
+};
+
+// Makes the std_logic signals that loaded ones begin as: the first in full, the others like it.
+class StdLogicMaker {
+public:
+    // As CreateStdSignal.
+    HRESULT Make(ISignal** signal) noexcept;
+
+private:
+    frame::ComPtr<ISignal> first_;
 };
 
 // A load from a byte stream, from the outermost container's on, for as long as it lives. It is the
@@ -66,12 +102,20 @@ public:
     void GiveUp() noexcept { given_up_ = true; }
     bool HasGivenUp() const noexcept { return given_up_; }
 
+    StdLogicMaker& Signals() noexcept { return signals_; }
+
+    // Reads ahead whether a signal's list of members, which comes next in the stream, is empty or
+    // can't be read; if neither, the list is left to be loaded.
+    bool SkipEmptyList() noexcept;
+
 private:
     IByteStream& stream_;
     LoadStream* const outer_;
+    StdLogicMaker signals_;
     std::uint64_t bytes_read_ = 0;
     int depth_ = 0;
     bool given_up_ = false;
+    std::optional<std::array<unsigned char, 2>> read_ahead_;  // a list's count
 };
 
 // A load from a recording, from the outermost operation on, for as long as it lives.
@@ -88,10 +132,12 @@ public:
     int& Depth() noexcept { return depth_; }
     // Counts a signal; false when there are too many.
     bool CountSignal() noexcept;
+    StdLogicMaker& Signals() noexcept { return maker_; }
 
 private:
     stremo::IEventsStreamRead& reader_;
     ReaderLoad* const outer_;
+    StdLogicMaker maker_;
     int depth_ = 0;
     int signals_ = 0;
 };

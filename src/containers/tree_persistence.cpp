@@ -25,7 +25,6 @@ namespace corv::containers {
 namespace {
 
 constexpr std::size_t kMostSaved = std::numeric_limits<std::uint16_t>::max();
-constexpr std::uint32_t kStdLogic = 1;  // the standard type that every loaded signal begins with
 
 // What a recording says of a signal.
 struct SignalInfo {
@@ -108,7 +107,7 @@ HRESULT SignalContainer::LoadSignals(LoadStream& stream, ISignal* parent) noexce
 // False when nothing is left to read.
 bool SignalContainer::LoadSignal(LoadStream& stream, ISignal* parent) noexcept {
     ComPtr<ISignal> signal;
-    if (FAILED(NewStdSignal(kStdLogic, signal.Out()))) {
+    if (FAILED(stream.Signals().Make(signal.Out()))) {
         return true;
     }
     const std::uint64_t place = stream.BytesRead();
@@ -170,7 +169,7 @@ HRESULT SignalContainer::LoadOne(ReaderLoad& load, IEventsStreamRead& reader, IS
     }
     const SignalInfo info(reader, handle);
     ComPtr<ISignal> made;
-    if (info.type == nullptr || FAILED(NewStdSignal(kStdLogic, made.Out())) ||
+    if (info.type == nullptr || FAILED(load.Signals().Make(made.Out())) ||
         !Describe(*made, handle, info) ||
         FAILED(made->LoadFromReader(&reader, this, parent, info.member_count))) {
         return E_FAIL;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "platform/ascii.h"
 #include "platform/guard.h"
@@ -32,23 +33,47 @@ std::size_t CPropertyMap::PlaceOf(std::string_view key) const noexcept {
 }
 
 bool CPropertyMap::IsAt(std::size_t place, std::string_view key) const noexcept {
-    return place < entries_.size() && corv::platform::EqualNoCase(entries_[place].key.View(), key);
+    if (place >= entries_.size()) {
+        return false;
+    }
+    const std::string_view there = entries_[place].key.View();
+    return there == key || corv::platform::EqualNoCase(there, key);
+}
+
+// Loaded and copied entries come in the order of their keys: the place behind the one that was set
+// last is tried first.
+std::size_t CPropertyMap::PlaceToSet(std::string_view key) const noexcept {
+    if (IsAt(after_last_, key)) {
+        return after_last_;
+    }
+    const bool is_last = !entries_.empty() && IsBefore(entries_.back().key.View(), key);
+    return is_last ? entries_.size() : PlaceOf(key);
 }
 
 bool CPropertyMap::Set(const char* key, const char* value) noexcept {
     return corv::platform::Done([&] {
-        // loaded entries come in the order of their keys
-        const bool is_last = !entries_.empty() && IsBefore(entries_.back().key.View(), ViewOf(key));
-        const std::size_t place = is_last ? entries_.size() : PlaceOf(ViewOf(key));
-        if (IsAt(place, ViewOf(key))) {
+        const std::string_view wanted = ViewOf(key);
+        const std::size_t place = PlaceToSet(wanted);
+        if (IsAt(place, wanted)) {
             entries_[place].value = value;
-            return;
+        } else {
+            if (entries_.empty()) {
+                entries_.reserve(kUsualCount);
+            }
+            entries_.insert(entries_.begin() + static_cast<std::ptrdiff_t>(place),
+                            Entry{CString(key), CString(value)});
         }
-        if (entries_.empty()) {
-            entries_.reserve(kUsualCount);
-        }
-        entries_.insert(entries_.begin() + static_cast<std::ptrdiff_t>(place),
-                        Entry{CString(key), CString(value)});
+        after_last_ = place + 1;
+    });
+}
+
+bool CPropertyMap::CopyFrom(const CPropertyMap& other) noexcept {
+    return corv::platform::Done([&] {
+        std::vector<Entry> entries;
+        entries.reserve(std::max(other.entries_.size(), kUsualCount));
+        entries.assign(other.entries_.begin(), other.entries_.end());
+        entries_ = std::move(entries);
+        after_last_ = 0;
     });
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "containers/name_watch.h"
+#include "containers/running_operations.h"
 #include "corv/frame/com_ptr.h"
 #include "platform/ascii.h"
 #include "signals/members.h"
@@ -193,8 +194,11 @@ HRESULT CSignal::SetWave(ISignalWave* wave) noexcept {
 
 void CSignal::SetValueTextFlag(bool quoted) noexcept {
     value_text_flag_ = quoted;
-    corv::signals::ForEachMember(members_.get(),
-                                 [&](ISignal& member) { member.SetValueTextFlag(quoted); });
+    const corv::containers::Descent descent(is_descending_);
+    if (descent.IsAllowed()) {
+        corv::signals::ForEachMember(members_.get(),
+                                     [&](ISignal& member) { member.SetValueTextFlag(quoted); });
+    }
 }
 
 HRESULT CSignal::EnumSubSignals(ISignalEnumerator** enumerator) noexcept {

@@ -80,6 +80,10 @@ public:
     void CORV_CALL SetParent(ISignal* parent) noexcept override { parent_ = parent; }
     std::int64_t CORV_CALL GetMaxTime() noexcept override;
 
+    // Gives a new signal the type and the properties of another one that is new and a scalar.
+    // E_OUTOFMEMORY.
+    HRESULT ApplyTypeOf(const CSignal& scalar) noexcept;
+
     // From now on each change of the name is counted, see containers/name_watch.h.
     void WatchName() noexcept { is_name_watched_ = true; }
 
@@ -117,4 +121,5 @@ private:
     ISignal* parent_;
     corv::frame::ComPtr<ISignalContainer> members_;
     bool is_name_watched_ = false;
+    bool is_descending_ = false;  // an operation is being passed on to the members
 };

@@ -12,6 +12,8 @@
 #include <limits>
 #include <string_view>
 
+#include "containers/running_operations.h"
+#include "containers/stream_number.h"
 #include "corv/signals/byte_stream.h"
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
@@ -19,6 +21,8 @@
 #include "signals/signal.h"
 #include "signals/value_text.h"
 
+using corv::containers::ReadNumber;
+using corv::containers::WriteNumber;
 using corv::frame::ComPtr;
 
 namespace {
@@ -30,21 +34,6 @@ constexpr std::size_t kLongestValue = corv::signals::kTextBufferSize - 1;
 
 // What the event streams keep of a signal besides its place and type.
 constexpr std::array<const char*, 2> kStreamProperties{"Stimulator", "VBus"};
-
-HRESULT WriteNumber(IByteStream& stream, std::size_t number) {
-    const std::array<unsigned char, 2> bytes{static_cast<unsigned char>(number & 0xFF),
-                                             static_cast<unsigned char>(number >> 8 & 0xFF)};
-    return stream.Write(bytes.data(), bytes.size());
-}
-
-bool ReadNumber(IByteStream& stream, std::size_t& number) {
-    std::array<unsigned char, 2> bytes{};
-    if (FAILED(stream.Read(bytes.data(), bytes.size()))) {
-        return false;
-    }
-    number = bytes[0] | static_cast<std::size_t>(bytes[1]) << 8;
-    return true;
-}
 
 // Calls an action with each entry, in order, until it gives false; gives whether none did.
 template <class Action>
@@ -85,7 +74,7 @@ bool WriteProperties(IByteStream& stream, const CPropertyMap& properties) {
 // A text and its terminating zero; false when it can't be read or is too long for the buffer.
 bool ReadText(IByteStream& stream, char* buffer, std::size_t longest) {
     std::size_t length = 0;
-    if (!ReadNumber(stream, length) || length > longest ||
+    if (FAILED(ReadNumber(stream, length)) || length > longest ||
         FAILED(stream.Read(buffer, static_cast<std::uint32_t>(length)))) {
         return false;
     }
@@ -97,7 +86,7 @@ bool ReadProperties(IByteStream& stream, CPropertyMap& properties) {
     std::array<char, kLongestKey + 1> key;
     char* const value = corv::signals::SharedValueTexts().text.data();
     std::size_t count = 0;
-    bool good = ReadNumber(stream, count);
+    bool good = SUCCEEDED(ReadNumber(stream, count));
     for (std::size_t i = 0; good && i < count; ++i) {
         good = ReadText(stream, key.data(), kLongestKey) &&
                ReadText(stream, value, kLongestValue) && properties.Set(key.data(), value);
@@ -137,13 +126,17 @@ HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* par
     if (!is_read) {
         return E_FAIL;
     }
-    ComPtr<ISignalContainer> members;
-    const HRESULT made = MakeMembers(*owner, members);
-    if (FAILED(made)) {
-        return made;
-    }
-    if (SUCCEEDED(members->Load(stream, this))) {
-        TakeMembers(std::move(members));
+    // most signals have no members: within a load that is seen before a container is made
+    corv::containers::LoadStream* const load = corv::containers::Running().load;
+    if (load != stream || !load->SkipEmptyList()) {
+        ComPtr<ISignalContainer> members;
+        const HRESULT made = MakeMembers(*owner, members);
+        if (FAILED(made)) {
+            return made;
+        }
+        if (SUCCEEDED(members->Load(stream, this))) {
+            TakeMembers(std::move(members));
+        }
     }
     return FinishLoading(*owner, parent);
 }
@@ -180,7 +173,8 @@ HRESULT CSignal::FinishLoading(ISignalContainer& owner, ISignal* parent) noexcep
     parent_ = parent;
     const char* const text = properties_.Get("Type Info");
     corv::signals::TypePtr type;
-    if (text != nullptr && SUCCEEDED(corv::signals::FindType(text, type))) {
+    const bool is_same = type_ && text != nullptr && type_->GetTypeInfoString() == text;
+    if (!is_same && text != nullptr && SUCCEEDED(corv::signals::FindType(text, type))) {
         type_ = std::move(type);
     }
     if (type_) {
@@ -205,7 +199,8 @@ HRESULT CSignal::FinishLoading(ISignalContainer& owner, ISignal* parent) noexcep
 }
 
 HRESULT CSignal::WriteToWriter(IEventsStreamWrite* writer, int index) noexcept {
-    if (writer == nullptr) {
+    const corv::containers::Descent descent(is_descending_);
+    if (writer == nullptr || !descent.IsAllowed()) {
         return E_FAIL;
     }
     const int parent = parent_ != nullptr ? parent_->GetHandle() : -1;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "containers/running_operations.h"
 #include "corv/stimulus/stimulus.h"
 #include "platform/guard.h"
 #include "signals/members.h"
@@ -96,5 +97,9 @@ void CSignal::SetHotKey(int key) noexcept {
     properties_.SetInteger("Stimulator Type", kHotKey);
     properties_.Erase("Stimulator Formula");
     properties_.Erase("Stimulator Clock");
-    corv::signals::ForEachMember(members_.get(), [&](ISignal& member) { member.SetHotKey(key); });
+    const corv::containers::Descent descent(is_descending_);
+    if (descent.IsAllowed()) {
+        corv::signals::ForEachMember(members_.get(),
+                                     [&](ISignal& member) { member.SetHotKey(key); });
+    }
 }

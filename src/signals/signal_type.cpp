@@ -117,8 +117,12 @@ private:
             return false;
         }
         auto& member = static_cast<CSignal&>(*reference);
+        const bool is_like_last = last_ != nullptr && type->IsScalar() &&
+                                  last_->type_->GetTypeInfoString() == type->GetTypeInfoString();
+        const HRESULT typed = is_like_last ? member.ApplyTypeOf(*last_) : member.ApplyType(type);
+        last_ = &member;
         // the handle manager refuses a signal without a handle, which is no matter here
-        return SUCCEEDED(member.ApplyType(type)) && member.properties_.Set("Name", name) &&
+        return SUCCEEDED(typed) && member.properties_.Set("Name", name) &&
                members_->Add(&member) != E_OUTOFMEMORY;
     }
 
@@ -164,6 +168,7 @@ private:
     CSignal& parent_;
     const TypePtr& type_;
     TypePtr element_;
+    CSignal* last_ = nullptr;  // the member that was made last
     ComPtr<ISignalContainer> members_;
     ElementName name_;
 };
@@ -208,6 +213,16 @@ HRESULT CSignal::ApplyType(const TypePtr& type) noexcept {
     if (!wave_) {
         SetHandle(-1);
     }
+    return S_OK;
+}
+
+// Members mostly have the type of the one before; its texts are copied instead of made again.
+HRESULT CSignal::ApplyTypeOf(const CSignal& scalar) noexcept {
+    if (!properties_.CopyFrom(scalar.properties_) || !MakeWave(*scalar.type_, wave_)) {
+        return E_OUTOFMEMORY;
+    }
+    type_ = scalar.type_;
+    std_logic_class_ = scalar.std_logic_class_;
     return S_OK;
 }
 

@@ -11,7 +11,7 @@
 namespace corv::signals {
 namespace {
 
-constexpr std::size_t kLongestText = 4096;
+constexpr std::size_t kLongestText = 65'536;  // of a type that is kept
 
 struct TypeCache {
     std::array<TypePtr, 16> types;  // the one used last stands first

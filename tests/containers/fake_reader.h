@@ -19,6 +19,7 @@ public:
         const char* type = nullptr;
         std::int64_t max_time = 0;
         std::vector<int> members;
+        std::map<std::string, std::string> properties;
     };
 
     const char* GetFormatName() override { return "fake"; }
@@ -37,7 +38,11 @@ public:
         mode = handle;
         max_time = signal.max_time;
     }
-    const char* GetSignalProperty(int, const char*) override { return nullptr; }
+    const char* GetSignalProperty(int handle, const char* key) override {
+        const auto& properties = signals[handle].properties;
+        const auto property = properties.find(key);
+        return property != properties.end() ? property->second.c_str() : nullptr;
+    }
     const char* GetTypeString(int handle) override { return signals[handle].type; }
     bool Seek(const std::int64_t*) override { return false; }
     const std::int64_t* GetCurrentTime() override { return nullptr; }

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "containers/running_operations.h"
-#include "corv/stremo/events_stream_write.h"
 #include "tests/containers/container_support.h"
 #include "tests/containers/fake_reader.h"
+#include "tests/containers/fake_writer.h"
 #include "tests/containers/memory_stream.h"
 #include "tests/support/failing_alloc.h"
 #include "tests/support/table.h"
@@ -277,30 +277,6 @@ TEST(TreePersistence, OutOfMemoryWhileLoading) {
     FailEveryAllocation(
         prepare, [&] { return container->Load(&stream, nullptr); }, check);
 }
-
-// Notes what it is given; refuses the n-th signal.
-class FakeWriter final : public IEventsStreamWrite {
-public:
-    bool Close() override { return true; }
-    bool IsReady() override { return is_ready; }
-    bool WriteTypeInfo(int, const char*) override { return true; }
-    bool WriteScalarSignal(int handle, const char* name, int, int index, int,
-                           const std::int64_t*) override {
-        text += name + ("=" + std::to_string(handle)) + "@" + std::to_string(index) + " ";
-        return --allowed >= 0;
-    }
-    bool WriteCompositeSignal(int, std::uint32_t count, const char* name, int, int index, int,
-                              const std::int64_t*) override {
-        text += name + ("x" + std::to_string(count)) + "@" + std::to_string(index) + " ";
-        return --allowed >= 0;
-    }
-    bool WriteEvent(int, const std::int64_t*, const void*, unsigned) override { return true; }
-    bool WriteProperty(int, const char*, const char*) override { return true; }
-
-    bool is_ready = true;
-    int allowed = 9;
-    std::string text;
-};
 
 TEST(TreePersistence, WritesToAWriter) {
     const ContainerPtr container = NewContainer();

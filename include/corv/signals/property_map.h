@@ -17,6 +17,8 @@ class CORV_API CPropertyMap {
 public:
     // Inserts an entry or replaces its value.
     bool Set(const char* key, const char* value) noexcept;
+    // Takes over all entries of another map, in place of its own.
+    bool CopyFrom(const CPropertyMap& other) noexcept;
     // The value, null when there is no such key; valid until that key is set or erased.
     const char* Get(const char* key) const noexcept;
     void Erase(const char* key) noexcept;
@@ -46,7 +48,9 @@ private:
     // Where the key stands or would stand; whether it stands there.
     std::size_t PlaceOf(std::string_view key) const noexcept;
     bool IsAt(std::size_t place, std::string_view key) const noexcept;
+    std::size_t PlaceToSet(std::string_view key) const noexcept;
 
     std::vector<Entry> entries_;
     mutable std::size_t next_ = 0;
+    std::size_t after_last_ = 0;  // behind the entry that was set last
 };
