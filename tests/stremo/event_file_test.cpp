@@ -1,13 +1,17 @@
 // Event files as bytes, damaged and cut ones, and what their writer refuses.
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
 
+#include "corv/stremo/stream_details.h"
 #include "corv/stremo/stream_registry.h"
 #include "platform/guard.h"
 #include "stremo/event_file.h"
@@ -260,7 +264,7 @@ TEST_F(EventFileOnDisk, WhatIsNoEventFileIsRefused) {
     ExpectRefused(Name("Sub"), "it is a folder");
     std::ofstream(Name("empty.evt")).flush();
     ExpectRefused(Name("empty.evt"), "it is empty");
-    std::ofstream(Name("text.evt")) << "$date today $end";
+    std::ofstream(Name("text.evt")) << "today, at noon";
     ExpectRefused(Name("text.evt"), "it is no recording of a known format");
     ExpectRefused("/dev/null", "it is no ordinary file");
     EXPECT_EQ(stremo::CreateStreamRead(nullptr), nullptr);
@@ -291,6 +295,50 @@ TEST_F(EventFileOnDisk, AReaderKeepsAFileThatIsWrittenAnew) {
     const std::int64_t start = 0;
     EXPECT_TRUE(reader->Seek(&start));
     EXPECT_EQ(ReadEvents(*reader), Example().events);
+}
+
+// Records the numbers 0, 1, 2, ... at those times until it is killed.
+[[noreturn]] void RecordForEver(const std::string& name) {
+    const Writer writer(stremo::CreateStreamWrite(name.c_str()));
+    const std::int64_t none = -1;
+    writer->WriteScalarSignal(1, "n", -1, 0, 0, &none);
+    for (std::int64_t time = 0;; ++time) {
+        const auto value = static_cast<std::uint32_t>(time);
+        writer->WriteEvent(1, &time, &value, sizeof value);
+    }
+}
+
+TEST_F(EventFileOnDisk, AKilledRecorderLeavesWholeBlocks) {
+    const std::string name = Name("killed.evt");
+    for (const std::uintmax_t size : {10'000U, 1'000'000U}) {
+        std::filesystem::remove(name);
+        const pid_t recorder = fork();
+        if (recorder == 0) {
+            RecordForEver(name);
+        }
+        std::error_code error;
+        while (!std::filesystem::exists(name) || std::filesystem::file_size(name, error) <= size) {
+            usleep(100);
+        }
+        kill(recorder, SIGKILL);
+        int status = 0;
+        ASSERT_EQ(waitpid(recorder, &status, 0), recorder);
+        ASSERT_TRUE(WIFSIGNALED(status));
+        const Reader reader(stremo::CreateStreamRead(name.c_str()));
+        ASSERT_NE(reader, nullptr) << LastStreamError();
+        EXPECT_GT(CountStreamNotes(*reader), 0) << "the user learns of it";
+        const std::int64_t start = 0;
+        ASSERT_TRUE(reader->Seek(&start));
+        std::int64_t count = 0;
+        for (; reader->Next() != -1; ++count) {
+            std::uint64_t value[2] = {};
+            ASSERT_TRUE(reader->ReadValue(value));
+            ASSERT_EQ(*reader->GetCurrentTime(), count);
+            ASSERT_EQ(value[0], static_cast<std::uint64_t>(count));
+        }
+        EXPECT_STREQ(LastStreamError(), "");
+        EXPECT_GT(static_cast<std::uintmax_t>(count), size / 8);
+    }
 }
 
 // ---- the writer ----
