@@ -22,6 +22,7 @@ struct FormulaOptions {
     std::string file;  // a recording
     std::optional<std::int64_t> start, end, at, shift;
     std::optional<unsigned> default_unit, time_unit;
+    std::optional<unsigned> recording_unit;  // of the recording's times, if it is not told
     std::optional<host::Radix> radix;
     bool words = false;
     bool expand = false;

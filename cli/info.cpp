@@ -6,8 +6,6 @@
 #include "cli/options.h"
 #include "cli/output.h"
 #include "cli/recordings.h"
-#include "corv/stremo/stream_details.h"
-#include "corv/stremo/stream_error.h"
 #include "corv/typeinfo/vhdl_type.h"
 #include "host/fit_text.h"
 #include "host/time_text.h"
@@ -18,6 +16,7 @@ namespace {
 struct InfoOptions {
     std::string file, output;
     std::vector<std::string> names;
+    std::optional<unsigned> time_unit;
     bool json = false;
 };
 
@@ -47,7 +46,7 @@ std::string TypeText(ISignal& signal) {
 }
 
 Facts FactsOf(const InfoOptions& options) {
-    const auto recording = OpenRecording(options.file);
+    const auto recording = OpenRecording(options.file, options.time_unit);
     stremo::IEventsStreamRead& reader = recording->Reader();
     Facts facts;
     facts.format = reader.GetFormatName();
@@ -61,7 +60,7 @@ Facts FactsOf(const InfoOptions& options) {
             ++counts[handle];
         }
     }
-    facts.problem = LastStreamError();
+    facts.problem = recording->Problem();
     for (const host::NamedSignal& named : SelectNamed(*recording, options.names)) {
         SignalFacts signal{host::CleanText(named.name), TypeText(*named.signal), 0};
         for (ISignal* const leaf : host::LeavesOf(*named.signal)) {
@@ -70,9 +69,7 @@ Facts FactsOf(const InfoOptions& options) {
         }
         facts.signals.push_back(std::move(signal));
     }
-    for (int i = 0; i < CountStreamNotes(reader); ++i) {
-        facts.notes.emplace_back(GetStreamNote(reader, i));
-    }
+    facts.notes = recording->Notes();
     return facts;
 }
 
@@ -151,6 +148,7 @@ void AddInfo(CLI::App& program, Action& chosen) {
     command->add_option("-n,--name", options->names, "Only signals of that name or pattern")
         ->type_name("GLOB")
         ->allow_extra_args(false);
+    AddRecordingUnit(*command, options->time_unit);
     AddText(*command, "-o,--output", "FILE", options->output, "Write to FILE");
     command->add_flag("--json", options->json, "Write JSON, times in picoseconds");
     command->footer("corv info run.evt\ncorv info run.evt -n 'tb.u1.**' --json");

@@ -101,6 +101,12 @@ void AddTimeUnit(CLI::App& command, const std::string& names, std::optional<unsi
     });
 }
 
+void AddRecordingUnit(CLI::App& command, std::optional<unsigned>& target) {
+    AddTimeUnit(command, "--time-unit", target,
+                "The unit that the times of a GHW file are in; unless given, it is found by the "
+                "type time");
+}
+
 void AddColour(CLI::App& command, host::ColourMode& target) {
     AddValue(command, "--color", kColourModes, "When to write colours",
              [&target](const std::string& word) {

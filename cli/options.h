@@ -29,6 +29,8 @@ void AddNumber(CLI::App& command, const std::string& names, int from, int to,
                std::optional<int>& target, const std::string& text);
 void AddTimeUnit(CLI::App& command, const std::string& names, std::optional<unsigned>& target,
                  const std::string& text);
+// The unit that a GHW file's times are in, which the file tells by its types only.
+void AddRecordingUnit(CLI::App& command, std::optional<unsigned>& target);
 void AddColour(CLI::App& command, host::ColourMode& target);
 
 // Whether to write colours to a stream; throws Failure when CORV_COLORS can't be used.

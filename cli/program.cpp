@@ -10,7 +10,7 @@ namespace corv::cli {
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&, Action&) = {
-    AddDraw,    AddEvents, AddRun,     AddInfo, AddValueAt,
+    AddDraw,    AddEvents, AddRun,     AddInfo, AddValueAt,    AddConvert,
     AddFormula, AddClock,  AddCounter, AddMan,  AddCompletion,
 };
 

@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "cli/command.h"
+#include "cli/progress.h"
 #include "cli/suggestion.h"
+#include "corv/stremo/stream_progress.h"
 #include "host/driver.h"
 #include "host/fit_text.h"
 
@@ -23,10 +25,27 @@ auto OrFailure(Work work) {
     }
 }
 
+// Each reading through has a line of its own.
+void ShowProgressOf(const std::string& work) {
+    SetStreamProgress([work, progress = std::shared_ptr<Progress>()](std::uint64_t done,
+                                                                     std::uint64_t all) mutable {
+        progress = progress ? progress : std::make_shared<Progress>(work);
+        progress->Tell(static_cast<double>(done), static_cast<double>(all), true);
+        if (done >= all) {
+            progress = nullptr;
+        }
+    });
+}
+
 }  // namespace
 
-std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name) {
-    return OrFailure([&] { return std::make_unique<host::Recording>(file_name); });
+std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
+                                               std::optional<unsigned> time_unit) {
+    ShowProgressOf("reading " + file_name);
+    host::OpenOptions options{time_unit,
+                              [&, progress = std::make_shared<Progress>("unpacking " + file_name)](
+                                  double part) { progress->Tell(part, 1); }};
+    return OrFailure([&] { return std::make_unique<host::Recording>(file_name, options); });
 }
 
 std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
@@ -54,7 +73,7 @@ std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
 
 Shown::Shown(const FormulaOptions& options) : options_(options), sources_(LoadSources(options)) {
     if (!options.file.empty()) {
-        recording_ = OpenRecording(options.file);
+        recording_ = OpenRecording(options.file, options.recording_unit);
         selected_ = SelectNamed(*recording_, options.names);
     }
     if (selected_.empty() && sources_.empty()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,10 @@
 
 namespace corv::cli {
 
-// Opens a recording; throws Failure.
-std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name);
+// Opens a recording, of a GHW file with times in a certain unit; throws Failure. From then on the
+// progress of what is read through is shown.
+std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
+                                               std::optional<unsigned> time_unit = {});
 
 // The signals that the patterns name, the top-level ones without any; throws Failure for a pattern
 // that names none.

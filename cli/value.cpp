@@ -61,6 +61,7 @@ void AddValueAt(CLI::App& program, Action& chosen) {
     AddRecordingOptions(*command, *options);
     command->get_option("FILE")->required();
     AddTime(*command, "--at", options->time, "The time to tell the values of");
+    AddRecordingUnit(*command, options->recording_unit);
     AddRadix(*command, *options);
     AddText(*command, "-o,--output", "FILE", options->output, "Write to FILE");
     command->add_flag("--json", options->json, "Write JSON, the time in picoseconds");

@@ -15,10 +15,6 @@ namespace {
 using Value = std::array<unsigned char, 16>;
 using Waves = std::unordered_map<int, ISignalWave*>;
 
-[[noreturn]] void ThrowStreamError() {
-    throw std::runtime_error(LastStreamError());
-}
-
 void Put(ISignalWave& wave, std::int64_t time, const Value& value) {
     wave.AddEvent(time, 0, value.data(), wave.GetValueSize());
 }
@@ -43,15 +39,28 @@ std::unordered_multimap<int, ISignalWave*> WavesOf(const std::vector<ISignal*>& 
 
 }  // namespace
 
-Recording::Recording(const std::string& file_name)
-    : reader_(stremo::CreateStreamRead(file_name.c_str())) {
-    if (!reader_) {
-        ThrowStreamError();
-    }
+Recording::Recording(const std::string& file_name, const OpenOptions& options)
+    : file_name_(file_name), stream_(OpenStream(file_name, options)) {
     if (FAILED(CreateSignalContainer(signals_.Out(), nullptr)) ||
-        FAILED(signals_->LoadFromReader(reader_.get()))) {
+        FAILED(signals_->LoadFromReader(&Reader()))) {
         throw std::runtime_error(file_name + ": its signals can't be read");
     }
+}
+
+std::vector<std::string> Recording::Notes() const {
+    std::vector<std::string> notes = stream_.notes;
+    for (int i = 0; i < CountStreamNotes(Reader()); ++i) {
+        notes.emplace_back(GetStreamNote(Reader(), i));
+    }
+    return notes;
+}
+
+std::string Recording::Problem() const {
+    std::string problem = LastStreamError();
+    if (!stream_.unpacked.empty() && problem.starts_with(stream_.unpacked)) {
+        problem.replace(0, stream_.unpacked.size(), file_name_);
+    }
+    return problem;
 }
 
 std::int64_t Recording::LatestTime() const {
@@ -64,28 +73,28 @@ void Recording::Load(const std::vector<ISignal*>& signals, TimeWindow window) co
     for (const auto& [handle, wave] : waves) {
         handles.push_back(handle);
     }
-    SelectStreamSignals(*reader_, handles.data(), static_cast<int>(handles.size()));
-    if (!reader_->Seek(&window.start)) {
-        ThrowStreamError();
+    SelectStreamSignals(Reader(), handles.data(), static_cast<int>(handles.size()));
+    if (!Reader().Seek(&window.start)) {
+        throw std::runtime_error(Problem());
     }
     for (const auto& [handle, wave] : waves) {
         Value value{};
-        if (window.start > 0 && reader_->GetCachedValue(handle, value.data())) {
+        if (window.start > 0 && Reader().GetCachedValue(handle, value.data())) {
             Put(*wave, window.start - 1, value);
         }
     }
-    for (int handle = reader_->Next(); handle != -1 && *reader_->GetCurrentTime() <= window.end;
-         handle = reader_->Next()) {
+    for (int handle = Reader().Next(); handle != -1 && *Reader().GetCurrentTime() <= window.end;
+         handle = Reader().Next()) {
         const auto [first, last] = waves.equal_range(handle);
         Value value{};
-        if (first != last && reader_->ReadValue(value.data())) {
+        if (first != last && Reader().ReadValue(value.data())) {
             for (auto entry = first; entry != last; ++entry) {
-                Put(*entry->second, *reader_->GetCurrentTime(), value);
+                Put(*entry->second, *Reader().GetCurrentTime(), value);
             }
         }
     }
     if (*LastStreamError() != '\0') {
-        ThrowStreamError();
+        throw std::runtime_error(Problem());
     }
 }
 

@@ -9,6 +9,7 @@
 #include "corv/frame/com_ptr.h"
 #include "corv/signals/signal.h"
 #include "corv/stremo/events_stream_read.h"
+#include "host/open_stream.h"
 #include "host/trace.h"
 
 namespace corv::host {
@@ -18,10 +19,16 @@ namespace corv::host {
 // Throws std::runtime_error, with a sentence, when the recording can't be read.
 class Recording {
 public:
-    explicit Recording(const std::string& file_name);
+    explicit Recording(const std::string& file_name, const OpenOptions& options = {});
 
-    stremo::IEventsStreamRead& Reader() const { return *reader_; }
+    stremo::IEventsStreamRead& Reader() const { return *stream_.reader; }
     ISignalContainer& Signals() const { return *signals_; }
+
+    // What was repaired, guessed or lost so far, a sentence each.
+    std::vector<std::string> Notes() const;
+
+    // Why the recording can't be read on; empty when it can.
+    std::string Problem() const;
 
     // The latest time of all signals, in picoseconds; 0 without any event.
     std::int64_t LatestTime() const;
@@ -31,7 +38,8 @@ public:
     void Load(const std::vector<ISignal*>& signals, TimeWindow window) const;
 
 private:
-    std::unique_ptr<stremo::IEventsStreamRead> reader_;
+    std::string file_name_;
+    OpenedStream stream_;
     frame::ComPtr<ISignalContainer> signals_;
 };
 

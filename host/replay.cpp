@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "corv/stremo/stream_details.h"
 #include "corv/stremo/stream_registry.h"
 #include "host/recording.h"
 #include "host/signal_name.h"
@@ -53,11 +54,11 @@ private:
     std::int64_t last_;
 };
 
-std::string Register(const std::string& file_name) {
+// The stimuli of all elements read the one recording, which is open until the end.
+std::string Register(const std::shared_ptr<Recording>& recording) {
     static int number = 0;
     const std::string name = "corv:replay:" + std::to_string(++number);
-    stremo::RegisterStream(name.c_str(),
-                           [file_name] { return stremo::CreateStreamRead(file_name.c_str()); });
+    stremo::RegisterStream(name.c_str(), [recording] { return ShareStream(recording->Reader()); });
     return name;
 }
 
@@ -69,16 +70,23 @@ std::string NameOf(ISignal& signal) {
 
 }  // namespace
 
-Replay MakeReplay(const std::string& file_name, const std::string& signal, std::int64_t shift) {
-    const Recording recording(file_name);
-    const auto selected = SelectSignals(recording.Signals(), signal);
+Replay MakeReplay(const std::string& file_name, const std::string& signal, std::int64_t shift,
+                  const OpenOptions& options) {
+    const auto recording = std::make_shared<Recording>(file_name, options);
+    const auto selected = SelectSignals(recording->Signals(), signal);
     if (selected.size() != 1 || selected[0].slice) {
         throw std::runtime_error(file_name + " has no signal `" + signal + "`");
     }
     ISignal& recorded = *selected[0].signal;
-    const std::string stream = Register(file_name);
+    const std::vector<ISignal*> leaves = LeavesOf(recorded);
+    std::vector<int> handles;
+    for (ISignal* const leaf : leaves) {
+        handles.push_back(leaf->GetHandle());
+    }
+    SelectStreamSignals(recording->Reader(), handles.data(), static_cast<int>(handles.size()));
+    const std::string stream = Register(recording);
     std::vector<std::unique_ptr<Source>> sources;
-    for (ISignal* const leaf : LeavesOf(recorded)) {
+    for (ISignal* const leaf : leaves) {
         auto stimulus = std::make_unique<CStimulus>();
         const std::string formula = "/custom " + stream + ", " + NameOf(*leaf);
         if (stimulus->Create(formula.c_str(), 0) == 0) {
@@ -86,7 +94,7 @@ Replay MakeReplay(const std::string& file_name, const std::string& signal, std::
                                      "` can't be replayed");
         }
         sources.push_back(
-            std::make_unique<ReplaySource>(std::move(stimulus), shift, recording.LatestTime()));
+            std::make_unique<ReplaySource>(std::move(stimulus), shift, recording->LatestTime()));
     }
     Replay replay{selected[0].name, nullptr, {}, recorded.GetTypeInfo()};
     if (recorded.GetSubSignals() == nullptr) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/driven_signal.h"
+#include "host/open_stream.h"
 #include "host/source.h"
 
 namespace corv::host {
@@ -23,6 +24,7 @@ struct Replay {
 //
 // Throws std::runtime_error, with a sentence, when the recording can't be opened or has no such
 // signal.
-Replay MakeReplay(const std::string& file_name, const std::string& signal, std::int64_t shift);
+Replay MakeReplay(const std::string& file_name, const std::string& signal, std::int64_t shift,
+                  const OpenOptions& options = {});
 
 }  // namespace corv::host

@@ -88,8 +88,11 @@ Trace ReadBusTrace(ISignal& signal, TimeWindow window,
 
 Trace ReadTrace(ISignal& signal, TimeWindow window, const BusFormat& format) {
     if (signal.GetSubSignals() == nullptr) {
-        return ReadScalarTrace(
+        Trace trace = ReadScalarTrace(
             signal, window, [&](IWaveEvent& event) { return TextOf(signal.GetEventText(&event)); });
+        // the number 1 is no level
+        trace.bus = KTypeInfo(CString(signal.GetTypeInfo())).GetKind() != KTypeInfo::KindEnum;
+        return trace;
     }
     const bool characters = IsCharacters(KTypeInfo(CString(signal.GetTypeInfo())));
     return ReadBusTrace(signal, window, [&](IBusEvent& event) {

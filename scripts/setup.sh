@@ -18,11 +18,14 @@ declare -A packages=(
         cmake               command cmake
         ninja-build         command ninja
         libcli11-dev        header CLI/CLI.hpp
-        nlohmann-json3-dev  header nlohmann/json.hpp"
+        nlohmann-json3-dev  header nlohmann/json.hpp
+        zlib1g-dev          header zlib.h"
     [tests]="
         libgtest-dev        header gtest/gtest.h
         pkgconf             command pkg-config
-        binutils            command nm"
+        binutils            command nm
+        ghdl                command ghdl
+        gtkwave             command vcd2fst"
     [bench]="
         libbenchmark-dev    header benchmark/benchmark.h"
     [checks]="

@@ -38,6 +38,7 @@
 #include "corv/stremo/events_stream_write.h"
 #include "corv/stremo/stream_details.h"
 #include "corv/stremo/stream_error.h"
+#include "corv/stremo/stream_progress.h"
 #include "corv/stremo/stream_registry.h"
 #include "corv/stremo/vcd_writer.h"
 #include "corv/typeinfo/type_builders.h"

@@ -6,6 +6,7 @@
 #include "signals/type_cache.h"
 #include "signals/value_text.h"
 #include "stimulus/event_files.h"
+#include "stremo/progress.h"
 #include "stremo/stream_registry.h"
 
 namespace corv {
@@ -17,6 +18,7 @@ int attached = 0;
 void ReleaseState() noexcept {
     stimulus::DeleteEventFiles();
     recording::ResetStreams();
+    recording::ResetProgress();
     ResetCounters();
     signals::ResetHierarchySeparator();
     signals::ResetTypeCache();

@@ -15,10 +15,19 @@
 namespace corv::recording {
 namespace {
 
+// What the readers of one recording share.
+struct Shared {
+    std::unique_ptr<Recording> recording;
+    std::vector<std::uint32_t> interest;
+    std::unique_ptr<BlockStore> blocks;  // once they have been asked for
+};
+
 class RecordingReader final : public SignalReader {
 public:
-    explicit RecordingReader(std::unique_ptr<Recording> recording) noexcept
-        : recording_(std::move(recording)), signals_(recording_->signals()) {}
+    explicit RecordingReader(std::shared_ptr<Shared> shared) noexcept
+        : shared_(std::move(shared)),
+          recording_(shared_->recording.get()),
+          signals_(recording_->signals()) {}
 
     const char* GetFormatName() override { return recording_->FormatName(); }
     int GetSignalCount() override { return static_cast<int>(signals_.TopLevel().size()); }
@@ -36,6 +45,7 @@ public:
     bool GetCachedValue(int handle, void* value) override;
     void MarkStart(const std::int64_t*) override {}
 
+    std::unique_ptr<SignalReader> Share() noexcept override;
     void SetInterest(std::span<const int> handles) override;
     std::unique_ptr<SignalCursor> OpenSignal(int handle) noexcept override;
     std::uint64_t EventCount() noexcept override;
@@ -62,10 +72,10 @@ private:
     bool LoadEvents();
     void StartAt(std::uint32_t moment) noexcept;
 
-    std::unique_ptr<Recording> recording_;
+    const std::shared_ptr<Shared> shared_;
+    Recording* const recording_;
     const SignalTable& signals_;
-    std::vector<std::uint32_t> interest_;
-    std::unique_ptr<BlockStore> blocks_;
+    BlockStore* blocks_ = nullptr;  // the shared ones, once this reader has asked for them
     // The signal whose handle was given last: a handle may stand for several names.
     std::uint32_t given_ = kNone;
 
@@ -161,16 +171,18 @@ void RecordingReader::SetInterest(std::span<const int> handles) {
         }
         std::sort(leaves.begin(), leaves.end());
         leaves.erase(std::unique(leaves.begin(), leaves.end()), leaves.end());
-        interest_ = std::move(leaves);
+        shared_->interest = std::move(leaves);
     });
 }
 
 bool RecordingReader::OpenBlocks() noexcept {
     ClearError();
-    if (blocks_ == nullptr &&
-        !platform::Done([&] { blocks_ = recording_->OpenBlocks(interest_); })) {
+    auto& blocks = shared_->blocks;
+    if (blocks == nullptr &&
+        !platform::Done([&] { blocks = recording_->OpenBlocks(shared_->interest); })) {
         SetError(recording_->file_name(), "memory has run out");
     }
+    blocks_ = blocks.get();
     return blocks_ != nullptr;
 }
 
@@ -330,6 +342,11 @@ bool RecordingReader::ReadValue(void* value) {
 
 // ---- of our own ----
 
+std::unique_ptr<SignalReader> RecordingReader::Share() noexcept {
+    return platform::Guarded<std::unique_ptr<SignalReader>>(
+        nullptr, [&] { return std::make_unique<RecordingReader>(shared_); });
+}
+
 std::unique_ptr<SignalCursor> RecordingReader::OpenSignal(int handle) noexcept {
     const std::uint32_t leaf = signals_.FindLeaf(handle);
     if (leaf == kNone || !OpenBlocks()) {
@@ -352,7 +369,9 @@ const char* RecordingReader::Note(int index) noexcept {
 }  // namespace
 
 std::unique_ptr<SignalReader> MakeReader(std::unique_ptr<Recording> recording) {
-    return std::make_unique<RecordingReader>(std::move(recording));
+    auto shared = std::make_shared<Shared>();
+    shared->recording = std::move(recording);
+    return std::make_unique<RecordingReader>(std::move(shared));
 }
 
 SignalReader* OwnReader(stremo::IEventsStreamRead* reader) noexcept {

@@ -32,6 +32,10 @@ public:
 // What the library's own readers can do besides the listed operations.
 class SignalReader : public stremo::IEventsStreamRead {
 public:
+    // Another reader of the same recording, with a place of its own: what one has read serves all.
+    // Each may end before the others. Null when memory runs out.
+    virtual std::unique_ptr<SignalReader> Share() noexcept = 0;
+
     // Tells the scalars of interest before the first question about events; the others may then
     // have no events and no values. No handles: all, as if never told. A hint, by which large files
     // of other formats are read faster and in less memory.

@@ -15,6 +15,11 @@ void SelectStreamSignals(stremo::IEventsStreamRead& reader, const int* handles,
     }
 }
 
+stremo::IEventsStreamRead* ShareStream(stremo::IEventsStreamRead& reader) noexcept {
+    auto* const own = recording::OwnReader(&reader);
+    return own != nullptr ? own->Share().release() : nullptr;
+}
+
 int CountStreamNotes(stremo::IEventsStreamRead& reader) noexcept {
     auto* const own = recording::OwnReader(&reader);
     return own != nullptr ? own->NoteCount() : 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "stremo/progress.h"
 #include "stremo/stream_error.h"
 #include "stremo/vcd_changes.h"
 #include "stremo/vcd_declarations.h"
@@ -12,14 +13,6 @@ namespace corv::recording {
 namespace {
 
 using vcd::Byte;
-
-// Contents that come from the disk as they are touched may be let go again.
-template <class Content>
-void LetGo(Content& content, platform::Bytes part) {
-    if constexpr (requires { content.Forget(part); }) {
-        content.Forget(part);
-    }
-}
 
 // Whether a word stands where a code is expected: behind a value that is a word of its own.
 bool MayBeCode(const Byte* begin, const Byte* word) noexcept {
@@ -69,7 +62,12 @@ public:
 private:
     std::int64_t LatestTime() const noexcept;
     void TellNotes(const vcd::Notes& notes);
-    void Forget(platform::Bytes part) const { LetGo(*content_, part); }
+    // What has been read comes from the disk again, should it be asked for.
+    void Pass(platform::Bytes part) const {
+        content_->Forget(part);
+        TellProgress(static_cast<std::uint64_t>(part.data() + part.size() - file_.data()),
+                     file_.size());
+    }
 
     std::unique_ptr<platform::FileContent> content_;
     const platform::Bytes file_;
@@ -86,7 +84,7 @@ bool VcdRecording::Open() {
     }
     if (declarations_.has_open_texts) {
         vcd::FindTextLengths(file_, end_, declarations_,
-                             [this](platform::Bytes part) { Forget(part); });
+                             [this](platform::Bytes part) { Pass(part); });
     }
     vcd::MakeSignals(declarations_, LatestTime(), signals_);
     TellNotes(declaration_notes_);
@@ -107,10 +105,11 @@ std::unique_ptr<BlockStore> VcdRecording::OpenBlocks(std::span<const std::uint32
     vcd::Notes notes = declaration_notes_;
     auto blocks = std::make_unique<MemoryBlocks>();
     vcd::Changes changes(file_, declarations_, signals_, leaves, *blocks, notes);
-    if (!changes.Read(end_, [this](platform::Bytes part) { Forget(part); })) {
+    if (!changes.Read(end_, [this](platform::Bytes part) { Pass(part); })) {
         SetError(file_name(), "memory has run out");
         return nullptr;
     }
+    TellProgress(file_.size(), file_.size());
     for (std::uint32_t i = 0; i < signals_.size(); ++i) {
         signals_.SetLatest(i, changes.latest());
     }
@@ -119,7 +118,7 @@ std::unique_ptr<BlockStore> VcdRecording::OpenBlocks(std::span<const std::uint32
 }
 
 void VcdRecording::TellNotes(const vcd::Notes& notes) {
-    notes_ = notes.Sentences(file_, [this](platform::Bytes part) { Forget(part); });
+    notes_ = notes.Sentences(file_, [this](platform::Bytes part) { Pass(part); });
 }
 
 }  // namespace

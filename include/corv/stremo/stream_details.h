@@ -6,7 +6,7 @@
 #include "corv/stremo/events_stream_read.h"
 
 // What the library's own readers know besides the operations of all readers. Of a reader that a
-// host made nothing is known: the selecting changes nothing, the numbers are 0.
+// host made nothing is known: the selecting changes nothing, the numbers are 0, it is not shared.
 namespace corv {
 
 // Tells which scalars' events are asked for, before the first question about events: the others may
@@ -14,6 +14,11 @@ namespace corv {
 // all.
 CORV_API void SelectStreamSignals(stremo::IEventsStreamRead& reader, const int* handles,
                                   int count) noexcept;
+
+// Another reader of the same recording with a place of its own; the caller ends it with delete, in
+// any order. What one of them has read from the file, or was told to select, serves all. Null when
+// memory runs out.
+CORV_API stremo::IEventsStreamRead* ShareStream(stremo::IEventsStreamRead& reader) noexcept;
 
 // What was repaired, guessed or lost when the recording was read, one sentence each; a null text
 // for an index outside. The texts live as long as the reader.
