@@ -90,6 +90,7 @@ int RunConvert(const ConvertCommand& command) {
     } catch (const std::runtime_error& error) {
         throw Failure(error.what());
     }
+    progress.Clear();
     if (!command.quiet) {
         for (const std::string& note : recording->Notes()) {
             WriteMessage("note", note);

@@ -1,5 +1,5 @@
-#include <map>
 #include <memory>
+#include <unordered_map>
 
 #include "cli/command.h"
 #include "cli/json.h"
@@ -50,7 +50,7 @@ Facts FactsOf(const InfoOptions& options) {
     stremo::IEventsStreamRead& reader = recording->Reader();
     Facts facts;
     facts.format = reader.GetFormatName();
-    std::map<int, std::uint64_t> counts;
+    std::unordered_map<int, std::uint64_t> counts;
     const std::int64_t start = 0;
     if (reader.Seek(&start)) {
         for (int handle = reader.Next(); handle != -1; handle = reader.Next()) {

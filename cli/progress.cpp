@@ -47,8 +47,8 @@ std::string Duration(double seconds) {
 Progress::Progress(std::string work)
     : work_(host::CleanText(std::move(work))), on_terminal_(isatty(STDERR_FILENO) != 0) {}
 
-Progress::~Progress() {
-    if (is_shown_) {
+void Progress::Clear() {
+    if (std::exchange(is_shown_, false)) {
         std::fputs("\r\033[K", stderr);
     }
 }

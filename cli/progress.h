@@ -14,10 +14,13 @@ public:
     explicit Progress(std::string work);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
-    ~Progress();
+    ~Progress() { Clear(); }
 
     // How much is done of how much; in bytes, these are told as well.
     void Tell(double done, double all, bool in_bytes = false);
+
+    // Takes the line away.
+    void Clear();
 
 private:
     using Clock = std::chrono::steady_clock;
