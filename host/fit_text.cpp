@@ -57,6 +57,22 @@ std::vector<std::string> Characters(std::string_view text) {
     return characters;
 }
 
+std::string FromLatin1(std::string_view text) {
+    std::string out;
+    while (!text.empty()) {
+        const std::size_t length = std::max<std::size_t>(CharacterLength(text), 1);
+        const auto byte = static_cast<unsigned char>(text[0]);
+        if (length == 1 && byte >= 0xA0) {
+            out += static_cast<char>(0xC0 | byte >> 6);
+            out += static_cast<char>(0x80 | (byte & 0x3F));
+        } else {
+            out += text.substr(0, length);
+        }
+        text.remove_prefix(length);
+    }
+    return out;
+}
+
 std::string CleanText(std::string_view text) {
     std::string clean;
     ForEachCharacter(text, [&](std::string_view c) { clean += c; });

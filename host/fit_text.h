@@ -12,6 +12,10 @@ namespace corv::host {
 // U+FFFD, so that no text can move a terminal's cursor or break a document.
 std::vector<std::string> Characters(std::string_view text);
 
+// The text in UTF-8, of one that is either UTF-8 or ISO 8859-1: bytes that make no character of the
+// one are characters of the other.
+std::string FromLatin1(std::string_view text);
+
 // The text rebuilt from its characters.
 std::string CleanText(std::string_view text);
 

@@ -83,6 +83,9 @@ public:
 
 private:
     ShownValue Shown(const std::string& value) const {
+        if (trace_.plain) {
+            return {ValueClass::Bus, CleanText(value)};
+        }
         return trace_.bus ? ClassifyBus(value) : Classify(value);
     }
 

@@ -1,9 +1,11 @@
 #include "host/signal_trace.h"
 
+#include <string_view>
 #include <utility>
 
 #include "corv/frame/com_ptr.h"
 #include "corv/typeinfo/type_info.h"
+#include "host/fit_text.h"
 
 namespace corv::host {
 namespace {
@@ -42,8 +44,21 @@ bool IsCharacters(const KTypeInfo& type) {
     return true;
 }
 
+// Whether the values are levels of logic.
+bool IsLevel(const KTypeInfo& type) {
+    constexpr std::string_view kLevels = "UX01ZWLH-";
+    bool level = type.GetKind() == KTypeInfo::KindEnum;
+    for (int i = 0; level && i < type.GetNbOfValues(); ++i) {
+        const CString literal = type.GetValue(i, true);
+        level = literal.GetLength() == 3 && literal.GetAt(0) == '\'' &&
+                kLevels.find(literal.GetAt(1)) != std::string_view::npos;
+    }
+    return level;
+}
+
+// VHDL's characters are those of ISO 8859-1.
 std::string TextOf(const char* text) {
-    return text != nullptr ? text : "";
+    return FromLatin1(text != nullptr ? text : "");
 }
 
 }  // namespace
@@ -87,18 +102,20 @@ Trace ReadBusTrace(ISignal& signal, TimeWindow window,
 }
 
 Trace ReadTrace(ISignal& signal, TimeWindow window, const BusFormat& format) {
+    const KTypeInfo type{CString(signal.GetTypeInfo())};
     if (signal.GetSubSignals() == nullptr) {
         Trace trace = ReadScalarTrace(
             signal, window, [&](IWaveEvent& event) { return TextOf(signal.GetEventText(&event)); });
-        // the number 1 is no level
-        trace.bus = KTypeInfo(CString(signal.GetTypeInfo())).GetKind() != KTypeInfo::KindEnum;
+        trace.plain = !IsLevel(type);
         return trace;
     }
-    const bool characters = IsCharacters(KTypeInfo(CString(signal.GetTypeInfo())));
-    return ReadBusTrace(signal, window, [&](IBusEvent& event) {
+    const bool characters = IsCharacters(type);
+    Trace trace = ReadBusTrace(signal, window, [&](IBusEvent& event) {
         const std::string text = TextOf(signal.GetValueTextAt(event.GetTime(), FindAtOrBefore));
         return characters ? format(text) : text;
     });
+    trace.plain = !characters || !IsLevel(type.GetArrayElementKTypeInfo());
+    return trace;
 }
 
 }  // namespace corv::host

@@ -22,6 +22,7 @@ struct Change {
 struct Trace {
     std::string name;
     bool bus = false;                   // the value is that of several elements
+    bool plain = false;                 // no level is meant by "1" or "Z"
     std::optional<std::string> before;  // the value that the signal brought into the window
     std::vector<Change> changes;
     // Where more happened than `changes` tells. Inside, `changes` holds samples of the signal; what
