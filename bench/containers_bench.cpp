@@ -381,7 +381,7 @@ void LoadFromReader(benchmark::State& state) {
     corv::test::FakeReader reader;
     for (int i = 0; i < state.range(0); ++i) {
         reader.top.push_back(i);
-        reader.signals[i] = {NameOf(static_cast<std::size_t>(i)), "e#3#bitc2 01", 0, {}, {}};
+        reader.signals[i] = {NameOf(static_cast<std::size_t>(i)), "e#3#bitc2 01", 0, {}};
     }
     for (auto _ : state) {
         auto container = MakeContainer();

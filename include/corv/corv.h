@@ -3,7 +3,11 @@
 // Every public declaration of corv.
 
 #include "corv/containers/handle_manager.h"
+#include "corv/containers/scalar_data.h"
+#include "corv/containers/scalar_data_container.h"
 #include "corv/containers/signal_container.h"
+#include "corv/containers/signal_data.h"
+#include "corv/containers/signal_data_container.h"
 #include "corv/containers/signal_enumerator.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/frame/interface_ids.h"
@@ -14,6 +18,9 @@
 #include "corv/platform/guid.h"
 #include "corv/platform/result.h"
 #include "corv/platform/unknown.h"
+#include "corv/records/hot_key_data.h"
+#include "corv/records/sti_parser.h"
+#include "corv/records/stim_state.h"
 #include "corv/signals/bus_event.h"
 #include "corv/signals/bus_event_iterator.h"
 #include "corv/signals/byte_stream.h"

@@ -8,6 +8,7 @@
 #include "corv/containers/signal_container.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/signals/byte_stream.h"
+#include "corv/signals/signal.h"
 #include "signals/nesting.h"
 
 namespace stremo {

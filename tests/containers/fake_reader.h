@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "corv/platform/cstring.h"
@@ -19,7 +20,6 @@ public:
         const char* type = nullptr;
         std::int64_t max_time = 0;
         std::vector<int> members;
-        std::map<std::string, std::string> properties;
     };
 
     const char* GetFormatName() override { return "fake"; }
@@ -39,8 +39,7 @@ public:
         max_time = signal.max_time;
     }
     const char* GetSignalProperty(int handle, const char* key) override {
-        const auto& properties = signals[handle].properties;
-        const auto property = properties.find(key);
+        const auto property = properties.find({handle, key});
         return property != properties.end() ? property->second.c_str() : nullptr;
     }
     const char* GetTypeString(int handle) override { return signals[handle].type; }
@@ -52,7 +51,8 @@ public:
     void MarkStart(const std::int64_t*) override {}
 
     std::vector<int> top;
-    std::map<int, Signal> signals;  // by handle
+    std::map<int, Signal> signals;                                  // by handle
+    std::map<std::pair<int, std::string>, std::string> properties;  // by handle and key
     int more_signals = 0;
     int more_members = 0;
 

@@ -271,9 +271,10 @@ TEST(SignalPersistence, WritesItselfToAWriter) {
 TEST(SignalPersistence, LoadsItselfFromAReader) {
     FakeReader reader;
     reader.top = {1, 3};
-    reader.signals[1] = {"v", kTwoBits, 90, {2}, {{"VBus", "b"}}};
-    reader.signals[2] = {"(1)", kBit, 70, {}, {{"Stimulator", "s"}}};
-    reader.signals[3] = {"a", kReal, 0, {}, {}};
+    reader.signals[1] = {"v", kTwoBits, 90, {2}};
+    reader.signals[2] = {"(1)", kBit, 70, {}};
+    reader.signals[3] = {"a", kReal, 0, {}};
+    reader.properties = {{{1, "VBus"}, "b"}, {{2, "Stimulator"}, "s"}};
     const ContainerPtr owner = NewOwner();
     ASSERT_EQ(owner->LoadFromReader(&reader), S_OK);
     ISignal* vector = nullptr;
