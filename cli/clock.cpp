@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "cli/command.h"
+#include "cli/frequency.h"
 #include "cli/json.h"
 #include "cli/options.h"
 #include "cli/output.h"
@@ -19,8 +20,7 @@
 namespace corv::cli {
 namespace {
 
-constexpr double kLongestPeriod = 9.2e18;                                      // picoseconds
-constexpr const char* kFrequencyUnits[] = {"Hz", "kHz", "MHz", "GHz", "THz"};  // by identifier
+constexpr double kLongestPeriod = 9.2e18;  // picoseconds
 
 // A number above 0 in a unit, of time or of frequency.
 struct Rate {

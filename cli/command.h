@@ -29,6 +29,8 @@ void AddConvert(CLI::App& program, Action& chosen);
 void AddFormula(CLI::App& program, Action& chosen);
 void AddClock(CLI::App& program, Action& chosen);
 void AddCounter(CLI::App& program, Action& chosen);
+void AddSti(CLI::App& program, Action& chosen);
+void AddStates(CLI::App& program, Action& chosen);
 void AddMan(CLI::App& program, Action& chosen);
 void AddCompletion(CLI::App& program, Action& chosen);
 

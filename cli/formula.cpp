@@ -3,20 +3,19 @@
 #include <memory>
 
 #include "cli/command.h"
-#include "cli/formulas.h"
 #include "cli/json.h"
 #include "cli/options.h"
 #include "cli/output.h"
+#include "cli/problems.h"
 #include "corv/stimulus/check_formula.h"
 #include "corv/stimulus/formula_parser.h"
 #include "corv/stimulus/stimulus.h"
-#include "host/diagnostic.h"
 #include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
 
-constexpr const char* kName = "formula";  // what stands before the line in messages
+constexpr const char* kName = "formula";  // in messages
 
 struct TextOptions {
     std::string text;
@@ -32,7 +31,7 @@ struct TextOptions {
 };
 
 int RunNormal(const TextOptions& options) {
-    const std::string formula = FormulaText(options.text);
+    const std::string formula = TextOperand(options.text, kName);
     const auto problems = CheckFormula(formula.c_str(), options.Unit());
     if (ReportProblems(kName, formula, problems, options.colour)) {
         return kFailed;
@@ -48,28 +47,13 @@ int RunNormal(const TextOptions& options) {
     return kFine;
 }
 
-std::string Problems(const std::string& formula, const std::vector<FormulaProblem>& problems) {
-    Json list = Json::array();
-    for (const FormulaProblem& problem : problems) {
-        const host::TextPlace place = host::PlaceOf(formula, problem.position);
-        const bool error = problem.severity == FormulaProblem::Severity::Error;
-        list.push_back({{"severity", error ? "error" : "warning"},
-                        {"position", problem.position},
-                        {"length", problem.length},
-                        {"line", place.line},
-                        {"column", place.column},
-                        {"sentence", problem.sentence}});
-    }
-    return JsonLine({{"schema", 1},
-                     {"truncated", problems.size() >= kMaxFormulaProblems},
-                     {"problems", std::move(list)}});
-}
-
 int RunCheck(const TextOptions& options) {
-    const std::string formula = FormulaText(options.text);
+    const std::string formula = TextOperand(options.text, kName);
     const auto problems = CheckFormula(formula.c_str(), options.Unit());
     if (options.json) {
-        WriteOutput("", Problems(formula, problems));
+        Json document = {{"schema", 1}};
+        AppendProblems(document, formula, problems);
+        WriteOutput("", JsonLine(document));
     } else if (!options.quiet) {
         const bool colour = WithColour(options.colour, STDOUT_FILENO);
         WriteOutput("", DescribeProblems(kName, formula, problems, colour));
@@ -78,7 +62,7 @@ int RunCheck(const TextOptions& options) {
 }
 
 int RunSplit(const TextOptions& options) {
-    const std::string formula = FormulaText(options.text);
+    const std::string formula = TextOperand(options.text, kName);
     const auto problems =
         CheckVectorFormula(formula.c_str(), *options.width, options.SplitMode(), host::kPicosecond);
     if (ReportProblems(kName, formula, problems, options.colour)) {
@@ -102,9 +86,7 @@ int RunSplit(const TextOptions& options) {
 CLI::App* AddTextCommand(CLI::App& formula, const std::string& name, const std::string& summary,
                          TextOptions& options, bool with_unit = true) {
     CLI::App* command = formula.add_subcommand(name, summary);
-    command->add_option("TEXT", options.text, "The formula, or - for standard input")
-        ->required()
-        ->type_name("");
+    AddTextOperand(*command, options.text, "The formula, or - for standard input");
     if (with_unit) {
         AddTimeUnit(*command, "--default-unit", options.default_unit,
                     "The unit of times written without one; ps unless given");

@@ -1,19 +1,16 @@
 #include "cli/formulas.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
 
 #include "cli/command.h"
 #include "cli/options.h"
-#include "cli/output.h"
+#include "cli/problems.h"
 #include "corv/stimulus/time_unit.h"
 #include "corv/typeinfo/type_info.h"
 #include "corv/typeinfo/vhdl_type.h"
 #include "corv/util/time_units.h"
-#include "host/diagnostic.h"
 #include "host/named_formula.h"
 #include "host/replay.h"
 #include "host/time_text.h"
@@ -202,7 +199,7 @@ std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
     std::size_t number = 0;
     for (const std::string& argument : options.formulas) {
         auto named = host::SplitNamedFormula(argument, ++number);
-        named.formula = FormulaText(named.formula);
+        named.formula = TextOperand(named.formula, "formula");
         FormulaType type = ReadFormulaType(named.name, named.type);
         type.shape.words |= options.words && type.shape.width > 0;
         failed |= !(type.shape.width == 0 ? LoadScalar(options, named, type, sources)
@@ -255,47 +252,6 @@ host::TimeWindow ChooseWindow(const FormulaOptions& options, std::int64_t natura
                       host::TimeText(window.start));
     }
     return window;
-}
-
-std::string FormulaText(const std::string& argument) {
-    if (argument != "-") {
-        return argument;
-    }
-    static bool read = false;
-    if (read) {
-        throw Failure("standard input can be read for one formula only");
-    }
-    read = true;
-    std::string text = ReadStandardInput();
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
-        text.pop_back();
-    }
-    if (text.find('\0') != std::string::npos) {
-        throw Failure("the formula on standard input holds a zero byte");
-    }
-    return text;
-}
-
-std::string DescribeProblems(const std::string& name, const std::string& formula,
-                             const std::vector<FormulaProblem>& problems, bool colour) {
-    std::string text;
-    for (const FormulaProblem& problem : problems) {
-        text += host::DescribeProblem(name, formula, problem, colour);
-    }
-    return text;
-}
-
-bool ReportProblems(const std::string& name, const std::string& formula,
-                    const std::vector<FormulaProblem>& problems, host::ColourMode colour) {
-    if (problems.empty()) {
-        return false;
-    }
-    const std::string text =
-        DescribeProblems(name, formula, problems, WithColour(colour, STDERR_FILENO));
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    return std::any_of(problems.begin(), problems.end(), [](const FormulaProblem& problem) {
-        return problem.severity == FormulaProblem::Severity::Error;
-    });
 }
 
 }  // namespace corv::cli

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "corv/stimulus/check_formula.h"
 #include "host/bus_text.h"
 #include "host/colour.h"
 #include "host/driven_signal.h"
@@ -67,17 +66,5 @@ FormulaType ReadFormulaType(const std::string& name, const std::string& text);
 host::TimeWindow ChooseWindow(const FormulaOptions& options, std::int64_t natural_end);
 // The latest sensible end of the sources.
 std::int64_t NaturalEnd(const FormulaOptions& options, const std::vector<NamedSource>& sources);
-
-// A formula's text: the argument, or standard input for "-", without line ends behind it. Standard
-// input can be read once. Throws Failure, also for a zero byte: it would end the text early.
-std::string FormulaText(const std::string& argument);
-
-// The problems as text; the name stands before each place.
-std::string DescribeProblems(const std::string& name, const std::string& formula,
-                             const std::vector<FormulaProblem>& problems, bool colour);
-
-// Writes the problems to standard error; true when there is an error among them.
-bool ReportProblems(const std::string& name, const std::string& formula,
-                    const std::vector<FormulaProblem>& problems, host::ColourMode colour);
 
 }  // namespace corv::cli

@@ -61,6 +61,10 @@ void AddChoice(CLI::App& command, const std::string& names, const std::string& w
     });
 }
 
+void AddTextOperand(CLI::App& command, std::string& target, const std::string& text) {
+    command.add_option("TEXT", target, text)->required()->type_name("");
+}
+
 void AddText(CLI::App& command, const std::string& names, const std::string& value,
              std::string& target, const std::string& text) {
     AddValue(command, names, value, text, [&target](const std::string& word) {

@@ -21,6 +21,8 @@ void AddValue(CLI::App& command, const std::string& names, const std::string& va
 // An option with one word of a list, "up|down"; any other word is refused.
 void AddChoice(CLI::App& command, const std::string& names, const std::string& words,
                const std::string& text, std::function<void(const std::string&)> take);
+// The operand TEXT, which the command can't do without.
+void AddTextOperand(CLI::App& command, std::string& target, const std::string& text);
 void AddText(CLI::App& command, const std::string& names, const std::string& value,
              std::string& target, const std::string& text);
 void AddTime(CLI::App& command, const std::string& names, std::optional<std::int64_t>& target,

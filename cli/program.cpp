@@ -10,8 +10,8 @@ namespace corv::cli {
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&, Action&) = {
-    AddDraw,    AddEvents, AddRun,     AddInfo, AddValueAt,    AddConvert,
-    AddFormula, AddClock,  AddCounter, AddMan,  AddCompletion,
+    AddDraw,  AddEvents,  AddRun, AddInfo,   AddValueAt, AddConvert,    AddFormula,
+    AddClock, AddCounter, AddSti, AddStates, AddMan,     AddCompletion,
 };
 
 // The first argument that no command took.

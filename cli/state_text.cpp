@@ -1,0 +1,97 @@
+#include "cli/state_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+
+#include "corv/records/stim_state.h"
+#include "corv/util/time_units.h"
+#include "host/time_text.h"
+
+namespace corv::cli {
+namespace {
+
+// The time of a part as the library reads it.
+std::optional<std::int64_t> TimeOf(const std::string& part) {
+    CStimState single;
+    single.Create(part.c_str());
+    return single.Store(nullptr, 0) > 0 ? std::optional(single.FirstState()) : std::nullopt;
+}
+
+std::string WhySkipped(const std::string& part) {
+    const host::TimeReading reading = host::ReadTime(part);
+    return "skipped: " + (reading.time ? "`" + part + "` has blanks in it; write `" +
+                                             host::TimeText(*reading.time) + "`"
+                                       : reading.problem);
+}
+
+// Whether the part says more than whole picoseconds.
+bool HasFraction(const std::string& part) {
+    double number = 0;
+    int unit = -1;
+    TextToTime(part.c_str(), &number, &unit);
+    const double time =
+        ChangeTime(number, unit < 0 ? host::kPicosecond : static_cast<unsigned>(unit), 1);
+    return time != std::trunc(time);
+}
+
+}  // namespace
+
+StateText ReadStates(const std::string& text) {
+    CStimState states;
+    states.Create(text.c_str());
+    StateText read;
+    read.normal.resize(states.Store(nullptr, 0));
+    states.Store(read.normal.data(), static_cast<unsigned>(read.normal.size()));
+    read.normal.resize(read.normal.size() - (read.normal.empty() ? 0 : 1));
+    // a time may be -1 as well, so the end is known by the number of times only
+    std::int64_t time = states.FirstState();
+    for (std::size_t left = SplitText(read.normal, ';').size(); left > 0; --left) {
+        read.states.push_back({time, states.IsOn(time)});
+        time = states.NextState();
+    }
+    return read;
+}
+
+void CheckStates(std::string_view text, std::size_t offset, ProblemList& problems) {
+    std::optional<std::int64_t> last;
+    for (const auto& [position, view] : SplitText(text, ';')) {
+        const std::string part(view);
+        const auto time = TimeOf(part);
+        const auto complain = [&, at = offset + position](std::string sentence) {
+            problems.Add(at, part.size(), std::move(sentence));
+        };
+        if (!time) {
+            complain(WhySkipped(part));
+            continue;
+        }
+        if (HasFraction(part)) {
+            complain("a time is a whole number of picoseconds; cut to " + StateTime(*time));
+        }
+        if (last && *time <= *last) {
+            complain((*time == *last ? "the time is not later than " : "the time lies before ") +
+                     StateTime(*last) +
+                     ", which stands in front of it; on and off go by turns in the order of the "
+                     "text");
+        } else if (*time < 0) {
+            complain("the time lies before 0");
+        }
+        last = time;
+    }
+}
+
+std::string StateTime(std::int64_t time, std::optional<unsigned> unit) {
+    const std::int64_t size = time < 0 ? -std::max(time, -INT64_MAX) : time;
+    return (time < 0 ? "-" : "") + (unit ? host::TimeText(size, *unit) : host::TimeText(size));
+}
+
+Json StatesJson(const std::vector<SwitchTime>& states) {
+    Json list = Json::array();
+    for (const auto& [time, on] : states) {
+        list.push_back({{"time", time}, {"on", on}});
+    }
+    return list;
+}
+
+}  // namespace corv::cli
