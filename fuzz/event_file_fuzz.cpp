@@ -5,46 +5,34 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "corv/stremo/stream_error.h"
+#include "recording_fuzz.h"
 #include "stremo/block_layout.h"
-#include "stremo/byte_code.h"
 #include "stremo/checksum.h"
 #include "stremo/event_file.h"
 #include "stremo/format.h"
-#include "stremo/recording_reader.h"
 
 namespace {
 
 namespace recording = corv::recording;
 namespace platform = corv::platform;
+using corv::fuzz::Require;
 using Content = std::vector<unsigned char>;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 class OneFile final : public platform::Files {
 public:
     explicit OneFile(Content content) : content_(std::move(content)) {}
     Opened<platform::FileContent> Open(const std::string&) override {
-        return {std::make_unique<Held>(content_), nullptr};
+        return {std::make_unique<corv::fuzz::HeldContent>(content_), nullptr};
     }
     Opened<platform::FileOutput> Create(const std::string&) override { return {}; }
 
 private:
-    struct Held final : platform::FileContent {
-        explicit Held(Content bytes_held) : content(std::move(bytes_held)) {}
-        platform::Bytes bytes() const noexcept override { return content; }
-        Content content;
-    };
     Content content_;
 };
 

@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "corv/stremo/ghw_options.h"
 #include "corv/stremo/stream_error.h"
 
 namespace corv::host {
@@ -91,8 +92,10 @@ std::string Unpack(const std::string& from, const fs::path& to,
                                                       problem + "): what can be unpacked is read";
 }
 
-stremo::IEventsStreamRead* Open(const std::string& file_name, const OpenOptions&) {
-    return stremo::CreateStreamRead(file_name.c_str());
+stremo::IEventsStreamRead* Open(const std::string& file_name, const OpenOptions& options) {
+    return options.time_unit
+               ? OpenGhwRecording(file_name.c_str(), static_cast<int>(*options.time_unit))
+               : stremo::CreateStreamRead(file_name.c_str());
 }
 
 }  // namespace

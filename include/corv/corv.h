@@ -43,6 +43,7 @@
 #include "corv/stimulus/vesk.h"
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
+#include "corv/stremo/ghw_options.h"
 #include "corv/stremo/stream_details.h"
 #include "corv/stremo/stream_error.h"
 #include "corv/stremo/stream_progress.h"

@@ -7,15 +7,11 @@
 
 namespace corv::stimulus {
 
-// Loads the signals of a recording into a new container and finds one there by its name. Null, with
-// the container that was made, when something fails.
-inline ISignal* FindRecordedSignal(stremo::IEventsStreamRead& reader, const char* name,
-                                   frame::ComPtr<ISignalContainer>& container) noexcept {
-    ISignal* signal = nullptr;
-    const bool found = SUCCEEDED(CreateSignalContainer(container.Out(), nullptr)) &&
-                       SUCCEEDED(container->LoadFromReader(&reader)) &&
-                       SUCCEEDED(container->FindSignal(name, &signal));
-    return found ? signal : nullptr;
-}
+// Loads the signals of a recording into a new container and finds one there by its name, as
+// FindSignal does; a signal whose own name has "(" or "." in it, as those inside of generate
+// statements have, is found by that too. Null, with the container that was made, when something
+// fails.
+ISignal* FindRecordedSignal(stremo::IEventsStreamRead& reader, const char* name,
+                            frame::ComPtr<ISignalContainer>& container) noexcept;
 
 }  // namespace corv::stimulus

@@ -91,7 +91,8 @@ bool BlockBuilder::Toggle(std::uint32_t channel, std::uint32_t mask) {
         return false;
     }
     AddChange(channel, mask, kFlipped);
-    events_ += static_cast<unsigned>(std::popcount(mask));
+    const bool single = (mask & (mask - 1)) == 0;
+    events_ += single ? 1 : static_cast<unsigned>(std::popcount(mask));
     return true;
 }
 
@@ -256,25 +257,55 @@ std::uint64_t BlockBuilder::UsedChannels(std::uint32_t first, std::uint32_t end)
 }
 
 void BlockBuilder::PackColumn(std::uint32_t number, const Channel& channel, ChannelState& state) {
-    ByteWriter out(parts_.columns);
-    std::uint32_t moment = 0;
-    std::uint64_t flipped[kMostElements] = {};
-    for (std::uint32_t at = ColumnBegin(number); at < column_ends_[number]; ++at) {
-        const Change& change = changes_[sorted_[at]];
-        const std::uint32_t moments = change.moment - moment;
-        moment = change.moment;
-        if (change.values != kFlipped) {
-            WriteChange(out, state, channel.count, moments, change.mask, &values_[change.values]);
-        } else if ((change.mask & ~state.known) == 0) {
-            WriteFlips(out, state, channel.count, moments, change.mask);
-        } else {
-            std::uint64_t* next = flipped;
-            ForElements(change.mask, channel.count,
-                        [&](unsigned i) { *next++ = state.values[i] ^ 1; });
-            WriteChange(out, state, channel.count, moments, change.mask, flipped);
+    std::uint32_t at = ColumnBegin(number);
+    const std::uint32_t end = column_ends_[number];
+    for (std::uint32_t moment = 0; at < end;) {
+        at = PackFlips(at, end, channel, state, moment);
+        if (at < end) {
+            PackChange(changes_[sorted_[at++]], channel, state, moment);
         }
     }
     NoteLatest(number, channel);
+}
+
+// Packs the changes that flip elements which have values, up to the first other one, whose place it
+// gives. What they do to the state is known when all are seen.
+std::uint32_t BlockBuilder::PackFlips(std::uint32_t at, std::uint32_t end, const Channel& channel,
+                                      ChannelState& state, std::uint32_t& moment) {
+    constexpr std::size_t kMostBytes = 10;  // of a change
+    std::uint32_t last = at;
+    while (last < end && Flips(changes_[sorted_[last]], state)) {
+        ++last;
+    }
+    const std::size_t used = parts_.columns.size();
+    parts_.columns.resize(used + kMostBytes * (last - at));
+    unsigned char* to = parts_.columns.data() + used;
+    std::uint32_t parity = 0;
+    for (; at < last; ++at) {
+        const Change& change = changes_[sorted_[at]];
+        to = StoreVariable(to, std::uint64_t{change.moment - moment} << 2 | kFlips);
+        to = channel.count > 1 ? StoreVariable(to, change.mask) : to;
+        moment = change.moment;
+        parity ^= change.mask;
+    }
+    parts_.columns.resize(static_cast<std::size_t>(to - parts_.columns.data()));
+    ForElements(parity, channel.count, [&](unsigned i) { state.values[i] ^= 1; });
+    return at;
+}
+
+void BlockBuilder::PackChange(const Change& change, const Channel& channel, ChannelState& state,
+                              std::uint32_t& moment) {
+    ByteWriter out(parts_.columns);
+    std::uint64_t flipped[kMostElements];
+    const std::uint64_t* values = flipped;
+    if (change.values == kFlipped) {
+        std::uint64_t* next = flipped;
+        ForElements(change.mask, channel.count, [&](unsigned i) { *next++ = state.values[i] ^ 1; });
+    } else {
+        values = &values_[change.values];
+    }
+    WriteChange(out, state, channel.count, change.moment - moment, change.mask, values);
+    moment = change.moment;
 }
 
 void BlockBuilder::NoteLatest(std::uint32_t number, const Channel& channel) noexcept {

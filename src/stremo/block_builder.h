@@ -84,6 +84,13 @@ private:
     void PackGroup(std::uint32_t first, std::uint32_t end);
     std::uint64_t UsedChannels(std::uint32_t first, std::uint32_t end) const noexcept;
     void PackColumn(std::uint32_t number, const Channel& channel, ChannelState& state);
+    bool Flips(const Change& change, const ChannelState& state) const noexcept {
+        return change.values == kFlipped && (change.mask & ~state.known) == 0;
+    }
+    std::uint32_t PackFlips(std::uint32_t at, std::uint32_t end, const Channel& channel,
+                            ChannelState& state, std::uint32_t& moment);
+    void PackChange(const Change& change, const Channel& channel, ChannelState& state,
+                    std::uint32_t& moment);
     void NoteLatest(std::uint32_t number, const Channel& channel) noexcept;
     // Where the changes of a channel begin in sorted_.
     std::uint32_t ColumnBegin(std::uint32_t channel) const noexcept {

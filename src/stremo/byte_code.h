@@ -63,6 +63,15 @@ constexpr std::size_t VariableLength(std::uint64_t value) noexcept {
     return (static_cast<std::size_t>(std::bit_width(value | 1)) + 6) / 7;
 }
 
+// Writes a variable number where there is room for it (10 bytes at the most); gives its end.
+inline unsigned char* StoreVariable(unsigned char* to, std::uint64_t value) noexcept {
+    for (; value >= 0x80; value >>= 7) {
+        *to++ = static_cast<unsigned char>(value | 0x80);
+    }
+    *to++ = static_cast<unsigned char>(value);
+    return to;
+}
+
 // Appends to bytes.
 class ByteWriter {
 public:

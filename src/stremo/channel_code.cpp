@@ -231,15 +231,6 @@ void WriteChange(ByteWriter& out, ChannelState& state, unsigned count, std::uint
     }
 }
 
-void WriteFlips(ByteWriter& out, ChannelState& state, unsigned count, std::uint32_t moments,
-                std::uint32_t mask) {
-    out.Variable(std::uint64_t{moments} << 2 | kFlips);
-    if (count > 1) {
-        out.Variable(mask);
-    }
-    ForElements(mask, count, [&](unsigned i) { state.values[i] ^= 1; });
-}
-
 std::uint32_t detail::ReadVectorChange(ByteReader& in, ChannelState& state, unsigned count,
                                        unsigned kind) noexcept {
     if (kind == kDense) {

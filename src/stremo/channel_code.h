@@ -17,9 +17,6 @@ bool SkipStart(ByteReader& in, unsigned count) noexcept;
 // mask take the values, in their order. The state is moved on.
 void WriteChange(ByteWriter& out, ChannelState& state, unsigned count, std::uint32_t moments,
                  std::uint32_t mask, const std::uint64_t* values);
-// The same for elements that have values: their lowest bits flip.
-void WriteFlips(ByteWriter& out, ChannelState& state, unsigned count, std::uint32_t moments,
-                std::uint32_t mask);
 
 namespace detail {
 void WriteLongStart(ByteWriter& out, const ChannelState& state, unsigned count);

@@ -41,10 +41,17 @@ public:
         if (!finished_ && notes_ != nullptr) {
             notes_->Add(in_.offset(), Ending());
         }
+        Pass(source_.file.size());
     }
 
 private:
     static constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
+    static constexpr std::size_t kPart = std::size_t{1} << 22;
+
+    void Pass(std::size_t offset) {
+        source_.passed(source_.file.subspan(passed_, offset - passed_));
+        passed_ = offset;
+    }
 
     void Note(std::size_t offset, std::string_view sentence) {
         if (notes_ != nullptr) {
@@ -155,6 +162,9 @@ private:
                 return;
             }
             SetTime(time_ + step, offset);
+            if (offset - passed_ >= kPart) [[unlikely]] {
+                Pass(offset);
+            }
         }
     }
 
@@ -175,7 +185,8 @@ private:
             if (at < last) [[likely]] {
                 // a distance of one byte or two, without a branch: which it is can't be foreseen
                 const std::size_t more = *at >> 7;
-                const std::size_t distance = (*at & 0x7F) | (at[1] << 7 & (0 - more) & 0x3FFF);
+                const std::size_t distance =
+                    (*at & 0x7FU) | (std::size_t{at[1]} << 7 & (0 - more) & 0x3FFF);
                 if (*at == 0) {
                     in_.MoveTo(at + 1);
                     return true;
@@ -224,6 +235,7 @@ private:
     Input in_;
     std::int64_t time_ = 0;
     std::int64_t whole_time_ = -1;  // of which all values were read
+    std::size_t passed_ = 0;
     bool behind_snapshot_ = false;
     bool finished_ = false;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "stremo/block_store.h"
@@ -21,6 +22,8 @@ struct ChangeSource {
     std::size_t offset;  // behind the hierarchy
     const Nets& nets;
     const TimeScale& time_scale;
+    // Told now and then what part of the file has been read.
+    std::function<void(Bytes)> passed;
 };
 
 // Walks over all values without keeping any. Gives the last time in picoseconds, -1 without one,

@@ -75,8 +75,8 @@ void Hierarchy::Read(Input& in) {
     in.Number32();  // scopes
     in.Number32();  // declared signals
     const std::uint32_t most = in.Number32();
-    // parts without leaves take no bytes
-    most_signals_ = kMostMembers + 4 * in.file().size();
+    // a leaf takes a byte, and few levels are above it; parts without leaves take no bytes
+    most_signals_ = 65'536 + 16 * in.file().size();
     while (in.ok()) {
         const unsigned kind = in.Byte();
         if (kind == 0) {

@@ -14,6 +14,7 @@
 #include "stremo/ghw_time.h"
 #include "stremo/ghw_type_text.h"
 #include "stremo/ghw_types.h"
+#include "stremo/progress.h"
 #include "stremo/stream_error.h"
 
 namespace corv::recording {
@@ -33,6 +34,8 @@ constexpr std::array<std::string_view, kSectionCount> kTags{
     std::string_view("WKT\0\0\0\0\0", 8),
     std::string_view("HIE\0\0\0\0\0", 8),
 };
+constexpr std::array<const char*, kSectionCount> kSectionNames{
+    "the strings", "the types", "the well-known types", "the hierarchy"};
 
 class GhwRecording final : public Recording {
 public:
@@ -48,16 +51,23 @@ public:
 private:
     bool ReadHeader();
     bool ReadSections(int time_unit);
-    Section NextSection(const bool (&read)[kSectionCount]);
+    Section NextSection(const bool (&read)[kSectionCount], const std::string& place);
     Section FindSection(const bool (&read)[kSectionCount]);
     void ReadHierarchy(const ghw::Strings& strings, const ghw::Types& types);
     void FindLastTime();
 
-    ghw::ChangeSource Source() const noexcept {
-        return {in_.file(), big_endian_, changes_, nets_, time_scale_};
+    ghw::ChangeSource Source() const {
+        return {in_.file(), big_endian_, changes_,
+                nets_,      time_scale_, [this](platform::Bytes part) { Pass(part); }};
+    }
+    // What has been read comes from the disk again, should it be asked for.
+    void Pass(platform::Bytes part) const noexcept {
+        content_->Forget(part);
+        TellProgress(static_cast<std::uint64_t>(part.data() + part.size() - in_.file().data()),
+                     in_.file().size());
     }
     void TellNotes() { notes_ = remarks_.Sentences(); }
-    bool Refuse(std::size_t offset, const char* why) const {
+    bool Refuse(std::size_t offset, std::string_view why) const {
         SetError(file_name(), offset, why);
         return false;
     }
@@ -113,16 +123,19 @@ bool GhwRecording::ReadSections(int time_unit) {
     ghw::Strings strings;
     ghw::Types types(strings, has_units_, remarks_);
     bool read[kSectionCount] = {};
+    std::string place;  // where reading has failed
     for (Section section = kStrings; section != kHierarchy;) {
-        section = NextSection(read);
+        section = NextSection(read, place);
         if (section == kSectionCount) {
-            return Refuse(in_.offset(), in_.ok() ? "the signals can't be found" : in_.failure());
+            return Refuse(in_.offset(), place + in_.failure());
         }
         read[section] = true;
+        place = kSectionNames[section] + std::string(": ");
         if (section == kStrings) {
             strings.Read(in_, remarks_);
         } else if (section == kTypes) {
             types.Read(in_);
+            place = in_.ok() ? place : "type " + std::to_string(types.count() + 1) + ": ";
         } else if (section == kWellKnown) {
             types.ReadWellKnown(in_);
         }
@@ -134,11 +147,12 @@ bool GhwRecording::ReadSections(int time_unit) {
     return true;
 }
 
-// The section that stands next, whose tag is read; kSectionCount when there is none any more.
-Section GhwRecording::NextSection(const bool (&read)[kSectionCount]) {
+// The section that stands next, whose tag is read; kSectionCount when there is none any more: then
+// the input has failed.
+Section GhwRecording::NextSection(const bool (&read)[kSectionCount], const std::string& place) {
     const std::size_t offset = in_.offset();
     if (!in_.ok()) {
-        remarks_.Add(offset, std::string(in_.failure()) + "; this section is read no further");
+        remarks_.Add(offset, place + in_.failure() + "; this section is read no further");
         return FindSection(read);
     }
     std::size_t next = kSectionCount;
@@ -187,7 +201,7 @@ void GhwRecording::ReadHierarchy(const ghw::Strings& strings, const ghw::Types& 
     hierarchy.Read(in_);
     nets_ = hierarchy.TakeNets();
     if (!in_.ok()) {
-        remarks_.Add(in_.offset(), std::string(in_.failure()) +
+        remarks_.Add(in_.offset(), kSectionNames[kHierarchy] + std::string(": ") + in_.failure() +
                                        "; the signals behind it and all values are left out");
     } else if (!hierarchy.nets_known()) {
         remarks_.Add(in_.offset(), "the values can't be told apart and are left out");

@@ -8,7 +8,6 @@
 #include "platform/ascii.h"
 #include "typeinfo/named_types.h"
 #include "typeinfo/type_text.h"
-#include "util/saturate.h"
 
 namespace corv::ghw {
 namespace {
@@ -180,14 +179,12 @@ const char* TypeTexts::UnitsOf(std::uint32_t type) {
         return units_[root];
     }
     std::string text;
-    const std::int64_t scale = ScaleOf(types_[root]);
     for (std::uint32_t i = 0; i < types_[root].count && !budget_.spent(); ++i) {
         const Unit& unit = types_.UnitOf(types_[root], i);
-        const int time_unit = util::FindTimeUnit(unit.name);
-        // units below that of the file have no value there
-        const std::int64_t value = unit.value == 0 && scale > 1 && time_unit >= 0
-                                       ? util::kFemtoseconds[static_cast<unsigned>(time_unit)]
-                                       : util::SaturatingMultiply(unit.value, scale);
+        // what the file says of those of time depends on its own unit
+        const int time_unit = root == types_.time() ? util::FindTimeUnit(unit.name) : -1;
+        const std::int64_t value =
+            time_unit >= 0 ? util::kFemtoseconds[static_cast<unsigned>(time_unit)] : unit.value;
         const std::size_t before = text.size();
         text += text.empty() ? "" : ", ";
         text.append(unit.name).append(" = ").append(std::to_string(value));

@@ -124,11 +124,11 @@ void Types::ReadType(unsigned kind, Input& in) {
     }
 }
 
-// Of the type whose units are those of time.
+// Of the type whose units are those of time. Others may have its name, but not its primary unit.
 void Types::FindTime(std::uint32_t place, std::size_t offset) noexcept {
     const Type& type = types_[place];
     if (time_ == kNoType && type.kind == Kind::kWidePhysical && type.root == place &&
-        type.name == "time") {
+        type.name == "time" && (type.count == 0 || UnitOf(type, 0).name == "fs")) {
         time_ = place;
         time_offset_ = offset;
     }
@@ -245,6 +245,7 @@ void Types::ReadSubtype(Input& in, Type& type, bool bounds) {
         return;
     }
     type = bounds ? Bounded(in, base.root) : base;
+    type.bounded = bounds || (base.bounded && base.kind == Kind::kRecord);
     // the name of an array without bounds says what it is an array of: "std_logic_vector"
     const bool keeps = name.empty() || (bounds && base.kind == Kind::kArray);
     type.name = keeps ? base.name : name;

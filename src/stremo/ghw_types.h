@@ -83,6 +83,8 @@ public:
     // A value of a scalar type of this kind; of a real number the bits.
     static std::int64_t ReadValue(Input& in, Kind kind) noexcept;
 
+    // How many the file numbers.
+    std::size_t count() const noexcept { return numbers_.size(); }
     // Places begin at 0, with kNoType.
     std::uint32_t size() const noexcept { return static_cast<std::uint32_t>(types_.size()); }
     const Type& operator[](std::uint32_t type) const noexcept { return types_[type]; }

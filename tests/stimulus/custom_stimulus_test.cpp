@@ -274,6 +274,46 @@ TEST_F(CustomStimulus, FormulasOfABusAreCutIntoItsMembers) {
     EXPECT_EQ(list.GetSize(), 0);  // a scalar has no members
 }
 
+// What looks like a selection may belong to the name of a signal.
+TEST_F(CustomStimulus, FindsNamesWithParentheses) {
+    const std::string path = testing::TempDir() + std::to_string(getpid()) + "names.evt";
+    const std::vector<std::string> names{
+        "t\\gen(0)\\a", "t\\gen(1)\\bus", "t\\gen(1)\\bus(2)\\b", "t\\\\x(1).y\\\\c", "(1)", "gen"};
+    std::unique_ptr<IEventsStreamWrite> writer(stremo::CreateStreamWrite(path.c_str()));
+    ASSERT_TRUE(writer);
+    for (int i = 0; i < 6; ++i) {
+        const std::int64_t none = -1;
+        if (i == 1) {
+            EXPECT_TRUE(writer->WriteCompositeSignal(9, 1, names[1].c_str(), -1, 1, 0, &none));
+            EXPECT_TRUE(writer->WriteTypeInfo(9, kBus));
+        }
+        const char* const name = i == 1 ? "(1)" : names[static_cast<std::size_t>(i)].c_str();
+        EXPECT_TRUE(writer->WriteScalarSignal(i, name, -1, i, 0, &none));
+        EXPECT_TRUE(writer->WriteTypeInfo(i, kLogic));
+    }
+    const unsigned char value = 3;
+    for (std::int64_t time = 0; time < 6; ++time) {
+        EXPECT_TRUE(writer->WriteEvent(static_cast<int>(time), &time, &value, 1));
+    }
+    EXPECT_TRUE(writer->Close());
+    const std::vector<std::pair<std::string, std::int64_t>> found{{"T\\Gen(0)\\a", 0},
+                                                                  {"t\\gen(1)\\bus(1)", 1},
+                                                                  {"t\\gen(1)\\bus(2)\\b", 2},
+                                                                  {names[3], 3},
+                                                                  {"(1)", 4},
+                                                                  {"gen(1)", 5}};
+    for (const auto& [name, time] : found) {
+        CCustomStimulus custom;
+        EXPECT_EQ(custom.Create(path.c_str(), name.c_str()), 1) << name;
+        EXPECT_EQ(custom.GetNextEventTime(-1), time) << name;
+    }
+    for (const char* const name : {"t\\gen(2)\\a", "t\\gen(1)\\bus(2)", "t\\gen(0)\\ab", ""}) {
+        CCustomStimulus custom;
+        EXPECT_EQ(custom.Create(path.c_str(), name), 0) << name;
+    }
+    std::remove(path.c_str());
+}
+
 // Files named in formulas go when the library is detached, recordings of registered names stay.
 TEST(EventFiles, AreDeletedAtTheEnd) {
     for (const bool deletion : {true, false}) {

@@ -1,11 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "corv/stremo/ghw_options.h"
 #include "corv/util/time_units.h"
 #include "tests/stremo/ghw_support.h"
 #include "tests/support/failing_alloc.h"
+#include "tests/support/other_programs.h"
 
 namespace corv::test {
 namespace {
@@ -81,6 +86,21 @@ TEST(GhwTypes, TakeBoundsForWhatHasNone) {
         expected += std::string("pair.c") + leaf + " " + element + "\n";
     }
     EXPECT_EQ(Listing(file.Bytes()), expected);
+}
+
+// An array subtype without bounds has none, even one of an array that has.
+TEST(GhwTypes, LeaveBoundsOutAgain) {
+    GhwFile file;
+    const Number integer = file.Type(25, "integer");
+    const Number open = file.Array("list", integer, {integer});
+    const Number bound = file.Subtype(35, "list2", open, GhwFile::Range(1, 2));
+    const Number reopened = file.Subtype(37, "again", bound);
+    const Number lists = file.Array("lists", reopened, {integer});
+    file.Signal("a", file.Subtype(35, "", lists, GhwFile::Range(0, 0) + GhwFile::Range(9, 9)), {1});
+    const std::string text = "i#7#integerrict-2147483648 2147483647";
+    const std::string inner = "a#13#again(9 to 9)1 rict9 9 " + text;
+    EXPECT_EQ(Listing(file.Bytes()), "a a#13#lists(0 to 0)1 rict0 0 " + inner + "\na(0) " + inner +
+                                         "\na(0)(9) " + text + "\n");
 }
 
 TEST(GhwTypes, OfScalarsHaveTheirString) {
@@ -270,10 +290,11 @@ TEST(GhwTimes, AreInTheUnitOfTheTypeTime) {
              Row{1, 1000, 1000000, -1, "t: 0 5, 0 6", "fs = 1, ps = 1000, ns = 1000000"},
              Row{0, 1, 1000, -1, "t: 0 5000, 7 6000", "fs = 1, ps = 1000, ns = 1000000"},
              Row{0, 0, 1, -1, "t: 0 5e+06, 7000 6e+06", "fs = 1, ps = 1000, ns = 1000000"},
-             Row{0, 0, 1, 3, "t: 0 5e+09, 7000000 6e+09", "fs = 1, ps = 1000, ns = 1000000000"},
-             Row{1, 2, 3, 0, "t: 0 6", "fs = 1, ps = 2, ns = 3"},
+             Row{0, 0, 1, 3, "t: 0 5e+09, 7000000 6e+09", "fs = 1, ps = 1000, ns = 1000000"},
+             Row{1, 2, 3, 0, "t: 0 6", "fs = 1, ps = 1000, ns = 1000000"},
          }) {
         GhwFile file;
+        file.Physical(29, "time", {{"tick", 1}, {"min", 60}});  // another one
         const Number time =
             file.Physical(29, "time", {{"fs", row.fs}, {"ps", row.ps}, {"ns", row.ns}});
         const Number range = file.Subtype(34, "time", time, GhwFile::Range(0, 100, 29));
@@ -304,6 +325,26 @@ TEST(GhwTimes, BeyondTheRangeStayAtItsEnd) {
     file.Cycles(0, GhwFile::Step(std::int64_t{1} << 62) + GhwFile::Bit(1, 1) + GhwFile::End());
     EXPECT_EQ(Changes(file.Bytes(), UnitIDFromName("hr")).substr(0, 33),
               "a: 0 '0', 9223372036854775807 '1'");
+}
+
+TEST(GhwTimes, AreInTheUnitThatIsGiven) {
+    const TemporaryFolder folder;
+    GhwFile file = SomeSignals();
+    file.Snapshot(0, Start(file));
+    file.Cycles(0, GhwFile::Step(3'000) + GhwFile::Bit(1, 1) + GhwFile::End());
+    std::ofstream(folder.Path("a.ghw"), std::ios::binary) << file.Bytes();
+    std::ofstream(folder.Path("a.vcd")) << "$enddefinitions $end";
+    for (const auto& [unit, time] : {std::pair(-1, "3"), {0, "3"}, {2, "3000000"}, {8, "3"}}) {
+        const std::unique_ptr<stremo::IEventsStreamRead> reader(
+            OpenGhwRecording(folder.Path("A.ghw").c_str(), unit));
+        ASSERT_NE(reader, nullptr) << LastStreamError();
+        EXPECT_NE(ChangeText(SeenLeaves(*reader).leaves).find("a: 0 '0', " + std::string(time)),
+                  std::string::npos);
+    }
+    EXPECT_EQ(OpenGhwRecording(folder.Path("a.vcd").c_str(), 0), nullptr);
+    EXPECT_EQ(LastStreamError(), folder.Path("a.vcd") + ": it is no GHW file");
+    EXPECT_EQ(OpenGhwRecording(folder.Path("b.ghw").c_str(), 0), nullptr);
+    EXPECT_EQ(OpenGhwRecording(nullptr, 0), nullptr);
 }
 
 // ---- damage ----
@@ -338,6 +379,22 @@ TEST(GhwDamage, IsToldWithItsPlace) {
     }
 }
 
+TEST(GhwDamage, OfATypeIsToldWithItsNumber) {
+    GhwFile file;
+    const Number bit = file.Enumeration("bit", {"'0'", "'1'"});
+    file.Type(30, "unknown");
+    file.Signal("a", bit, {1});
+    file.Snapshot(0, std::string(1, '\1'));
+    EXPECT_EQ(Changes(file.Bytes()), "a: 0 '1'");
+    EXPECT_NE(Notes(file.Bytes()).find(": type 2: a type is of an unknown kind; this section"),
+              std::string::npos)
+        << Notes(file.Bytes());
+    file.Signal("b", 2, {2});
+    EXPECT_NE(Notes(file.Bytes()).find("the hierarchy: the type of a signal has no size"),
+              std::string::npos)
+        << Notes(file.Bytes());
+}
+
 TEST(GhwDamage, OfNumbersLeavesTheSignals) {
     // a number above all, with a gap where it belongs
     GhwFile file = SomeSignals();
@@ -367,10 +424,47 @@ TEST(GhwDamage, OfOneMarkIsRepaired) {
     }
 }
 
+// Few bytes with every kind of type, scope and value.
+std::string Everything() {
+    GhwFile file;
+    const Number logic = file.Logic();
+    const Number integer = file.Type(25, "integer");
+    const Number natural = file.Subtype(34, "natural", integer, GhwFile::Range(0, 99));
+    const Number op = file.Enumeration("op", {"rd", "'w'", "\\x y\\"});
+    const Number time = file.Physical(29, "time", {{"fs", 0}, {"ps", 1}, {"ns", 1000}});
+    const Number ohms = file.Physical(28, "res", {{"ohm", 1}});
+    const Number real = file.Type(27, "real");
+    const Number open = file.Array("bits", logic, {natural});
+    const Number bits = file.Subtype(37, "b", open);
+    const Number record = file.Record("rec", {{"a", bits}, {"o", op}, {"t", time}});
+    const Number records = file.Array("recs", record, {op, integer});
+    const Number made = file.Subtype(
+        35, "", records, GhwFile::Positions(0, 1) + GhwFile::Range(-1, -1) + GhwFile::Range(1, 0));
+    file.well_known = "\3" + GhwFile::Unsigned(logic);
+    file.Scope(7, "p");
+    file.EndScope();
+    file.Scope(6, "top");
+    file.Scope(13, "run");
+    file.Signal("c", logic, {1});
+    file.Signal("m", made, {2, 3, 4, 5, 6, 7, 8, 9});
+    file.hierarchy += '\5' + file.Name("gen") + GhwFile::Unsigned(integer) + GhwFile::Signed(-3);
+    file.Signal("c", logic, {1}, 17);
+    file.Signal("i", integer, {10});
+    file.EndScope();
+    file.Signal("w", ohms, {12});
+    file.Signal("r", real, {14});
+    file.EndScope();
+    file.Snapshot(
+        0, std::string("\2\0\1\2\5\0\3\1\6", 9) + GhwFile::Signed(-5) + "\7" + file.Real(0.25));
+    file.Cycles(0, GhwFile::Bit(1, 3) + GhwFile::Step(5) + GhwFile::Bit(2, 4) + '\2' + '\1' + '\1' +
+                       GhwFile::Signed(-300) + GhwFile::Step(2000) + GhwFile::Bit(1, 2) + '\x0A' +
+                       GhwFile::Signed(999) + '\1' + file.Real(-1.5) + GhwFile::End());
+    return file.Bytes();
+}
+
 // Every value that a file tells before it is cut, and no other.
 TEST(GhwDamage, OfACutFileLeavesWhatStandsBefore) {
-    for (const char* const name : {"tb_composite.ghw", "tb_delta.ghw"}) {
-        const std::string sample = GhwSample(name);
+    for (const std::string& sample : {Everything(), GhwSample("tb_delta.ghw")}) {
         const auto whole = OpenGhwBytes(sample);
         const std::vector<SeenLeaf> leaves = SeenLeaves(*whole).leaves;
         std::size_t most = 0;
@@ -412,18 +506,18 @@ void ReadDamaged(const std::string& bytes) {
 }
 
 TEST(GhwDamage, OfAnyByteIsSurvived) {
-    const std::string small = GhwSample("tb_delta.ghw");
-    for (std::size_t i = 0; i < small.size(); ++i) {
+    const std::string whole = Everything();
+    EXPECT_EQ(Notes(whole), "");
+    EXPECT_EQ(Changes(whole),
+              "top.c: 0 '1', 2005 '0'; top.m(rd,-1).a(1): 0 'U', 5 'Z'; "
+              "top.m(rd,-1).a(0): 0 'X'; top.m(rd,-1).o: 0 \\x_y\\, 5 'w'; "
+              "top.m(rd,-1).t: 0 5000, 5 -3e+05; top.m('w',-1).a(1): 0 'U'; "
+              "top.m('w',-1).a(0): 0 '1'; top.m('w',-1).o: 0 'w'; top.m('w',-1).t: 0 6000; "
+              "top.gen(-3).c: 0 '1', 2005 '0'; top.gen(-3).i: 0 -5; top.w: 0 7, 2005 999; "
+              "top.r: 0 0.25, 2005 -1.5");
+    for (std::size_t i = 0; i < whole.size(); ++i) {
         for (const int flip : {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80, 0x7F, 0xFF}) {
-            std::string bytes = small;
-            bytes[i] = static_cast<char>(bytes[i] ^ flip);
-            ReadDamaged(bytes);
-        }
-    }
-    const std::string types = GhwSample("tb_composite.ghw");
-    for (std::size_t i = types.find(std::string("TYP", 4)); i < types.size(); ++i) {
-        for (const int flip : {0x01, 0x80, 0xFF}) {
-            std::string bytes = types;
+            std::string bytes = whole;
             bytes[i] = static_cast<char>(bytes[i] ^ flip);
             ReadDamaged(bytes);
         }
@@ -441,7 +535,7 @@ TEST(GhwLimits, HoldForAFewBytesThatStandForMuch) {
     const Number empty = file.Record("empty", {});
     const Number empties = file.Array("empties", empty, {integer});
     const Number many = file.Subtype(35, "", empties, GhwFile::Range(1, 1'000'000'000));
-    const Number some = file.Subtype(35, "", empties, GhwFile::Range(1, 1'000'000));
+    const Number some = file.Subtype(35, "", empties, GhwFile::Range(1, 60'000));
     const Number far = file.Subtype(
         35, "", bits, GhwFile::Range(std::int64_t{1} << 40, (std::int64_t{1} << 40) + 1, 26));
     Number twice = bit;
@@ -488,7 +582,7 @@ TEST(GhwAllocation, FailuresLoseNothing) {
     const std::string sample = GhwSample("tb_hier.ghw");
     const auto count = [&]() -> std::uint64_t {
         try {
-            const auto recording = recording::OpenGhw("a", std::make_unique<GhwContent>(sample));
+            const auto recording = recording::OpenGhw("a", std::make_unique<HeldContent>(sample));
             const auto blocks = recording != nullptr ? recording->OpenBlocks({}) : nullptr;
             return blocks != nullptr ? blocks->EventCount() : 0;
         } catch (const std::bad_alloc&) {

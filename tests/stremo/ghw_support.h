@@ -18,32 +18,18 @@
 #include "corv/signals/hierarchy_separator.h"
 #include "corv/stremo/stream_error.h"
 #include "corv/typeinfo/type_info.h"
-#include "platform/files.h"
-#include "stremo/byte_code.h"
 #include "stremo/ghw_recording.h"
-#include "stremo/recording_reader.h"
-#include "stremo/signal_cursor.h"
+#include "tests/stremo/reader_support.h"
 
 namespace corv::test {
 
 // ---- reading ----
 
-class GhwContent final : public platform::FileContent {
-public:
-    // Bytes in a block of their own, so that reading past the end is found.
-    explicit GhwContent(const std::string& bytes) : bytes_(bytes.begin(), bytes.end()) {}
-    platform::Bytes bytes() const noexcept override { return bytes_; }
-
-private:
-    std::vector<unsigned char> bytes_;
-};
-
 // Null when the bytes can't be opened.
 inline std::unique_ptr<recording::SignalReader> OpenGhwBytes(const std::string& bytes,
                                                              int time_unit = -1) {
-    auto recording =
-        recording::OpenGhwIn("bytes.ghw", std::make_unique<GhwContent>(bytes), time_unit);
-    return recording != nullptr ? recording::MakeReader(std::move(recording)) : nullptr;
+    auto content = std::make_unique<HeldContent>(bytes);
+    return ReaderOf(recording::OpenGhwIn("bytes.ghw", std::move(content), time_unit));
 }
 
 inline std::string GhwSample(const std::string& name) {
@@ -96,26 +82,20 @@ private:
     }
 
     void Add(int handle, const std::string& above) {
-        bool composite = false;
-        int members = 0;
-        int mode = 0;
-        std::int64_t latest = 0;
-        CString name;
-        reader_.GetSignalInfo(handle, composite, members, name, mode, latest);
-        std::string path(name.View());
+        const SignalInfo info(reader_, handle);
+        std::string path = info.name;
         std::replace(path.begin(), path.end(), HierarchySeparator(), '.');
         path = above + path;
-        const std::string type = reader_.GetTypeString(handle);
-        if (composite) {
-            composites.push_back(path + " " + type);
+        if (info.composite) {
+            composites.push_back(path + " " + info.type);
         } else {
             by_handle_[handle].push_back(leaves.size());
-            leaves.push_back({path, type, handle, latest, {}});
-            types_.push_back(&TypeOf(type));
-            EXPECT_TRUE(types_.back()->IsScalar()) << type;
+            leaves.push_back({path, info.type, handle, info.latest, {}});
+            types_.push_back(&TypeOf(info.type));
+            EXPECT_TRUE(types_.back()->IsScalar()) << info.type;
         }
-        EXPECT_NE(TypeOf(type).GetKind(), KTypeInfo::KindNone) << type;
-        for (int i = 0; i < members; ++i) {
+        EXPECT_NE(TypeOf(info.type).GetKind(), KTypeInfo::KindNone) << info.type;
+        for (int i = 0; i < info.members; ++i) {
             Add(reader_.GetSubSignalHandle(handle, i), path);
         }
     }

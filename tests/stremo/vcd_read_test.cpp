@@ -309,7 +309,7 @@ TEST(VcdDamage, HugeDeclarationsTakeLittleMemory) {
     for (int i = 0; i < 400; ++i) {
         text += nested + "$var reg 1 c n $end ";
     }
-    const TextContent content(text + "$enddefinitions $end");
+    const HeldContent content(text + "$enddefinitions $end");
     const platform::Bytes bytes = content.bytes();
     vcd::Notes notes;
     recording::SignalTable texts;
@@ -333,7 +333,7 @@ TEST(VcdDamage, TextsWithoutDeclarationsAreRefused) {
 
 TEST(VcdDamage, MemoryMayRunOut) {
     const std::string text = ReadFileText(SampleName("tb_verilog.vcd"));
-    const auto content = [&] { return std::make_unique<TextContent>(text); };
+    const auto content = [&] { return std::make_unique<HeldContent>(text); };
     const auto open = [&]() -> std::unique_ptr<recording::BlockStore> {
         try {
             const auto recording = recording::OpenVcd("t", content());

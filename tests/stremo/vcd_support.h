@@ -14,29 +14,15 @@
 
 #include "corv/signals/hierarchy_separator.h"
 #include "corv/typeinfo/type_info.h"
-#include "platform/files.h"
 #include "stremo/byte_code.h"
-#include "stremo/recording_reader.h"
-#include "stremo/signal_cursor.h"
 #include "stremo/vcd_recording.h"
+#include "tests/stremo/reader_support.h"
 
 namespace corv::test {
 
-class TextContent final : public platform::FileContent {
-public:
-    // Bytes in a block of their own, so that reading past the end is found.
-    explicit TextContent(const std::string& text) : bytes_(text.begin(), text.end()) {}
-    platform::Bytes bytes() const noexcept override { return bytes_; }
-
-private:
-    std::vector<unsigned char> bytes_;
-};
-
 // Null when the text can't be opened.
 inline std::unique_ptr<recording::SignalReader> OpenVcdText(const std::string& text) {
-    auto content = std::make_unique<TextContent>(text);
-    auto recording = recording::OpenVcd("text.vcd", std::move(content));
-    return recording != nullptr ? recording::MakeReader(std::move(recording)) : nullptr;
+    return ReaderOf(recording::OpenVcd("text.vcd", std::make_unique<HeldContent>(text)));
 }
 
 inline std::string ReadFileText(const std::string& name) {
@@ -104,17 +90,12 @@ private:
 
     // The number of members, -1 for a scalar.
     int Ask(int handle, SeenSignal& signal) {
-        bool composite = false;
-        int members = 0;
-        int mode = 0;
-        CString name;
-        std::int64_t latest = 0;
-        reader_.GetSignalInfo(handle, composite, members, name, mode, latest);
-        signal.name = name.View();
-        const KTypeInfo type{CString(reader_.GetTypeString(handle))};
-        EXPECT_NE(type.GetKind(), KTypeInfo::KindNone) << reader_.GetTypeString(handle);
+        const SignalInfo info(reader_, handle);
+        signal.name = info.name;
+        const KTypeInfo type{CString(info.type)};
+        EXPECT_NE(type.GetKind(), KTypeInfo::KindNone) << info.type;
         signal.type = type.GetTypeIdentifier().View();
-        return composite ? members : -1;
+        return info.composite ? info.members : -1;
     }
 
     std::string Shown(const KTypeInfo& type, std::uint64_t value) {

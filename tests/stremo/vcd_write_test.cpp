@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
@@ -14,6 +11,7 @@
 #include "tests/stremo/memory_files.h"
 #include "tests/stremo/vcd_support.h"
 #include "tests/support/failing_alloc.h"
+#include "tests/support/other_programs.h"
 #include "tests/support/table.h"
 
 namespace corv::test {
@@ -335,33 +333,23 @@ TEST(VcdWriter, TellsWhyItFails) {
 
 // ---- other programs ----
 
-bool HasTool(const char* name) {
-    return std::system((std::string("command -v ") + name + " >/dev/null 2>&1").c_str()) == 0;
-}
-
 // Their reals have 16 digits, so the sample without reals is used.
 TEST(VcdWriter, SurvivesOtherTools) {
-    if (!HasTool("vcd2fst") || !HasTool("fst2vcd")) {
+    if (!HasProgram("vcd2fst") || !HasProgram("fst2vcd")) {
         GTEST_SKIP() << "vcd2fst and fst2vcd are not installed";
     }
-    const auto folder = std::filesystem::temp_directory_path() /
-                        ("corv_vcd_" + std::to_string(std::random_device()()));
-    std::filesystem::create_directory(folder);
-    const std::string base = (folder / "t").string();
+    const TemporaryFolder folder;
     for (const char* const name : {"tb_composite.vcd", "tb_hier.vcd"}) {
         const auto reader = OpenVcdText(ReadFileText(SampleName(name)));
         const std::vector<SeenSignal> before = SeenSignals(*reader).signals;
         VcdOptions raw;
         raw.raw_names = true;
-        ASSERT_TRUE(WriteVcd(*reader, (base + ".vcd").c_str(), raw));
-        const std::string command = "vcd2fst " + base + ".vcd " + base + ".fst >/dev/null && " +
-                                    "fst2vcd " + base + ".fst > " + base + "2.vcd";
-        ASSERT_EQ(std::system(command.c_str()), 0);
-        const auto back = OpenVcdText(ReadFileText(base + "2.vcd"));
+        ASSERT_TRUE(WriteVcd(*reader, folder.Path("t.vcd").c_str(), raw));
+        ASSERT_TRUE(folder.Run("vcd2fst t.vcd t.fst && fst2vcd t.fst > back.vcd"));
+        const auto back = OpenVcdText(ReadFileText(folder.Path("back.vcd")));
         ASSERT_NE(back, nullptr);
         EXPECT_EQ(SeenSignals(*back).signals, before) << name;
     }
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace
