@@ -21,7 +21,7 @@
 namespace corv::cli {
 namespace {
 
-constexpr std::size_t kMostStates = 8;  // told in a line
+constexpr std::size_t kMostStates = 6;  // told in a line
 constexpr std::size_t kTextColumn = 17;
 constexpr std::size_t kMostColumns = 40;  // of texts with a meaning beside them
 
@@ -118,9 +118,10 @@ std::string Table(const std::vector<Row>& rows) {
         const std::size_t columns = host::TextWidth(row.text);
         out += head + row.text;
         if (!row.meaning.empty()) {
-            out += columns > width ? "\n" + std::string(kTextColumn + width, ' ')
-                                   : std::string(width - columns, ' ');
-            out += "  " + row.meaning;
+            const bool fits = columns <= width;
+            out += (fits ? std::string(width - columns + 2, ' ')
+                         : "\n" + std::string(kTextColumn, ' ')) +
+                   row.meaning;
         }
         out += "\n";
     }

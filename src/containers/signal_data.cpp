@@ -173,7 +173,8 @@ HRESULT SignalData::LoadFields(IEventsStreamRead& reader, int handle, int& child
 
 HRESULT SignalData::LoadChild(ReaderLoad& load, IEventsStreamRead& reader, int handle,
                               SignalData& root) {
-    children_.emplace_back(std::make_unique<SignalData>().release());
+    frame::ComPtr<SignalData> child(std::make_unique<SignalData>().release());
+    children_.push_back(std::move(child));
     return SUCCEEDED(children_.back()->LoadNode(load, reader, handle, root)) ? S_OK : E_FAIL;
 }
 

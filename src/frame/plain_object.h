@@ -35,7 +35,7 @@ public:
 
 protected:
     PlainObject() noexcept = default;
-    ~PlainObject() = default;
+    ~PlainObject() = default;  // NOLINT(modernize-use-override): not every interface has one
 
 private:
     std::uint32_t reference_count_ = 1;

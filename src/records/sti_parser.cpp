@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/ascii.h"
 #include "platform/guard.h"
@@ -63,9 +64,9 @@ bool IsAbsent(const char* field) noexcept {
     return field == nullptr;
 }
 
-std::unique_ptr<char[]> NewBuffer(std::size_t size) noexcept {
-    return corv::platform::Guarded(std::unique_ptr<char[]>(),
-                                   [&] { return std::make_unique<char[]>(size); });
+// Empty when memory runs out.
+std::vector<char> NewBuffer(std::size_t size) noexcept {
+    return corv::platform::Guarded(std::vector<char>(), [&] { return std::vector<char>(size); });
 }
 
 }  // namespace
@@ -95,24 +96,24 @@ bool CStiParser::Init(const char* record) noexcept {
     if (length == 0) {
         return false;
     }
-    std::unique_ptr<char[]> buffer = NewBuffer(length + 1);
-    if (buffer) {
-        std::memcpy(buffer.get(), record, length);  // which may be a field of the old buffer
+    std::vector<char> buffer = NewBuffer(length + 1);
+    if (!buffer.empty()) {
+        std::memcpy(buffer.data(), record, length);  // which may be a field of the old buffer
     }
     fields_ = {};
     buffer_ = std::move(buffer);
-    return buffer_ && ReadFields(length);
+    return !buffer_.empty() && ReadFields(length);
 }
 
 bool CStiParser::ReadFields(std::size_t length) noexcept {
-    corv::util::FieldReader reader({buffer_.get(), length}, kSeparator);
+    corv::util::FieldReader reader({buffer_.data(), length}, kSeparator);
     std::array<std::string_view, kFieldCount> found;
     std::size_t count = 0;
     for (auto field = reader.Next(); field && count < kFieldCount; field = reader.Next()) {
         found[count++] = *field;
     }
     for (std::size_t i = 0; i < count; ++i) {
-        char* const begin = buffer_.get() + (found[i].data() - buffer_.get());
+        char* const begin = buffer_.data() + (found[i].data() - buffer_.data());
         char* const end = begin + found[i].size();
         *end = '\0';
         fields_[i] = i < kRequired ? std::find_if_not(begin, end, corv::platform::IsSpace) : begin;
@@ -147,11 +148,11 @@ bool CStiParser::Init(const char* dialog_id, int stim_type, int strength, const 
         sizes[i] = std::strlen(texts[i]) + 1;
         total += sizes[i];
     }
-    std::unique_ptr<char[]> buffer = NewBuffer(total);
-    if (!buffer) {
+    std::vector<char> buffer = NewBuffer(total);
+    if (buffer.empty()) {
         return false;
     }
-    char* place = buffer.get();
+    char* place = buffer.data();
     for (std::size_t i = 0; i < kFieldCount; ++i) {
         std::memcpy(place, texts[i], sizes[i]);
         fields_[i] = place;

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <array>
-#include <memory>
+#include <cstddef>
+#include <vector>
 
 #include "corv/platform/cstring.h"
 #include "corv/platform/export.h"
@@ -74,7 +75,7 @@ private:
 
     bool ReadFields(std::size_t length) noexcept;
 
-    std::unique_ptr<char[]> buffer_;
+    std::vector<char> buffer_;
     std::array<const char*, kFieldCount> fields_{};  // in the buffer or static, in record order
 };
 
