@@ -119,7 +119,7 @@ private:
         for (std::size_t i = 0; i < source_.nets.size() && in_.ok(); ++i) {
             sink_.Value(in_, i);
         }
-        if (!in_.cut() && !in_.Skip(kSnapshotEnd)) {
+        if (!in_.cut() && !in_.Skip(kSnapshotEnd) && !in_.IsCutIn(kSnapshotEnd)) {
             Resume(begin);
         }
         behind_snapshot_ = in_.ok();

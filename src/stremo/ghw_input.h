@@ -27,6 +27,7 @@ public:
         at_ = file_.data() + offset;
         end_ = file_.data() + file_.size();
         failure_ = nullptr;
+        cut_ = false;
     }
 
     // The place as a pointer, for loops that read by themselves.
@@ -40,7 +41,7 @@ public:
 
     bool ok() const noexcept { return failure_ == nullptr; }
     // Whether it failed because the file ends.
-    bool cut() const noexcept { return failure_ == kCut; }
+    bool cut() const noexcept { return cut_; }
     // Why it failed, a part of a sentence.
     const char* failure() const noexcept { return failure_; }
     // For a reader that finds no sense. The first failure counts; the text must be static.
@@ -51,7 +52,7 @@ public:
 
     unsigned Byte() noexcept {
         if (at_ == end_) {
-            Fail(kCut);
+            FailAtEnd();
             return 0;
         }
         return *at_++;
@@ -81,13 +82,20 @@ public:
         return stands;
     }
 
-private:
-    static constexpr const char* kCut = "the file ends";
+    // Whether the file ends within these bytes, which is a failure then.
+    bool IsCutIn(std::string_view bytes) noexcept {
+        if (left() >= bytes.size() || std::memcmp(at_, bytes.data(), left()) != 0) {
+            return false;
+        }
+        FailAtEnd();
+        return true;
+    }
 
+private:
     template <class T>
     T Number() noexcept {
         if (left() < sizeof(T)) {
-            Fail(kCut);
+            FailAtEnd();
             return 0;
         }
         T value = 0;
@@ -117,14 +125,20 @@ private:
                 return static_cast<std::int64_t>(value);
             }
         }
-        Fail(kCut);
+        FailAtEnd();
         return 0;
+    }
+
+    void FailAtEnd() noexcept {
+        cut_ = cut_ || ok();
+        Fail("the file ends");
     }
 
     Bytes file_;
     const unsigned char* at_;
     const unsigned char* end_;
     const char* failure_ = nullptr;
+    bool cut_ = false;
     bool big_endian_ = false;
 };
 

@@ -311,6 +311,9 @@ std::uint32_t Types::BoundedPart(Input& in, std::uint32_t place) {
     }
     const std::size_t offset = in.offset();
     Type type = Bounded(in, types_[place].root);
+    if (!in.ok()) {
+        return kNoType;
+    }
     type.name = types_[place].name;
     Measure(type, offset);
     return Keep(type);

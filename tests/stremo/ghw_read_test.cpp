@@ -395,6 +395,19 @@ TEST(GhwDamage, OfATypeIsToldWithItsNumber) {
         << Notes(file.Bytes());
 }
 
+TEST(GhwDamage, OfInnerBoundsEndsTheTypes) {
+    GhwFile file;
+    const Number bit = file.Enumeration("bit", {"'0'", "'1'"});
+    const Number grid = file.Array("grid", bit, {bit, bit});
+    const Number grids = file.Array("grids", grid, {bit});
+    file.Subtype(35, "", grids, GhwFile::Positions(0, 1) + "\x63");
+    file.Signal("a", bit, {1});
+    EXPECT_EQ(Listing(file.Bytes()), "a e#3#bitc2 01\n");
+    EXPECT_NE(Notes(file.Bytes()).find(": type 4: a range is of an unknown kind"),
+              std::string::npos)
+        << Notes(file.Bytes());
+}
+
 TEST(GhwDamage, OfNumbersLeavesTheSignals) {
     // a number above all, with a gap where it belongs
     GhwFile file = SomeSignals();
@@ -468,6 +481,7 @@ TEST(GhwDamage, OfACutFileLeavesWhatStandsBefore) {
         const auto whole = OpenGhwBytes(sample);
         const std::vector<SeenLeaf> leaves = SeenLeaves(*whole).leaves;
         std::size_t most = 0;
+        const std::size_t snapshot_end = sample.find(std::string("ESN", 4));
         const std::size_t directory = sample.find(std::string("DIR", 4));
         for (std::size_t length = 0; length < directory; ++length) {
             const auto reader = OpenGhwBytes(sample.substr(0, length));
@@ -484,6 +498,7 @@ TEST(GhwDamage, OfACutFileLeavesWhatStandsBefore) {
                 changes += cut[i].changes.size();
             }
             EXPECT_GE(changes, most) << length;
+            EXPECT_TRUE(length < snapshot_end || changes >= leaves.size()) << length;
             most = changes;
             EXPECT_NE(NoteText(*reader), "") << length;
         }
