@@ -127,12 +127,12 @@ private:
     }
 
     // The values of the snapshot and the nets don't fit. If no net is missing, the cycles can still
-    // be told apart.
+    // be told apart; a snapshot behind other values is damage that ends the recording.
     void Resume(std::size_t begin) {
         const std::size_t cycles = FindCycles(begin);
         sink_.Forget();
         in_.GoTo(begin);
-        if (!source_.nets.dense() || cycles == kNowhere) {
+        if (whole_time_ >= 0 || !source_.nets.dense() || cycles == kNowhere) {
             in_.Fail("the values of the snapshot do not fit the signals");
             return;
         }

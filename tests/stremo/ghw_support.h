@@ -305,4 +305,55 @@ private:
     Number most_ = 0;
 };
 
+// ---- files and what is read from them as texts ----
+
+inline std::string Changes(const std::string& bytes, int time_unit = -1) {
+    const auto reader = OpenGhwBytes(bytes, time_unit);
+    return reader != nullptr ? ChangeText(SeenLeaves(*reader).leaves) : LastStreamError();
+}
+inline std::string Notes(const std::string& bytes) {
+    const auto reader = OpenGhwBytes(bytes);
+    if (reader == nullptr) {
+        return LastStreamError();
+    }
+    SeenLeaves seen(*reader);
+    return NoteText(*reader);
+}
+
+// "path type" of all signals, composites first.
+inline std::string Listing(const std::string& bytes) {
+    const auto reader = OpenGhwBytes(bytes);
+    if (reader == nullptr) {
+        return LastStreamError();
+    }
+    const SeenLeaves seen(*reader);
+    std::string text;
+    for (const std::string& composite : seen.composites) {
+        text += composite + "\n";
+    }
+    for (const SeenLeaf& leaf : seen.leaves) {
+        text += leaf.path + " " + leaf.type + "\n";
+    }
+    return text;
+}
+
+// Two bits, an integer, a real and an integer of 64 bits, as numbers 1, 2, 4, 5 and 9.
+inline GhwFile SomeSignals(bool big_endian = false, int minor = 1) {
+    GhwFile file(big_endian, minor);
+    const GhwFile::Number bit = file.Type(22, "bit", "\2" + file.Name("'0'") + file.Name("'1'"));
+    const GhwFile::Number integer = file.Type(25, "integer");
+    const GhwFile::Number real = file.Type(27, "real");
+    const GhwFile::Number wide = file.Type(26, "wide");
+    file.Signal("a", bit, {1});
+    file.Signal("b", bit, {2});
+    file.Signal("i", integer, {4});
+    file.Signal("r", real, {5});
+    file.Signal("w", wide, {9});
+    file.Signal("a2", bit, {1}, 17);
+    return file;
+}
+inline std::string Start(const GhwFile& file) {
+    return std::string("\0\1", 2) + GhwFile::Signed(-5) + file.Real(0.25) + GhwFile::Signed(7);
+}
+
 }  // namespace corv::test
