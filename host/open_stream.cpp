@@ -47,7 +47,12 @@ private:
     fs::path path_;
 };
 
+// Nothing is read from what is no ordinary file: a pipe might never answer.
 bool IsPacked(const std::string& file_name) {
+    std::error_code error;
+    if (!fs::is_regular_file(file_name, error)) {
+        return false;
+    }
     std::ifstream file(file_name, std::ios::binary);
     std::array<char, 2> mark{};
     return file.read(mark.data(), mark.size()) && std::memcmp(mark.data(), "\x1F\x8B", 2) == 0;
