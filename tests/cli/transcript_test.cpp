@@ -21,11 +21,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/paths.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kFolder = fs::path(CORV_TEST_DATA) / "cli";
+const fs::path kFolder = fs::path(corv::test::TestFolder()) / "cli";
 
 std::string ReadFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -64,7 +66,9 @@ protected:
         }
         setenv("LC_ALL", "C", 1);
         const std::string path = std::getenv("PATH");
-        setenv("PATH", (fs::path(CORV_PROGRAM).parent_path().string() + ":" + path).c_str(), 1);
+        setenv("PATH",
+               (fs::path(corv::test::ProgramFile()).parent_path().string() + ":" + path).c_str(),
+               1);
         setenv("DATA", kFolder.c_str(), 1);
     }
 

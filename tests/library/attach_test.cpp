@@ -3,6 +3,7 @@
 
 #include "corv/library/library.h"
 #include "corv/signals/hierarchy_separator.h"
+#include "tests/support/paths.h"
 
 namespace corv::test {
 namespace {
@@ -14,7 +15,7 @@ TEST(Attach, AsksTheHostForTheSeparator) {
     Detach();
     EXPECT_EQ(HierarchySeparator(), '\\');
     // what is loaded already is found by its name
-    void* const base = dlopen(CORV_BASE_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    void* const base = dlopen(corv::test::BaseLibraryFile().c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(base, nullptr) << dlerror();
     Attach();
     EXPECT_EQ(HierarchySeparator(), '/');

@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/support/paths.h"
+
 namespace corv::test {
 namespace {
 
@@ -22,13 +24,14 @@ protected:
     ~SharedLibrary() override { std::filesystem::remove_all(folder_); }
 
     static bool IsLoaded() {
-        void* const library = dlopen(CORV_SHARED_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
+        void* const library =
+            dlopen(corv::test::SharedLibraryFile().c_str(), RTLD_NOW | RTLD_NOLOAD);
         return library != nullptr && dlclose(library) == 0;
     }
 
     // Loads a host, lets it work and unloads it with the library.
     char LoadUseUnload() const {
-        void* const guest = dlopen(CORV_GUEST, RTLD_NOW | RTLD_LOCAL);
+        void* const guest = dlopen(corv::test::GuestFile().c_str(), RTLD_NOW | RTLD_LOCAL);
         if (guest == nullptr) {
             ADD_FAILURE() << dlerror();
             return '\0';
@@ -56,7 +59,7 @@ TEST_F(SharedLibrary, DeletesWhatFormulasNamedWhenItGoes) {
 }
 
 TEST_F(SharedLibrary, AsksTheHostForTheSeparator) {
-    void* const base = dlopen(CORV_BASE_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    void* const base = dlopen(corv::test::BaseLibraryFile().c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(base, nullptr) << dlerror();
     EXPECT_EQ(LoadUseUnload(), '/');
     dlclose(base);

@@ -18,6 +18,7 @@
 #include "stremo/stream_registry.h"
 #include "tests/stremo/recording_model.h"
 #include "tests/support/failing_alloc.h"
+#include "tests/support/paths.h"
 #include "tests/support/table.h"
 
 namespace corv::test {
@@ -41,7 +42,7 @@ Model Example() {
 }
 
 std::string ReadPage() {
-    std::ifstream page(std::string(CORV_TEST_DATA) + "/../docs/formats/event-file.md");
+    std::ifstream page(corv::test::TestFolder() + "/../docs/formats/event-file.md");
     return {std::istreambuf_iterator<char>(page), std::istreambuf_iterator<char>()};
 }
 

@@ -20,6 +20,7 @@
 #include "corv/typeinfo/type_info.h"
 #include "tests/stremo/reader_support.h"
 #include "tests/support/other_programs.h"
+#include "tests/support/paths.h"
 #include "tests/support/table.h"
 
 namespace corv::test {
@@ -170,7 +171,7 @@ protected:
         }
         const std::string top = GetParam().name;
         const std::string flags = std::string(GetParam().flags) + " ";
-        const std::string source = std::string(CORV_TEST_DATA) + "/data/ghdl/" + top + ".vhd";
+        const std::string source = corv::test::TestFolder() + "/data/ghdl/" + top + ".vhd";
         ASSERT_TRUE(folder_.Run("ghdl -a " + flags + "'" + source + "' && ghdl -e " + flags + top +
                                 " && ghdl -r " + flags + top + " --stop-time=200ns --wave=" + kGhw +
                                 " --vcd=" + kVcd))

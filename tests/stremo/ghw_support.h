@@ -20,6 +20,7 @@
 #include "corv/typeinfo/type_info.h"
 #include "stremo/ghw_recording.h"
 #include "tests/stremo/reader_support.h"
+#include "tests/support/paths.h"
 
 namespace corv::test {
 
@@ -33,7 +34,7 @@ inline std::unique_ptr<recording::SignalReader> OpenGhwBytes(const std::string& 
 }
 
 inline std::string GhwSample(const std::string& name) {
-    std::ifstream file(std::string(CORV_TEST_DATA) + "/data/ghw/" + name, std::ios::binary);
+    std::ifstream file(corv::test::TestFolder() + "/data/ghw/" + name, std::ios::binary);
     EXPECT_TRUE(file.is_open()) << name;
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

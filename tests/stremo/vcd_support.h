@@ -17,6 +17,7 @@
 #include "stremo/byte_code.h"
 #include "stremo/vcd_recording.h"
 #include "tests/stremo/reader_support.h"
+#include "tests/support/paths.h"
 
 namespace corv::test {
 
@@ -31,7 +32,7 @@ inline std::string ReadFileText(const std::string& name) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 inline std::string SampleName(const std::string& name) {
-    return std::string(CORV_TEST_DATA) + "/data/vcd/" + name;
+    return corv::test::TestFolder() + "/data/vcd/" + name;
 }
 
 // A top-level signal as a test sees it: one value for each time, that of all elements together.
