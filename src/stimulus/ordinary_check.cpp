@@ -47,6 +47,11 @@ bool IsUnitless(const FormulaItem& item) noexcept {
            util::NumberLength(item.time) == item.time.size();
 }
 
+// Whether something is wrong with an item that makes the next word a value without a time.
+bool EndsOddly(const FormulaItem& item) noexcept {
+    return item.comma_skipped || (!item.time.empty() && IsParameter(item.time));
+}
+
 // White space that the reader does not take for a blank; empty when there is none.
 std::string_view NameOddSpace(std::string_view word) noexcept {
     if (word.find('\r') != std::string_view::npos) {
@@ -149,7 +154,7 @@ bool OrdinaryChecker::CheckItem(const FormulaItem& item) {
         reported = true;
     } else if (item.time.empty()) {
         reported = values_ > 1;
-        if (!IsUnmatched(item.value) && (!before_ || !before_->comma_skipped)) {
+        if (!IsUnmatched(item.value) && !(before_ && EndsOddly(*before_))) {
             timeless_ = item;
             before_timeless_ = before_;
         }
