@@ -18,13 +18,6 @@ using corv::stimulus::FormulaKind;
 using corv::stimulus::FormulaReader;
 using Time = TTimeUnit<std::int64_t>;
 
-namespace {
-
-// Up to this many elements a plain scan answers sooner than an index (bench/stimulus_bench.cpp).
-constexpr std::size_t kScanLimit = 3;
-
-}  // namespace
-
 CStimulus::CStimulus() noexcept : CStimulus(1, 1) {}
 
 CStimulus::CStimulus(std::uint32_t default_unit, std::uint32_t repeat_target_unit) noexcept
@@ -39,7 +32,6 @@ CStimulus::~CStimulus() = default;
 void CStimulus::Destroy() noexcept {
     index_.reset();
     elements_.clear();
-    absolute_count_ = 0;
     start_time_ = Time(0, default_unit_);
     repeat_period_ = Time(0, default_unit_);
     pattern_offset_ = Time(0);
@@ -55,7 +47,18 @@ int CStimulus::Create(const char* formula, std::int64_t start) noexcept {
     const bool read = corv::platform::Guarded(false, [&] { return ReadFormula(formula, start); });
     start_time_.value = start;
     SetOffset();
-    return read && (custom_ || counter_ || !elements_.empty()) ? 1 : 0;
+    return BuildIndex() && read && (custom_ || counter_ || !elements_.empty()) ? 1 : 0;
+}
+
+// Without the memory for it no element stays, since none could be found.
+bool CStimulus::BuildIndex() noexcept {
+    if (!elements_.empty() && !corv::platform::Done([this] {
+            index_ = std::make_unique<corv::stimulus::ElementIndex>(elements_);
+        })) {
+        elements_.clear();
+        return false;
+    }
+    return true;
 }
 
 bool CStimulus::ReadFormula(std::string_view formula, std::int64_t start) {
@@ -134,7 +137,6 @@ bool CStimulus::SetValue(const FormulaItem& item) {
         element->include_time_ = false;
     }
     elements_.push_back(std::move(element));
-    absolute_count_ += time.absolute ? 1 : 0;
     return true;
 }
 
@@ -164,57 +166,6 @@ std::uint64_t CStimulus::Period() const noexcept {
     return period < 0 ? 0 - static_cast<std::uint64_t>(period) : static_cast<std::uint64_t>(period);
 }
 
-inline const corv::stimulus::ElementIndex* CStimulus::Index() const noexcept {
-    if (!index_ && elements_.size() > kScanLimit) {
-        BuildIndex();
-    }
-    return index_.get();
-}
-
-// Without the memory for it the scan answers the same, only later.
-void CStimulus::BuildIndex() const noexcept {
-    corv::platform::Done(
-        [this] { index_ = std::make_unique<corv::stimulus::ElementIndex>(elements_); });
-}
-
-const CSimpleStimulus* CStimulus::GetNearestNext(std::int64_t time, int absolute) const noexcept {
-    if (absolute != 0 && absolute_count_ == 0) {
-        return nullptr;
-    }
-    if (const auto* index = Index()) {
-        return index->Next(time, absolute != 0);
-    }
-    const CSimpleStimulus* nearest = nullptr;
-    std::int64_t nearest_time = 0;
-    for (const auto& element : elements_) {
-        const std::int64_t at = element->GetTime();
-        if (element->Absolute() == absolute && at >= time && (!nearest || at < nearest_time)) {
-            nearest = element.get();
-            nearest_time = at;
-        }
-    }
-    return nearest;
-}
-
-const CSimpleStimulus* CStimulus::GetNearestPrev(std::int64_t time, int absolute) const noexcept {
-    if (absolute != 0 && absolute_count_ == 0) {
-        return nullptr;
-    }
-    if (const auto* index = Index()) {
-        return index->Prev(time, absolute != 0);
-    }
-    const CSimpleStimulus* nearest = nullptr;
-    std::int64_t nearest_time = 0;
-    for (const auto& element : elements_) {
-        const std::int64_t at = element->GetTime();
-        if (element->Absolute() == absolute && at <= time && (!nearest || at > nearest_time)) {
-            nearest = element.get();
-            nearest_time = at;
-        }
-    }
-    return nearest;
-}
-
 int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
     if (custom_) {
         return custom_->GetValue(time, value);
@@ -234,8 +185,8 @@ int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
     }
     constexpr auto kMax = static_cast<std::uint64_t>(corv::util::Int64Limits::max());
     const CSimpleStimulus* winner =
-        GetNearestPrev(static_cast<std::int64_t>(std::min(in_pattern, kMax)), 0);
-    if (const CSimpleStimulus* absolute = GetNearestPrev(time, 1)) {
+        index_->Prev(static_cast<std::int64_t>(std::min(in_pattern, kMax)), false);
+    if (const CSimpleStimulus* absolute = index_->Prev(time, true)) {
         const auto since_relative =
             winner ? in_pattern - static_cast<std::uint64_t>(winner->GetTime()) : 0;
         const auto since_absolute =
@@ -260,9 +211,9 @@ std::optional<std::int64_t> CStimulus::NextRelativeEvent(
     }
     constexpr auto kMax = static_cast<std::uint64_t>(corv::util::Int64Limits::max());
     const CSimpleStimulus* next =
-        in_pattern > kMax ? nullptr : GetNearestNext(static_cast<std::int64_t>(in_pattern), 0);
+        in_pattern > kMax ? nullptr : index_->Next(static_cast<std::int64_t>(in_pattern), false);
     if (!next && period != 0) {
-        next = GetNearestNext(0, 0);
+        next = index_->Next(0, false);
         periods_before += period;  // may pass 2^64: caught below
         if (periods_before < period) {
             return std::nullopt;
@@ -292,7 +243,7 @@ std::int64_t CStimulus::GetNextEventTime(std::int64_t time) const noexcept {
         return -1;
     }
     const std::int64_t from = std::max(time + 1, *pattern_start);
-    const CSimpleStimulus* absolute = GetNearestNext(from, 1);
+    const CSimpleStimulus* absolute = index_->Next(from, true);
     const std::optional<std::int64_t> relative = NextRelativeEvent(from, *pattern_start);
     if (absolute && (!relative || absolute->GetTime() < *relative)) {
         return absolute->GetTime();

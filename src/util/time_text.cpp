@@ -158,22 +158,6 @@ std::optional<TimeReading> ReadNumber(const NumberText& number, int unit) noexce
     return out && InRange(*out) ? out : std::nullopt;
 }
 
-// A unit name of two or three characters in lower case as one number, 0 for any other length.
-constexpr std::uint32_t UnitKey(std::string_view name) noexcept {
-    std::uint32_t key = 0;
-    for (std::size_t i = 0; i < name.size() && name.size() <= 3; ++i) {
-        key = key << 8 | static_cast<unsigned char>(platform::Lower(name[i]));
-    }
-    return name.size() < 2 ? 0 : key;
-}
-
-constexpr auto kUnitKeys = [] {
-    std::array<std::uint32_t, kTimeUnits.size()> keys{};
-    std::transform(kTimeUnits.begin(), kTimeUnits.end(), keys.begin(),
-                   [](const TimeUnitRow& row) { return UnitKey(row.name); });
-    return keys;
-}();
-
 template <class T>
 void AppendAny(std::string& out, T value) {
     char digits[24];
@@ -183,9 +167,10 @@ void AppendAny(std::string& out, T value) {
 }  // namespace
 
 int FindTimeUnit(std::string_view name) noexcept {
-    const std::uint32_t key = UnitKey(name);
-    const auto row = std::find(kUnitKeys.begin(), kUnitKeys.end(), key);
-    return key == 0 || row == kUnitKeys.end() ? -1 : static_cast<int>(row - kUnitKeys.begin());
+    const auto row = std::find_if(
+        kTimeUnits.begin(), kTimeUnits.end(),
+        [name](const TimeUnitRow& unit) { return platform::EqualNoCase(unit.name, name); });
+    return row == kTimeUnits.end() ? -1 : static_cast<int>(row - kTimeUnits.begin());
 }
 
 std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit) noexcept {

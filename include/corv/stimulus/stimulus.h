@@ -30,14 +30,16 @@ struct FormulaItem;
 // A formula is a list of elements separated by commas; an element is a value and its time, which
 // may be left out at the element's end and then is 0. A time is a number with an optional unit
 // ("10", "1.5ns", "10 ns"); one behind "@" is a simulation time, any other counts from the start.
-// "-r" and a time repeat the pattern with that period. A formula with "/vesk" holds the compact
-// notation of vesk.h behind that word; one with "\\counter" is a counter or a wire of a registered
-// one, as counter.h tells; "/custom run.evt, top.clk" replays a signal of a recording
-// (custom_stimulus.h; the text is turned to lower case first). corv::CheckFormula tells what is
-// wrong with a formula.
+// "-r" and a time repeat the pattern with that period; a negative one counts as positive. A comma
+// ends an element only directly after a word: one after a blank is skipped as the blank is, so that
+// "x , 1 10" has x at 1. Of elements at equal times the first one counts. A formula with "/vesk"
+// holds the compact notation of vesk.h behind that word; one with "\\counter" is a counter or a
+// wire of a registered one, as counter.h tells; "/custom run.evt, top.clk" replays a signal of a
+// recording (custom_stimulus.h; the text is turned to lower case first). corv::CheckFormula tells
+// what is wrong with a formula.
 //
 // An ordinary stimulus owns its elements. One thread at a time may use it: questions asked of a
-// const stimulus may build its index of elements, or move its counter on.
+// const stimulus remember where the last one ended, or move its counter on.
 class CORV_API CStimulus {
 public:
     // Picoseconds throughout: the units (1, 1).
@@ -53,7 +55,8 @@ public:
     // when the stimulus begins. Gives 1, or 0 for a null or empty formula, an empty or unreadable
     // element, a negative time, a formula without elements, a notation text that can't be read, a
     // counter that can't be registered or is not there, a recording or recorded signal that is not
-    // there, and when memory runs out. After 0 the elements read so far stay.
+    // there, and when memory runs out. After 0 the elements read so far stay, unless there is no
+    // memory to find them by.
     int Create(const char* formula, std::int64_t start) noexcept;
 
     // Back to an empty stimulus.
@@ -66,8 +69,9 @@ public:
     std::int64_t GetNextEventTime(std::int64_t time) const noexcept;
 
     // Writes the formula in normal form: elements joined by ", ", times in whole picoseconds, the
-    // repeat period in its own unit. Empty for a stimulus without elements and when memory runs
-    // out. Elements handed out by an iterator show their times in picoseconds from then on.
+    // repeat period in its own unit. Empty before a Create that returned 1, for a counter or a
+    // recorded signal, and when memory runs out; after one that returned 0 it holds what was read.
+    // Elements handed out by an iterator show their times in picoseconds from then on.
     void GenerateFormula(CString& out) noexcept;
 
     // Stops the repetition.
@@ -97,10 +101,7 @@ private:
                                                   std::int64_t pattern_start) const noexcept;
     std::uint64_t Period() const noexcept;
 
-    const CSimpleStimulus* GetNearestNext(std::int64_t time, int absolute) const noexcept;
-    const CSimpleStimulus* GetNearestPrev(std::int64_t time, int absolute) const noexcept;
-    const corv::stimulus::ElementIndex* Index() const noexcept;
-    void BuildIndex() const noexcept;
+    bool BuildIndex() noexcept;
 
     std::vector<std::unique_ptr<CSimpleStimulus>> elements_;
     TTimeUnit<std::int64_t> start_time_;
@@ -111,7 +112,6 @@ private:
     std::uint32_t repeat_target_unit_;
     std::uint32_t default_unit_;
 
-    std::size_t absolute_count_ = 0;  // elements at absolute times
-    // Sorted times of the elements, made at the first question of a stimulus with many of them.
-    mutable std::unique_ptr<corv::stimulus::ElementIndex> index_;
+    // The sorted times of the elements; null without any.
+    std::unique_ptr<corv::stimulus::ElementIndex> index_;
 };

@@ -9,5 +9,6 @@
 // ("[1F]25NS"); a duration without a unit counts nanoseconds.
 
 // Whether every group of a notation text (without "/vesk") repeats at most `maximum` times,
-// compared unsigned. The whole text counts as one group of 1. True for a text that can't be read.
+// compared unsigned. The whole text counts as one group of 1. True for a text that can't be read,
+// such as one that nests more than 256 groups.
 CORV_API bool CheckVeskMaxRepeatCount(const char* text, int maximum) noexcept;
