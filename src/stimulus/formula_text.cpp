@@ -1,5 +1,8 @@
 #include "stimulus/formula_text.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "corv/util/time_units.h"
 #include "platform/ascii.h"
 #include "stimulus/custom_formula.h"
@@ -18,6 +21,21 @@ constexpr bool IsBlank(char c) noexcept {
 }
 constexpr bool IsSeparator(char c) noexcept {
     return IsBlank(c) || c == ',';
+}
+
+constexpr double kMostFemtoseconds = 9.2e18;  // that a 64-bit number of them counts
+
+// Reads femtoseconds that are too many for 64 bits: without their last three digits.
+void TakeAsPicoseconds(std::string_view text, FormulaTime& out) noexcept {
+    const std::size_t whole = std::min(text.find_first_not_of("+-0123456789"), text.size());
+    const auto picoseconds =
+        util::ReadTimeIn(text.substr(0, whole - 3), static_cast<int>(util::kBaseUnit));
+    if (picoseconds) {
+        out.time.value = picoseconds->whole;
+        out.time.unit = util::kBaseUnit;
+        const std::string_view left_out = text.substr(whole - 3, 3);
+        out.fraction_cut = left_out != "000" || text.substr(whole).starts_with('.');
+    }
 }
 
 }  // namespace
@@ -102,6 +120,9 @@ FormulaTime ReadFormulaTime(const FormulaItem& item, std::uint32_t default_unit)
         out.fraction_cut = time->number != static_cast<double>(time->whole) ||
                            (time->unit == 0 && time->whole % util::UnitRatio(0, 1) != 0);
         out.time.unit = time->unit < 0 ? default_unit : static_cast<std::uint32_t>(time->unit);
+        if (time->unit == 0 && std::abs(time->number) >= kMostFemtoseconds) {
+            TakeAsPicoseconds(text, out);
+        }
     }
     return out;
 }
@@ -125,13 +146,16 @@ FormulaKind FindFormulaKind(std::string_view formula) noexcept {
     if (platform::FindNoCase(formula, "\\counter") != std::string_view::npos) {
         return FormulaKind::Counter;
     }
-    return platform::FindNoCase(formula, kNotationMark) != std::string_view::npos
-               ? FormulaKind::Notation
-               : FormulaKind::Ordinary;
+    return FindNotation(formula) != std::string_view::npos ? FormulaKind::Notation
+                                                           : FormulaKind::Ordinary;
+}
+
+std::size_t FindNotation(std::string_view formula) noexcept {
+    return platform::FindNoCase(formula, kNotationMark);
 }
 
 std::string_view NotationText(std::string_view formula) noexcept {
-    const std::size_t mark = platform::FindNoCase(formula, kNotationMark);
+    const std::size_t mark = FindNotation(formula);
     return mark == std::string_view::npos
                ? std::string_view()
                : util::SkipFront(formula.substr(mark + kNotationMark.size()), kBlanks);

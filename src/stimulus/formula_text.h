@@ -84,7 +84,10 @@ std::string_view WrittenUnit(const TTimeUnit<std::int64_t>& time) noexcept;
 enum class FormulaKind { Ordinary, Custom, Counter, Notation };
 FormulaKind FindFormulaKind(std::string_view formula) noexcept;
 
-// The notation text behind the first "/vesk" and blanks.
+// Where the first "/vesk" stands; npos without one.
+std::size_t FindNotation(std::string_view formula) noexcept;
+
+// The notation text after the first "/vesk" and blanks.
 std::string_view NotationText(std::string_view formula) noexcept;
 
 }  // namespace corv::stimulus

@@ -13,7 +13,7 @@ struct Alias {
     std::string_view unit;
 };
 
-constexpr std::array<Alias, 14> kAliases{{
+constexpr std::array<Alias, 15> kAliases{{
     {"s", "sec"},
     {"secs", "sec"},
     {"second", "sec"},
@@ -23,7 +23,8 @@ constexpr std::array<Alias, 14> kAliases{{
     {"nsec", "ns"},
     {"usec", "us"},
     {"msec", "ms"},
-    {"\xc2\xb5s", "us"},  // the micro sign in UTF-8 and in Latin-1
+    {"\xc2\xb5s", "us"},  // the micro sign, the Greek letter, and the sign in Latin-1
+    {"\xce\xbcs", "us"},
     {"\xb5s", "us"},
     {"mins", "min"},
     {"h", "hr"},

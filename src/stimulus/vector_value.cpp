@@ -1,5 +1,6 @@
 #include "stimulus/vector_value.h"
 
+#include <bit>
 #include <cstdint>
 #include <new>
 
@@ -19,6 +20,16 @@ std::string ToBits(std::int64_t number, int width) {
         throw std::bad_alloc();
     }
     return std::string(bits.View());
+}
+
+// How many bits a number needs, in two's complement when it is written with a sign.
+int BitsNeeded(std::string_view text, std::int64_t number) noexcept {
+    constexpr int kBits = 64;
+    if (text.find('-') == std::string_view::npos) {
+        return kBits - std::countl_zero(static_cast<std::uint64_t>(number));
+    }
+    const auto pattern = static_cast<std::uint64_t>(number < 0 ? ~number : number);
+    return kBits - std::countl_zero(pattern) + 1;
 }
 
 }  // namespace
@@ -41,6 +52,8 @@ std::optional<VectorValue> VectorValue::Read(std::string_view word, VectorShape 
     if (c_decConverter().Convert(text, &number) != 0 ||
         (!shape.InWords() && shape.width >= 0 && c_decConverter().Convert(text, 2, &number) != 0)) {
         value.bits_ = ToBits(number, shape.width);
+        const int needed = BitsNeeded(value.text_, number);
+        value.bits_of_cut_number_ = needed > shape.width ? needed : 0;
     } else if (shape.InWords()) {
         value.kind_ = Kind::Words;
         return value;
@@ -51,6 +64,15 @@ std::optional<VectorValue> VectorValue::Read(std::string_view word, VectorShape 
         value.kind_ = Kind::QuotedCharacters;
     }
     return value;
+}
+
+std::size_t VectorValue::CountWords() const noexcept {
+    std::size_t words = 0;
+    std::string_view rest = kind_ == Kind::Words ? text_ : std::string_view();
+    while (!util::TakeWord(rest, kQuotesFirst, kBlanksAndComma).empty()) {
+        ++words;
+    }
+    return words;
 }
 
 bool VectorValue::AppendNext(std::string& out) {

@@ -20,6 +20,11 @@ public:
     // characters neither a number nor exactly of the width.
     static std::optional<VectorValue> Read(std::string_view word, VectorShape shape);
 
+    // How many bits a number needs that is cut to the width; 0 for any other value.
+    int BitsOfCutNumber() const noexcept { return bits_of_cut_number_; }
+    // How many words there are; 0 for a value that is cut into characters.
+    std::size_t CountWords() const noexcept;
+
     // Appends the next piece, that of element 0 first; false when the value is used up.
     bool AppendNext(std::string& out);
 
@@ -32,6 +37,7 @@ private:
     std::string_view text_;            // without the pair around it
     std::optional<std::string> bits_;  // the digits of a number, instead
     std::size_t at_ = 0;
+    int bits_of_cut_number_ = 0;
 };
 
 }  // namespace corv::stimulus

@@ -38,40 +38,6 @@ void AppendTime(std::string& out, std::int64_t time) {
     out += corv::util::kTimeUnits[unit].name;
 }
 
-// Where each parenthesis of a group is closed, all found in one pass, so that nested groups are not
-// searched again and again.
-class Parentheses {
-public:
-    // Reads the group from its opening to its closing parenthesis.
-    void Build(std::string_view text, std::size_t open, std::size_t close) {
-        std::vector<std::size_t> unclosed;
-        pairs_.clear();
-        for (std::size_t i = open; i <= close; ++i) {
-            if (text[i] == '(') {
-                unclosed.push_back(pairs_.size());
-                pairs_.push_back({i, close});
-            } else if (text[i] == ')') {
-                pairs_[unclosed.back()].close = i;
-                unclosed.pop_back();
-            }
-        }
-    }
-
-    // The position of the match of a parenthesis in the group.
-    std::size_t Close(std::size_t position) const noexcept {
-        return std::lower_bound(pairs_.begin(), pairs_.end(), position,
-                                [](const Pair& pair, std::size_t at) { return pair.open < at; })
-            ->close;
-    }
-
-private:
-    struct Pair {
-        std::size_t open;
-        std::size_t close;
-    };
-    std::vector<Pair> pairs_;
-};
-
 std::size_t SkipDigits(std::string_view text, std::size_t at) noexcept {
     while (at < text.size() && IsDigit(text[at])) {
         ++at;
@@ -98,10 +64,7 @@ std::optional<TTimeUnit<std::int64_t>> ReadDuration(std::string_view number, int
 
 }  // namespace
 
-bool CVeskValue::WriteFormula(std::string& out, std::int64_t& running_time) const {
-    if (running_time > kMaxTime) {
-        return false;
-    }
+void CVeskValue::AppendText(std::string& out) const {
     if (hexadecimal_) {
         char digits[8];
         const auto end = std::to_chars(digits, digits + sizeof digits, value_, 16).ptr;
@@ -111,6 +74,13 @@ bool CVeskValue::WriteFormula(std::string& out, std::int64_t& running_time) cons
         const char std_logic = GateLevel2StdLogic(static_cast<char>(value_));
         out += std_logic != '\0' ? std_logic : static_cast<char>(value_);
     }
+}
+
+bool CVeskValue::WriteFormula(std::string& out, std::int64_t& running_time) const {
+    if (running_time > kMaxTime) {
+        return false;
+    }
+    AppendText(out);
     out += ' ';
     AppendTime(out, running_time);
     running_time = corv::util::SaturatingAdd(running_time, duration_.GetTime());
@@ -118,6 +88,9 @@ bool CVeskValue::WriteFormula(std::string& out, std::int64_t& running_time) cons
 }
 
 bool CVeskGroup::WriteFormula(std::string& out, std::int64_t& running_time) const {
+    if (children_.empty()) {
+        return true;
+    }
     const std::size_t begin = out.size();
     for (std::uint32_t i = 0; i < repeat_count_; ++i) {
         for (const auto& child : children_) {
@@ -149,6 +122,40 @@ std::uint64_t CVeskGroup::CountEntries() const noexcept {
     return corv::util::SaturatingMultiply(entries, std::uint64_t{repeat_count_});
 }
 
+VeskExtent CVeskGroup::Measure() const noexcept {
+    using Front = VeskExtent::Front;
+    VeskExtent once;
+    if (repeat_count_ == 0 || children_.empty()) {
+        return once;
+    }
+    for (const auto& child : children_) {
+        const VeskExtent extent = child->Measure();
+        if (extent.last_start >= 0) {
+            once.last_start = std::max(once.last_start,
+                                       corv::util::SaturatingAdd(once.length, extent.last_start));
+        }
+        once.length = corv::util::SaturatingAdd(once.length, extent.length);
+        once.front = &child == &children_.front() ? extent.front : once.front;
+    }
+    // a child that writes nothing leaves its comma, the very last of which is taken away
+    if (once.front == Front::Nothing && (children_.size() > 1 || repeat_count_ > 1)) {
+        once.front = Front::Comma;
+    }
+    const std::int64_t before_last =
+        corv::util::SaturatingMultiply(once.length, std::int64_t{repeat_count_});
+    if (once.last_start >= 0) {
+        once.last_start = corv::util::SaturatingAdd(before_last - once.length, once.last_start);
+    }
+    once.length = before_last;
+    return once;
+}
+
+void CVeskGroup::ForEachValue(const std::function<void(const CVeskValue&)>& visit) const {
+    for (const auto& child : children_) {
+        child->ForEachValue(visit);
+    }
+}
+
 // Reads one text, already in upper case.
 class CVeskFormula::Parser {
 public:
@@ -164,7 +171,6 @@ private:
     bool Note(VeskFault fault, std::size_t position, std::size_t length);
 
     std::string_view text_;
-    Parentheses parentheses_;
     CVeskFormula& formula_;
 };
 
@@ -194,17 +200,11 @@ bool CVeskFormula::Parser::ParseGroup(CVeskGroup& group, std::size_t begin, std:
 bool CVeskFormula::Parser::ParseChild(CVeskGroup& group, std::size_t& at, std::size_t end,
                                       int depth) {
     const std::size_t open = at;
-    std::size_t close = 0;
-    if (depth > 0) {
-        close = parentheses_.Close(open);  // inside a closed group all others are closed
-    } else {
-        const std::size_t length = corv::util::MatchEnd(text_.substr(open), ')');
-        if (length == std::string_view::npos) {
-            return Note(VeskFault::UnmatchedParenthesis, open, 1);
-        }
-        close = open + length;
-        parentheses_.Build(text_, open, close);
+    const std::size_t length = corv::util::MatchEnd(text_.substr(open, end - open), ')');
+    if (length == std::string_view::npos) {
+        return Note(VeskFault::UnmatchedParenthesis, open, 1);
     }
+    const std::size_t close = open + length;
     if (close + 1 == end) {
         return Note(VeskFault::NothingAfterGroup, close, 1);
     }
@@ -216,8 +216,8 @@ bool CVeskFormula::Parser::ParseChild(CVeskGroup& group, std::size_t& at, std::s
     const std::string_view digits = text_.substr(close + 1, at - close - 1);
     auto child = std::make_unique<CVeskGroup>();
     if (!ParseGroup(*child, open + 1, close, depth + 1)) {
-        Note(VeskFault::GroupDropped, open, close + 1 - open);
-        return !formula_.too_deep_;
+        // too deep a nesting makes the whole text unreadable, and has been noted
+        return !formula_.too_deep_ && (Note(VeskFault::GroupDropped, open, close + 1 - open), true);
     }
     std::uint32_t count = 0;
     if (digits.empty()) {
@@ -286,7 +286,13 @@ std::unique_ptr<CVeskNode> CVeskFormula::Parser::MakeValue(std::string_view valu
     if (!duration) {
         return drop(VeskFault::TooLong, value.size() + number.size());
     }
-    return std::make_unique<CVeskValue>(static_cast<std::uint32_t>(code), *duration, hexadecimal);
+    if (!hexadecimal && (code == '"' || code == '\'' || code == ',')) {
+        Note(VeskFault::NoValue, position, 1);
+    } else if (duration->GetTime() == 0) {
+        Note(VeskFault::NoLength, position, value.size() + number.size());
+    }
+    return std::make_unique<CVeskValue>(static_cast<std::uint32_t>(code), *duration, hexadecimal,
+                                        position);
 }
 
 bool CVeskFormula::Parse(std::string_view text) {
@@ -304,6 +310,11 @@ bool CVeskFormula::Parse(std::string_view text) {
         problem.position += skipped;
     }
     return read;
+}
+
+bool CVeskFormula::FitsRange() const noexcept {
+    const VeskExtent extent = root_ ? root_->Measure() : VeskExtent{};
+    return extent.last_start <= kMaxTime && (!clock_ || extent.length <= kMaxTime);
 }
 
 bool CVeskFormula::Convert(CString& out) const {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -34,6 +36,8 @@ enum class VeskFault {
     TooLong,
     GroupDropped,
     GroupWithoutCount,
+    NoValue,   // the formula would read the character as a quote or a separator
+    NoLength,  // the value stays, but lasts 0
 };
 
 // Whether the fault makes the whole text, or the group it stands in, unreadable.
@@ -45,6 +49,17 @@ struct VeskProblem {
     VeskFault fault;
     std::size_t position;  // in the text given to Parse
     std::size_t length;
+};
+
+class CVeskValue;
+
+// What a node takes of the time axis, and how the text that it writes begins.
+struct VeskExtent {
+    enum class Front { Nothing, Comma, Value };
+
+    std::int64_t length = 0;       // picoseconds, saturating
+    std::int64_t last_start = -1;  // of the value that starts last; -1 without values
+    Front front = Front::Nothing;
 };
 
 class CVeskNode {
@@ -61,21 +76,37 @@ public:
     virtual bool CheckMaxRepeat(std::uint32_t maximum) const noexcept = 0;
     // How many entries between commas it writes, saturating.
     virtual std::uint64_t CountEntries() const noexcept = 0;
+    virtual VeskExtent Measure() const noexcept = 0;
+    // Calls back for every value that stands in the text, in its order.
+    virtual void ForEachValue(const std::function<void(const CVeskValue&)>& visit) const = 0;
 };
 
 class CVeskValue final : public CVeskNode {
 public:
-    CVeskValue(std::uint32_t value, TTimeUnit<std::int64_t> duration, bool hexadecimal) noexcept
-        : value_(value), duration_(duration), hexadecimal_(hexadecimal) {}
+    CVeskValue(std::uint32_t value, TTimeUnit<std::int64_t> duration, bool hexadecimal,
+               std::size_t position) noexcept
+        : value_(value), duration_(duration), hexadecimal_(hexadecimal), position_(position) {}
+
+    // The value as the formula is written with it.
+    void AppendText(std::string& out) const;
+    // Where it stands in the text that was parsed.
+    std::size_t Position() const noexcept { return position_; }
 
     bool WriteFormula(std::string& out, std::int64_t& running_time) const override;
     bool CheckMaxRepeat(std::uint32_t) const noexcept override { return true; }
     std::uint64_t CountEntries() const noexcept override { return 1; }
+    VeskExtent Measure() const noexcept override {
+        return {duration_.GetTime(), 0, VeskExtent::Front::Value};
+    }
+    void ForEachValue(const std::function<void(const CVeskValue&)>& visit) const override {
+        visit(*this);
+    }
 
 private:
     std::uint32_t value_;  // a character's code, or a number
     TTimeUnit<std::int64_t> duration_;
     bool hexadecimal_;  // the value is a number
+    std::size_t position_;
 };
 
 class CVeskGroup final : public CVeskNode {
@@ -87,6 +118,8 @@ public:
     bool WriteFormula(std::string& out, std::int64_t& running_time) const override;
     bool CheckMaxRepeat(std::uint32_t maximum) const noexcept override;
     std::uint64_t CountEntries() const noexcept override;
+    VeskExtent Measure() const noexcept override;
+    void ForEachValue(const std::function<void(const CVeskValue&)>& visit) const override;
 
 private:
     std::vector<std::unique_ptr<CVeskNode>> children_;  // in text order
@@ -111,6 +144,22 @@ public:
 
     bool CheckMaxRepeat(std::uint32_t maximum) const noexcept {
         return root_ && root_->CheckMaxRepeat(maximum);
+    }
+
+    // Whether Convert's formula ends before the end of times, and whether it begins with a value:
+    // what can be told without writing it.
+    bool FitsRange() const noexcept;
+    bool StartsWithValue() const noexcept {
+        return root_ && root_->Measure().front == VeskExtent::Front::Value;
+    }
+    // The time of the last value that starts, in picoseconds; 0 without values.
+    std::int64_t LastStart() const noexcept {
+        return root_ ? std::max<std::int64_t>(root_->Measure().last_start, 0) : 0;
+    }
+    void ForEachValue(const std::function<void(const CVeskValue&)>& visit) const {
+        if (root_) {
+            root_->ForEachValue(visit);
+        }
     }
 
     // What the last Parse found, at most kMaxProblems.

@@ -28,15 +28,24 @@ Problems Check(const std::string& formula, int width, std::int64_t mode) {
                           : CheckVectorFormula(formula.c_str(), width, static_cast<int>(mode));
 }
 
-// mode | formula of four elements, the fault in «» | what the sentence names
+// mode | formula of four elements, the fault in «» | what the sentence names; a warning with "W:"
 const char* const kFaults[] = {
     R"(1 | "01XZ" 0, «"1X1"» 5, 0101 6                                              | 4)",
     R"(1 | «01XZ0» 0                                                                | 01XZ0)",
     R"(1 | 16#F 0, «16#GG» 5                                                        | 16#GG)",
+    R"(1 | «14» 0                                                                   | `10#14`)",
+    R"(1 | 16#F 0, «16#1F» 5                                                        | W:needs 5 bits)",
+    R"(1 | «10#-9» 0                                                                | W:needs 5 bits)",
+    R"(1 | 00001111 0, «01010101» 5                                                 | W:needs 7 bits)",
+    R"(1 | /vesk «[»1F]5NS                                                          | W:needs 5 bits)",
+    R"(0 | «16#1F» 0                                                                | W:needs 5 bits)",
+    R"(0 | «(a,b)» 0                                                                | W:2 words for 4)",
+    R"(0 | «red» 0                                                                  | W:1 word for 4)",
+    R"(0 | «(a,b,c,d,e)» 0                                                          | W:5 words for 4)",
     R"(1 | «""» 0                                                                   | 4)",
-    R"(0 | (a,b) 0, «()» 5                                                          | ())",
+    R"(0 | (a,b,c,d) 0, «()» 5                                                          | ())",
     R"(1 | 16#F 0, 16#E 5«xs»                                                       | xs)",
-    R"(1 | /vesk «010NS X5NS»                                                       | 4)",
+    R"(1 | /vesk [F]10NS «X»5NS                                                      | 4)",
     R"(0 | \counter\TYPE\1\DIR\1\RADIX\10\START\«x»\INC\1\PERIOD\5\REV\0            | 10)",
     R"(1 | \counter\TYPE\2\DIR\1\RADIX\16\START\ff\INC\«fg»\PERIOD\5\REV\0          | 16)",
     R"(1 | \counter\TYPE\3\DIR\1\RADIX\«17»\START\ff\INC\0\PERIOD\5\REV\0           | radix)",
@@ -73,8 +82,10 @@ TEST(CheckVectorFormula, OneProblem) {
         ASSERT_EQ(problems.size(), 1U) << (problems.empty() ? "" : problems[0].sentence);
         EXPECT_EQ(problems[0].position, begin);
         EXPECT_EQ(problems[0].length, end - begin);
-        EXPECT_EQ(problems[0].severity, FormulaProblem::Severity::Error);
-        EXPECT_NE(problems[0].sentence.find(row[2]), std::string::npos) << problems[0].sentence;
+        const bool warning = row[2].starts_with("W:");
+        EXPECT_EQ(problems[0].severity == FormulaProblem::Severity::Warning, warning);
+        EXPECT_NE(problems[0].sentence.find(row[2].substr(warning ? 2 : 0)), std::string::npos)
+            << problems[0].sentence;
     }
     EXPECT_EQ(FindCounter(1), nullptr);  // nothing was registered
     ResetCounters();
@@ -83,8 +94,8 @@ TEST(CheckVectorFormula, OneProblem) {
 TEST(CheckVectorFormula, CleanFormulas) {
     ResetCounters();
     for (const auto& row : Table(R"(
-        1 | "01XZ" 0, 16#F 5, 10#-1 6, 01 7, (ZZZZ) 8 -r 20 ;; 1 | /vesk [F]5NS[0]5NS/clk
-        0 | (a,b,c,d) 0, red 5, ((a),b) 6, 16#FF 9 ;; 0 | \counter\TYPE\1\DIR\1\RADIX\10\START\-5\INC\1\PERIOD\5ns\REV\0
+        1 | "01XZ" 0, 16#F 5, 10#-1 6, 10#-8 6500, 01 7000, 0001111 8000, (ZZZZ) 9000 -r 20000 ;; 1 | /vesk [F]5NS[0]5NS/clk
+        0 | (a,b,c,d) 0, ((a),b,"c",'d') 6, 16#F 9, 10#-8 12 ;; 0 | \counter\TYPE\1\DIR\1\RADIX\10\START\-5\INC\1\PERIOD\5ns\REV\0
         1 | \COUNTER\type\2\dir\2\radix\2\start\101\inc\1\period\0.5NS\rev\1\more
         1 | \counter\TYPE\3\DIR\1\RADIX\8\START\7\INC\0\PERIOD\5\REV\0
         1 | \counter\TYPE\4\DIR\1\RADIX\8\START\7\INC\0\PERIOD\5\REV\0
@@ -102,6 +113,8 @@ TEST(CheckVectorFormula, CleanFormulas) {
     EXPECT_EQ(CheckVectorFormula("11 0, 01 20 -r 10ns", 2, 1, 2).size(), 1U);  // 20 ns
     EXPECT_TRUE(HasErrors(CheckVectorFormula(nullptr, 4, 1)));
     EXPECT_TRUE(HasErrors(CheckVectorFormula("16#F 0", kMaxVectorWidth + 1, 1)));
+    EXPECT_TRUE(HasErrors(CheckVectorFormula("/vesk (010NS110NS)700000", 64, 1)));
+    EXPECT_TRUE(HasErrors(CheckVectorFormula("0 0", -1, 1)));
     EXPECT_TRUE(HasErrors(CheckVectorFormula(counter, kMaxVectorWidth + 1, 1)));
     ResetCounters();
 }

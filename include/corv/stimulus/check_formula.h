@@ -22,7 +22,8 @@ struct FormulaProblem {
     std::string sentence;  // what is wrong and what would do, in one sentence without a full stop
 };
 
-// The most problems that are listed; the last one then says that there are more.
+// The most problems that are listed. Of more the errors are kept first, and the last problem says
+// that there are more, as an error if errors are among those left out.
 inline constexpr std::size_t kMaxFormulaProblems = 100;
 
 // Reads a formula as CStimulus::Create does, with a start time of 0, and lists what is wrong with
@@ -30,13 +31,20 @@ inline constexpr std::size_t kMaxFormulaProblems = 100;
 // identifiers of time_units.h. An empty list means that the formula is fine; a null formula is an
 // empty one. Should memory run out, the list ends with an error "out of memory".
 //
+// Reported are, besides what Create refuses: values that never take effect (their time is taken by
+// another value, lies before the pattern or past its repetition), a value at the end that has no
+// time, misspelt units and parameters, white space that is no blank, cut fractions, times out of
+// range, and of the compact notation values that last 0. The formula is not evaluated for it, and a
+// notation is not unrolled, so the time that a check takes follows the length of the text.
+//
 //     for (const corv::FormulaProblem& p : corv::CheckFormula("0 0, 1 10xs", 1))
 //         ...   // position 9, length 2: "unknown unit `xs`; did you mean `ns`?"
 CORV_API std::vector<FormulaProblem> CheckFormula(const char* formula,
                                                   std::uint32_t default_unit = 1) noexcept;
 
 // The same for the formula of a vector, as CFormulaParser::Run takes it with this width and split
-// mode: counters of any type are fine, and every value has to fit the width.
+// mode: counters of any type are fine, and every value has to fit the width. A number with more
+// bits than the vector is a warning, as is a list with too few or too many words.
 CORV_API std::vector<FormulaProblem> CheckVectorFormula(const char* formula, int width,
                                                         int split_mode,
                                                         std::uint32_t default_unit = 1) noexcept;

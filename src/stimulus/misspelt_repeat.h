@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "stimulus/formula_text.h"
+
+namespace corv::stimulus {
+
+// The parameter that a value was probably meant to be, "-r 40" for "--repeat 40" or "-r40". A word
+// without a dash counts only where no comma stands before it, since it may be a literal.
+std::optional<std::string> MisspeltRepeat(const FormulaItem& item, std::string_view formula);
+
+}  // namespace corv::stimulus
