@@ -1,5 +1,6 @@
 // Every request for memory fails once: the operation gives its failure, and the object still works.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,21 +36,22 @@ TEST(Allocation, Create) {
     }
 }
 
-// Questions need no memory, but for the text of the value.
+// A question needs no memory, but for the text of a long value.
 TEST(Allocation, Questions) {
-    const std::string formula = LongFormula();
     CStimulus stimulus;
-    CString value("left alone");
-    ASSERT_EQ(stimulus.Create(formula.c_str(), 0), 1);
-    const auto next = [&] { return stimulus.GetNextEventTime(25); };
-    EXPECT_EQ(FailEveryAllocation(next, [](std::int64_t) {}), 0);
-    EXPECT_EQ(next(), 30);
-    const auto get = [&] { return stimulus.GetValue(25, value); };
-    FailEveryAllocation([&] { value = CString("left alone"); }, get, [&](int found) {
-        EXPECT_EQ(found, 0);
-        EXPECT_STREQ(value, "left alone");
-    });
-    EXPECT_STREQ(value, kLongValue.c_str());
+    ASSERT_EQ(stimulus.Create(LongFormula().c_str(), 0), 1);
+    ArmFailingAlloc(1, true);
+    const std::int64_t next = stimulus.GetNextEventTime(25);
+    EXPECT_FALSE(DisarmFailingAlloc());
+    EXPECT_EQ(next, 30);
+    std::optional<CString> value;
+    const auto get = [&] { return stimulus.GetValue(25, *value); };
+    FailEveryAllocation([&] { value.emplace("left alone"); }, get,
+                        [&](int found) {
+                            EXPECT_EQ(found, 0);
+                            EXPECT_STREQ(*value, "left alone");
+                        });
+    EXPECT_STREQ(*value, kLongValue.c_str());
 }
 
 TEST(Allocation, CheckFormula) {

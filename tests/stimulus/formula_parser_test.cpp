@@ -255,7 +255,8 @@ TEST_F(FormulaParser, OutOfMemory) {
         std::string formula;
         int width;
         int mode;
-    } rows[] = {{quoted + ", 10#-1 5 -r 9", 40, 1}, {"16#F 1000, 10#1 5", 40, 0}, {words, 2, 0}};
+    } rows[] = {
+        {quoted + ", 10#-1 2000000000 -r 9", 40, 1}, {"16#F 5, 10#1 1000", 40, 0}, {words, 2, 0}};
     for (const auto& row : rows) {
         CStringArray complete;
         ASSERT_EQ(CSimpleFormulaParser().Run(row.formula.c_str(), complete, row.width, row.mode),
