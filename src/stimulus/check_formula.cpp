@@ -9,12 +9,10 @@
 
 #include "corv/stimulus/formula_parser.h"
 #include "corv/stimulus/stimulus.h"
-#include "corv/stremo/stream_error.h"
 #include "platform/guard.h"
 #include "stimulators/counter_check.h"
-#include "stimulus/custom_formula.h"
+#include "stimulus/check_custom_formula.h"
 #include "stimulus/formula_text.h"
-#include "stimulus/recorded_signals.h"
 #include "stimulus/unit_suggestion.h"
 #include "stimulus/vector_value.h"
 #include "stimulus/vesk_formula.h"
@@ -393,25 +391,6 @@ void CheckNotation(std::string_view formula, const CheckedAs& as, ProblemList& p
     }
 }
 
-// Why the recorded signal of a custom formula can't be had; nothing when it can.
-std::optional<std::string> CheckCustom(std::string_view formula) {
-    const auto parts = stimulus::ReadCustomFormula(formula);
-    if (!parts) {
-        return "a custom formula names a recording and a signal in it, such as `/custom run.evt, "
-               "top.clk`";
-    }
-    const std::unique_ptr<stremo::IEventsStreamRead> reader(
-        stremo::CreateStreamRead(parts->file.c_str()));
-    if (!reader) {
-        return std::string(LastStreamError());
-    }
-    frame::ComPtr<ISignalContainer> signals;
-    if (stimulus::FindRecordedSignal(*reader, parts->signal.c_str(), signals) == nullptr) {
-        return "the recording `" + parts->file + "` has no signal `" + parts->signal + "`";
-    }
-    return std::nullopt;
-}
-
 std::vector<FormulaProblem> Check(std::string_view formula, const CheckedAs& as) {
     ProblemList problems(formula);
     const auto refuse = [&](std::string sentence) {
@@ -438,8 +417,8 @@ std::vector<FormulaProblem> Check(std::string_view formula, const CheckedAs& as)
             }
             break;
         case stimulus::FormulaKind::Custom:
-            if (auto sentence = CheckCustom(formula)) {
-                refuse(std::move(*sentence));
+            if (auto problem = stimulus::CheckCustomFormula(formula)) {
+                problems.Error(problems.PlaceOf(problem->place), std::move(problem->sentence));
             }
             break;
     }
