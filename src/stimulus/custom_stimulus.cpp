@@ -57,6 +57,7 @@ CCustomStimulus::~CCustomStimulus() {
 
 void CCustomStimulus::Destroy() noexcept {
     cursor_.reset();
+    own_reader_ = nullptr;
     reader_.reset();
     signal_ = nullptr;
     container_ = {};
@@ -86,14 +87,24 @@ bool CCustomStimulus::Open() noexcept {
         return false;
     }
     ClearHandleMan(signal_);
-    if (auto* const own = corv::recording::OwnReader(reader_.get())) {
+    own_reader_ = corv::recording::OwnReader(reader_.get());
+    if (own_reader_ != nullptr) {
         const int handle = signal_->GetHandle();
-        own->SetInterest({&handle, 1});
-        cursor_ = own->OpenSignal(handle);
+        own_reader_->SetInterest({&handle, 1});
+        return true;
     }
     reader_->Seek(&start_time_);
     reader_->MarkStart(&start_time_);
     return true;
+}
+
+// Events are read with the first question, so that one reading serves all elements of a vector:
+// until then each of them has told its interest.
+corv::recording::SignalCursor* CCustomStimulus::Cursor() noexcept {
+    if (cursor_ == nullptr) {
+        cursor_ = own_reader_->OpenSignal(signal_->GetHandle());
+    }
+    return cursor_.get();
 }
 
 // Leaves nothing but the signal's handle in the handle manager, so that events of the others are
@@ -148,9 +159,9 @@ bool CCustomStimulus::TakeEvents(IHandleManager* manager, std::int64_t time) noe
 
 // Puts the value at a time into the signal's wave.
 bool CCustomStimulus::TakeValue(std::int64_t time) noexcept {
-    if (cursor_) {
+    if (own_reader_ != nullptr) {
         ValueBuffer value{};
-        if (!cursor_->Value(time, value.data())) {
+        if (Cursor() == nullptr || !cursor_->Value(time, value.data())) {
             return false;
         }
         PutValue(*signal_, value);
@@ -179,8 +190,8 @@ std::int64_t CCustomStimulus::GetNextEventTime(std::int64_t time) noexcept {
     if (!reader_ || time == std::numeric_limits<std::int64_t>::max()) {
         return -1;
     }
-    if (cursor_) {
-        return cursor_->NextTime(time);
+    if (own_reader_ != nullptr) {
+        return Cursor() != nullptr ? cursor_->NextTime(time) : -1;
     }
     const std::int64_t target = time + 1;
     const ComPtr<IHandleManager> manager = ManagerOf(*container_);

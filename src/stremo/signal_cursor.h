@@ -36,9 +36,10 @@ public:
     // Each may end before the others. Null when memory runs out.
     virtual std::unique_ptr<SignalReader> Share() noexcept = 0;
 
-    // Tells the scalars of interest before the first question about events; the others may then
-    // have no events and no values. No handles: all, as if never told. A hint, by which large files
-    // of other formats are read faster and in less memory.
+    // Tells the scalars of interest of this reader and of those shared from it later, from the next
+    // Seek on; the others may then have no events and no values. No handles: all, as if never told.
+    // A hint, by which large files of other formats are read faster and in less memory. Signals
+    // outside of it can be opened all the same.
     virtual void SetInterest(std::span<const int> handles) = 0;
 
     // A cursor for a scalar's handle; it must not be used after the reader's end. Null for other

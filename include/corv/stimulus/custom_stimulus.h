@@ -12,7 +12,8 @@
 
 namespace corv::recording {
 class SignalCursor;
-}
+class SignalReader;
+}  // namespace corv::recording
 
 // A recorded signal as a stimulus: what it did in its recording it does again. Times are
 // picoseconds; -1 stands for no event. One thread at a time may use it.
@@ -48,7 +49,7 @@ public:
 
 private:
     bool Open() noexcept;
-    bool FindSignal() noexcept;
+    corv::recording::SignalCursor* Cursor() noexcept;
     void ClearHandleMan(ISignal* signal) noexcept;
     bool QueryCache(IHandleManager* manager) noexcept;
     bool TakeEvents(IHandleManager* manager, std::int64_t time) noexcept;
@@ -60,5 +61,8 @@ private:
     ISignal* signal_ = nullptr;  // of the container
     CString file_name_;
     CString signal_name_;
-    std::unique_ptr<corv::recording::SignalCursor> cursor_;  // of the library's own readers
+    // reader_ as one of the library's own, null for a host's, and the cursor of the former once
+    // something has been asked
+    corv::recording::SignalReader* own_reader_ = nullptr;
+    std::unique_ptr<corv::recording::SignalCursor> cursor_;
 };
