@@ -417,8 +417,10 @@ std::vector<FormulaProblem> Check(std::string_view formula, const CheckedAs& as)
             }
             break;
         case stimulus::FormulaKind::Custom:
-            if (auto problem = stimulus::CheckCustomFormula(formula)) {
-                problems.Error(problems.PlaceOf(problem->place), std::move(problem->sentence));
+            if (auto problem = stimulus::CheckCustomFormula(formula, !as.vector)) {
+                const Place place = problems.PlaceOf(problem->place);
+                problem->warning ? problems.Warn(place, std::move(problem->sentence))
+                                 : problems.Error(place, std::move(problem->sentence));
             }
             break;
     }

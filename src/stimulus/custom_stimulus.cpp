@@ -3,6 +3,7 @@
 #include <array>
 #include <limits>
 
+#include "corv/stremo/stream_details.h"
 #include "platform/guard.h"
 #include "stimulus/event_files.h"
 #include "stimulus/recorded_signals.h"
@@ -44,7 +45,9 @@ CCustomStimulus& CCustomStimulus::operator=(const CCustomStimulus& other) noexce
             file_name_ = other.file_name_;
             signal_name_ = other.signal_name_;
         });
-        if (!copied || !other.reader_ || !Open()) {
+        if (other.given_handle_ != -1) {
+            CreateFrom(corv::ShareStream(*other.reader_), other.given_handle_);
+        } else if (!copied || !other.reader_ || !Open()) {
             Destroy();
         }
     }
@@ -59,6 +62,7 @@ void CCustomStimulus::Destroy() noexcept {
     cursor_.reset();
     own_reader_ = nullptr;
     reader_.reset();
+    given_handle_ = -1;
     signal_ = nullptr;
     container_ = {};
 }
@@ -77,6 +81,21 @@ int CCustomStimulus::Create(const char* event_file, const char* signal) noexcept
     return open ? 1 : 0;
 }
 
+int CCustomStimulus::CreateFrom(stremo::IEventsStreamRead* reader, int handle) noexcept {
+    Destroy();
+    reader_.reset(reader);
+    signal_ = reader != nullptr && handle != -1
+                  ? corv::stimulus::LoadRecordedScalar(*reader, handle, container_)
+                  : nullptr;
+    if (signal_ == nullptr) {
+        Destroy();
+        return 0;
+    }
+    given_handle_ = handle;
+    Begin();
+    return 1;
+}
+
 bool CCustomStimulus::Open() noexcept {
     reader_.reset(stremo::CreateStreamRead(file_name_));
     if (!reader_) {
@@ -86,16 +105,20 @@ bool CCustomStimulus::Open() noexcept {
     if (signal_ == nullptr) {
         return false;
     }
+    Begin();
+    return true;
+}
+
+void CCustomStimulus::Begin() noexcept {
     ClearHandleMan(signal_);
     own_reader_ = corv::recording::OwnReader(reader_.get());
     if (own_reader_ != nullptr) {
         const int handle = signal_->GetHandle();
         own_reader_->SetInterest({&handle, 1});
-        return true;
+    } else {
+        reader_->Seek(&start_time_);
+        reader_->MarkStart(&start_time_);
     }
-    reader_->Seek(&start_time_);
-    reader_->MarkStart(&start_time_);
-    return true;
 }
 
 // Events are read with the first question, so that one reading serves all elements of a vector:

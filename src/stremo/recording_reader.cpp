@@ -43,6 +43,7 @@ public:
     std::unique_ptr<SignalReader> Share() noexcept override;
     void SetInterest(std::span<const int> handles) override;
     std::unique_ptr<SignalCursor> OpenSignal(int handle) noexcept override;
+    std::string_view SignalName(int index) noexcept override;
     std::uint64_t EventCount() noexcept override;
     int NoteCount() noexcept override { return static_cast<int>(recording_->notes().size()); }
     const char* Note(int index) noexcept override;
@@ -361,6 +362,13 @@ std::unique_ptr<SignalCursor> RecordingReader::OpenSignal(int handle) noexcept {
             return blocks ? std::make_unique<LeafCursor>(std::move(blocks), signals_, leaf)
                           : nullptr;
         });
+}
+
+std::string_view RecordingReader::SignalName(int index) noexcept {
+    const auto list = signals_.TopLevel();
+    return index >= 0 && static_cast<std::size_t>(index) < list.size()
+               ? signals_[list[static_cast<std::size_t>(index)]].name
+               : std::string_view();
 }
 
 std::uint64_t RecordingReader::EventCount() noexcept {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string_view>
 
 #include "corv/stremo/events_stream_read.h"
 
@@ -45,6 +46,9 @@ public:
     // A cursor for a scalar's handle; it must not be used after the reader's end. Null for other
     // handles and when the events can't be read or memory runs out.
     virtual std::unique_ptr<SignalCursor> OpenSignal(int handle) noexcept = 0;
+
+    // The name of a top-level signal, without a look at anything else; empty outside.
+    virtual std::string_view SignalName(int index) noexcept = 0;
 
     // The number of events of all signals, as far as they can be read.
     virtual std::uint64_t EventCount() noexcept = 0;

@@ -179,6 +179,53 @@ TEST_P(ReplayOfSamples, EqualsItThroughFormulasOnOneReader) {
     stremo::UnregisterStream("replay:test");
 }
 
+// Names that differ in case or look like elements, and parts of vectors.
+TEST(Replay, TakesTheSignalThatIsNamed) {
+    const std::string file = testing::TempDir() + "replay names.vcd";
+    std::ofstream(file)
+        << "$timescale 1 ns $end $scope module t $end $var wire 1 ! clk $end\n"
+           "$var wire 1 \" CLK $end $var wire 4 # a [3:0] $end $var wire 1 % a(3) "
+           "$end\n$var wire 1 & \\e.s+c $end $upscope $end $enddefinitions $end\n#0 "
+           "b0101 # 0! 1\" 1% 1&\n#7 1! b1010 #\n#9 0\"\n";
+    struct Row {
+        const char* name;
+        std::int64_t change;  // after time 0
+        const char* value;    // at time 0
+    };
+    for (const Row& row : {Row{"t.clk", 7000, "0"},
+                           {"t/clk", 7000, "0"},
+                           {"t.a", 7000,
+                            "0\x1f"
+                            "1\x1f"
+                            "0\x1f"
+                            "1"},
+                           {"t.CLK", 9000, "1"},
+                           {"T/CLK", 7000, "0"},
+                           {"t.a(2)", 7000, "1"},
+                           {"t.a(2 downto 1)", 7000,
+                            "1\x1f"
+                            "0"},
+                           {"t.a[1:0]", 7000,
+                            "0\x1f"
+                            "1"},
+                           {"t.\\e.s+c", -1, "1"}}) {
+        const Replay replay = MakeReplay(file, row.name, 0);
+        EXPECT_EQ(replay.source->ValueAt(0).value_or(""), row.value) << row.name;
+        EXPECT_EQ(replay.source->NextEvent(0), row.change) << row.name;
+    }
+    const auto error = [&](const char* name) {
+        try {
+            MakeReplay(file, name, 0);
+        } catch (const std::runtime_error& problem) {
+            return std::string(problem.what());
+        }
+        return std::string("none");
+    };
+    EXPECT_NE(error("t.*").find("name one signal, such as `t.clk`"), std::string::npos);
+    EXPECT_NE(error("t.b").find("has no signal `t.b`"), std::string::npos);
+    std::remove(file.c_str());
+}
+
 INSTANTIATE_TEST_SUITE_P(Simulators, ReplayOfSamples,
                          testing::Values("ghw/tb_composite.ghw", "ghw/tb_delta.ghw",
                                          "ghw/tb_hier.ghw", "ghw/tb_scalars.ghw",
