@@ -90,7 +90,10 @@ bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
 }
 
 NamedSource LoadReplay(const FormulaOptions& options, const std::string& replay) {
-    const std::size_t colon = replay.rfind(':');
+    // a slice, a[7:4], has one of its own
+    const bool selects = replay.ends_with(']') || replay.ends_with(')');
+    const std::size_t colon =
+        replay.rfind(':', selects ? replay.find_last_of("[(") : std::string::npos);
     if (colon == std::string::npos || colon == 0 || colon + 1 == replay.size()) {
         throw Failure("--replay: `" + replay +
                       "` names no recording and signal; write FILE:SIGNAL");

@@ -152,13 +152,18 @@ frame::ComPtr<ISignal> MakeSlice(ISignal& array, const SliceName& slice) {
     return made;
 }
 
-ISignal* FindPlain(ISignalContainer& signals, std::string_view plain) {
+// The signal of a name, of several that differ in case alone the one in the case of the text.
+ISignal* FindNamed(ISignalContainer& signals, std::string_view text) {
+    const std::string plain = PlainName(text);
+    const std::string shown = ShownName(text);
     ISignal* found = nullptr;
     auto look = [&](ISignal& signal) {
-        if (PlainName(FullName(signal)) == plain) {
+        const std::string name = FullName(signal);
+        const bool is_exact = ShownName(name) == shown;
+        if (is_exact || (found == nullptr && PlainName(name) == plain)) {
             found = &signal;
         }
-        return found == nullptr;
+        return !is_exact;
     };
     Walk(signals, look);
     return found;
@@ -207,12 +212,13 @@ std::vector<NamedSignal> SelectSignals(ISignalContainer& signals, const std::str
         Walk(signals, take);
         return selected;
     }
-    if (ISignal* const found = FindPlain(signals, plain)) {
+    if (ISignal* const found = FindNamed(signals, pattern)) {
         selected.push_back({ShownName(FullName(*found)), found, {}});
         return selected;
     }
     const auto slice = ReadSlice(plain);
-    ISignal* const array = slice ? FindPlain(signals, slice->base) : nullptr;
+    ISignal* const array =
+        slice ? FindNamed(signals, ShownName(pattern).substr(0, slice->base.size())) : nullptr;
     if (array != nullptr && array->GetSubSignals() != nullptr) {
         if (auto made = MakeSlice(*array, *slice)) {
             ISignal* const signal = made.get();

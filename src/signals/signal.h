@@ -107,6 +107,8 @@ private:
     void SetType(const corv::signals::TypePtr& type) noexcept;
     // What loading does once the properties and members have been read.
     HRESULT FinishLoading(ISignalContainer& owner, ISignal* parent) noexcept;
+    // Takes the wave of the first signal that its handle manager lists under its handle.
+    void ShareWave(ISignalContainer& owner) noexcept;
     void TakeMembers(corv::frame::ComPtr<ISignalContainer> members) noexcept;
     void StoreFormula(const char* formula, int type, int strength) noexcept;
 

@@ -192,10 +192,20 @@ HRESULT CSignal::FinishLoading(ISignalContainer& owner, ISignal* parent) noexcep
         return E_OUTOFMEMORY;
     }
     Release();
-    if (handle_ != -1) {
-        owner.AssignHandles(GetName(), &handle_, 1);
-    }
+    ShareWave(owner);
     return S_OK;
+}
+
+// The container has registered the signal behind the others of its handle.
+void CSignal::ShareWave(ISignalContainer& owner) noexcept {
+    ComPtr<IHandleManager> manager;
+    if (handle_ == -1 || FAILED(owner.GetHandleManager(manager.Out()))) {
+        return;
+    }
+    ISignal* const first = manager->GetFirstSignal(handle_);
+    if (first != nullptr && first != this) {
+        SetWave(first->GetWave());
+    }
 }
 
 HRESULT CSignal::WriteToWriter(IEventsStreamWrite* writer, int index) noexcept {

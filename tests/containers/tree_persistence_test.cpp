@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -233,6 +234,28 @@ TEST(TreePersistence, WhatAReaderSaysReachesTheSignals) {
     EXPECT_EQ(container->LoadFromReader(&empty), S_OK);
     empty.more_signals = -3;
     EXPECT_EQ(container->LoadFromReader(&empty), S_OK);
+}
+
+// Each has its own handle and wave, and a second recording takes nothing from the first.
+TEST(TreePersistence, NamesThatAreAlikeLoadSideBySide) {
+    FakeReader reader = ReaderOf(
+        "0 1 2 3 4", "0 clk bit 0 ;; 1 CLK bit 0 ;; 2 a bit 0 ;; 3 a(3) bit 0 ;; 4 a.x bit 0");
+    FakeReader second = ReaderOf("9", "9 clk bit 0");
+    const ContainerPtr container = NewContainer();
+    ASSERT_EQ(container->LoadFromReader(&reader), S_OK);
+    ISignalWave* const wave = Find(*container, "clk")->GetWave();
+    ASSERT_EQ(container->LoadFromReader(&second), S_OK);
+    EXPECT_EQ(TextOf(*container), "clk=0 CLK=1 a=2 a(3)=3 a.x=4 clk=9");
+    EXPECT_EQ(TextOf(*ManagerOf(*container)), "0:clk 1:CLK 2:a 3:a(3) 4:a.x 9:clk");
+    std::set<ISignalWave*> waves;
+    for (std::uint32_t i = 0; i < 6; ++i) {
+        ISignal* signal = nullptr;
+        container->GetAt(i, &signal);
+        waves.insert(signal->GetWave());
+        EXPECT_TRUE(signal->OwnsWave());
+    }
+    EXPECT_EQ(waves.size(), 6U);
+    EXPECT_EQ(Find(*container, "clk")->GetWave(), wave);
 }
 
 TEST(TreePersistence, DoesNotBelieveAReadersCounts) {
