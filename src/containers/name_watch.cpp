@@ -1,6 +1,5 @@
 #include "containers/name_watch.h"
 
-#include "frame/com_class.h"
 #include "signals/signal.h"
 
 namespace corv::containers {
@@ -19,12 +18,11 @@ void CountRenaming() noexcept {
 }
 
 bool WatchName(ISignal& signal) noexcept {
-    static const void* const own_class = frame::ClassOf(CSignal(nullptr));
-    if (frame::ClassOf(signal) != own_class) {
-        return false;
+    CSignal* const own = CSignal::FromOwn(signal);
+    if (own != nullptr) {
+        own->WatchName();
     }
-    static_cast<CSignal&>(signal).WatchName();
-    return true;
+    return own != nullptr;
 }
 
 }  // namespace corv::containers

@@ -68,23 +68,13 @@ HRESULT CORV_CALL SignalContainer::AssignHandles(const char* path, const int* ha
     if (count < 1 || handles == nullptr) {
         return E_INVALIDARG;
     }
-    const Level level(Running().find_depth);
-    if (path == nullptr || !level.IsAllowed()) {
-        return E_FAIL;
-    }
-    const SplitPath parts(path);
-    ISignal* const found = FindNamed(parts.component);
-    if (found == nullptr) {
-        return E_FAIL;
-    }
-    ISignalContainer* const members = found->GetSubSignals();
-    if (parts.rest != nullptr && members != nullptr) {
-        ShareManagerWith(*members);
-        return members->AssignHandles(parts.rest, handles, count);
+    ISignal* found = nullptr;
+    if (const HRESULT result = FindSignal(path, &found); FAILED(result)) {
+        return result;
     }
     std::span<const int> left(handles, static_cast<std::size_t>(count));
     LeafWalk().Visit(
-        *found, [&](ISignalContainer& below) { ShareManagerWith(below); },
+        *found, [](ISignal&) {},
         [&](ISignal& leaf) {
             AssignHandle(leaf, left.front(), manager_.get());
             left = left.subspan(1);
@@ -132,15 +122,6 @@ HRESULT CORV_CALL SignalContainer::SetHandleManager(IHandleManager* manager) noe
 
 ISignal* SignalContainer::FindNamed(std::string_view name) const noexcept {
     return names_ ? names_->Find(signals_, name) : FindByLooking(signals_, name);
-}
-
-// They differ when a signal's type and with it its members have changed since it was put in.
-void SignalContainer::ShareManagerWith(ISignalContainer& members) noexcept {
-    ComPtr<IHandleManager> theirs;
-    members.GetHandleManager(theirs.Out());
-    if (theirs.get() != manager_.get()) {
-        members.SetHandleManager(manager_.get());
-    }
 }
 
 }  // namespace corv::containers

@@ -213,18 +213,6 @@ TEST_F(SignalContainer, OneManagerServesTheTree) {
     EXPECT_EQ(container->GetHandleManager(&untouched), E_FAIL);
     EXPECT_EQ(untouched, first.get());
     EXPECT_EQ(ReferencesTo(*second), 1U);
-
-    // members that were made anew have a manager of their own until they get handles
-    container->SetHandleManager(first.get());
-    auto& remade = *static_cast<FakeSignal*>(Find(*container, "s(1)"));
-    const int handles[] = {4, 5};
-    for (const char* const path : {"s(1).n", "s"}) {
-        remade.MakeComposite().Add(NewLeaf(".n").get());
-        container->AssignHandles(path, handles, 2);
-        EXPECT_EQ(Find(*container, "s(1).n"), first->GetFirstSignal(path[1] == '(' ? 4 : 5));
-    }
-    remade.MakeComposite();
-    EXPECT_EQ(TextOf(*first), "4:(0)");
 }
 
 TEST_F(SignalContainer, Enumerates) {
