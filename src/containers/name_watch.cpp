@@ -1,20 +1,22 @@
 #include "containers/name_watch.h"
 
+#include <atomic>
+
 #include "signals/signal.h"
 
 namespace corv::containers {
 namespace {
 
-constinit std::uint64_t renamings = 0;
+constinit std::atomic<std::uint64_t> renamings = 0;
 
 }  // namespace
 
 std::uint64_t Renamings() noexcept {
-    return renamings;
+    return renamings.load(std::memory_order_relaxed);
 }
 
 void CountRenaming() noexcept {
-    ++renamings;
+    renamings.fetch_add(1, std::memory_order_relaxed);
 }
 
 bool WatchName(ISignal& signal) noexcept {

@@ -23,7 +23,7 @@ namespace corv::containers {
 class LoadStream;
 class ReaderLoad;
 
-// The library's one state of the operations that are running now.
+// The state of the operations that are running now on a thread.
 struct RunningOperations {
     LoadStream* load = nullptr;
     ReaderLoad* reader_load = nullptr;
@@ -130,9 +130,15 @@ public:
     bool IsOf(const stremo::IEventsStreamRead& reader) const noexcept {
         return &reader == &reader_;
     }
+    // What a recording may have at most, members counted: more than memory holds, so that only a
+    // reader without end comes to it.
+    static constexpr int kMostSignals = 1 << 26;
+
+    // A signal with that many others around it comes next. False when it must not be loaded.
+    bool Enter(int depth, int handle) noexcept;
+    // Tells by LastStreamError why the load fails; the first reason counts.
+    void Refuse(const char* why) noexcept;
     int& Depth() noexcept { return depth_; }
-    // Counts a signal; false when there are too many.
-    bool CountSignal() noexcept;
     StdLogicMaker& Signals() noexcept { return maker_; }
 
 private:
@@ -141,6 +147,8 @@ private:
     StdLogicMaker maker_;
     int depth_ = 0;
     int signals_ = 0;
+    bool is_refused_ = false;
+    std::array<int, signals::kMostNesting> way_{};  // the handles of the signals that are loaded
 };
 
 }  // namespace corv::containers

@@ -131,7 +131,7 @@ HRESULT SignalData::LoadNode(ReaderLoad& load, IEventsStreamRead& reader, int ha
                              SignalData& root) {
     Reset();
     const Level level(load.Depth());
-    if (handle == -1 || !level.IsAllowed() || !load.CountSignal()) {
+    if (handle == -1 || !load.Enter(load.Depth() - 1, handle)) {
         return E_FAIL;
     }
     int child_count = 0;

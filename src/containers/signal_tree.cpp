@@ -1,5 +1,6 @@
 // Handles and the ways down the tree of signals.
 
+#include <atomic>
 #include <cstring>
 #include <span>
 #include <string_view>
@@ -49,8 +50,11 @@ void AssignHandle(ISignal& leaf, int handle, IHandleManager* manager) noexcept {
 class PassOn {
 public:
     explicit PassOn(std::uint64_t& passed_on) noexcept : level_(Running().pass_on_depth) {
+        static std::atomic<std::uint64_t> last_number = 0;  // a container may change its thread
         RunningOperations& running = Running();
-        running.pass_on_number += running.pass_on_depth == 1 ? 1 : 0;
+        if (running.pass_on_depth == 1) {
+            running.pass_on_number = last_number.fetch_add(1, std::memory_order_relaxed) + 1;
+        }
         goes_on_ = level_.IsAllowed() && passed_on != running.pass_on_number;
         passed_on = running.pass_on_number;
     }

@@ -123,7 +123,11 @@ HRESULT CORV_CALL SignalContainer::LoadFromReader(IEventsStreamRead* reader) noe
         return E_FAIL;
     }
     ReaderLoad load(*reader);
-    return platform::Guarded(E_FAIL, [&] { return LoadAll(load, *reader); });
+    const HRESULT result = platform::Guarded(E_OUTOFMEMORY, [&] { return LoadAll(load, *reader); });
+    if (result == E_OUTOFMEMORY) {
+        load.Refuse("memory has run out");
+    }
+    return SUCCEEDED(result) ? S_OK : E_FAIL;
 }
 
 HRESULT SignalContainer::LoadAll(ReaderLoad& load, IEventsStreamRead& reader) {
@@ -159,19 +163,24 @@ HRESULT CORV_CALL SignalContainer::CreateFromReader(IEventsStreamRead* reader, I
 HRESULT SignalContainer::LoadOne(ReaderLoad& load, IEventsStreamRead& reader, ISignal* parent,
                                  int index, ISignal** signal) {
     const Level level(load.Depth());
-    if (!level.IsAllowed() || !load.CountSignal()) {
-        return E_FAIL;
-    }
     const int handle = parent != nullptr ? reader.GetSubSignalHandle(parent->GetHandle(), index)
                                          : reader.GetSignalHandle(index);
     if (handle == -1) {
+        load.Refuse("a signal is missing");
+        return E_FAIL;
+    }
+    if (!load.Enter(load.Depth() - 1, handle)) {
         return E_FAIL;
     }
     const SignalInfo info(reader, handle);
+    if (info.type == nullptr) {
+        load.Refuse("a signal has no type");
+        return E_FAIL;
+    }
     ComPtr<ISignal> made;
-    if (info.type == nullptr || FAILED(load.Signals().Make(made.Out())) ||
-        !Describe(*made, handle, info) ||
+    if (FAILED(load.Signals().Make(made.Out())) || !Describe(*made, handle, info) ||
         FAILED(made->LoadFromReader(&reader, this, parent, info.member_count))) {
+        load.Refuse("memory has run out");
         return E_FAIL;
     }
     *signal = made.Detach();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/containers/container_support.h"
@@ -268,6 +269,33 @@ TEST_F(SignalContainer, TreesThatContainThemselves) {
     EXPECT_EQ(TextOf(*manager), "");
     for (const FakePtr* const signal : {&a, &b}) {
         (*signal)->GetSubSignals()->RemoveAll();
+    }
+}
+
+// Trees that have nothing in common may be used on several threads at once.
+TEST_F(SignalContainer, ThreadsDoNotMeet) {
+    ContainerPtr containers[2];
+    std::vector<std::thread> threads;
+    for (ContainerPtr& container : containers) {
+        container = NewContainer();
+        AddSignals(*container, "s((0) (1))");
+        threads.emplace_back([&container] {
+            ISignal* found = nullptr;
+            const ManagerPtr manager = ManagerOf(*container);
+            for (int i = 0; i < 200'000; ++i) {
+                container->FindSignal("s(1)", &found);
+                container->SetHandleManager(manager.get());
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (const ContainerPtr& container : containers) {
+        ISignalContainer& members = *Find(*container, "s")->GetSubSignals();
+        EXPECT_NE(Find(*container, "s(1)"), nullptr);
+        container->SetHandleManager(nullptr);
+        EXPECT_EQ(ManagerOf(members).get(), nullptr);
     }
 }
 

@@ -198,10 +198,15 @@ TEST(SignalData, EndsWhereARecordingLies) {
     EXPECT_EQ(load(reader, 1), "top\\s@1@90s=CLK:FRM:Drive (.a@7@50 .b@2@80 (.b.x@3@80!)) #7");
     reader.signals[3].type = "no type";
     EXPECT_EQ(load(reader, 3), ".b.x@3@80!");
-    // signals within themselves
+    // signals within themselves, and too many within each other
     reader = MakeReader();
     reader.signals[9].members = {1, 1};
     const DataPtr data = NewData();
+    EXPECT_EQ(data->LoadFromReader(&reader, 1), E_FAIL);
+    for (int i = 1; i <= 300; ++i) {
+        reader.signals[i] = reader.signals[9];
+        reader.signals[i].members = {i + 1};
+    }
     EXPECT_EQ(data->LoadFromReader(&reader, 1), E_FAIL);
     int depth = 0;
     for (ISignalData* node = data.get(); node->GetChildCount() > 0; ++depth) {
