@@ -337,6 +337,16 @@ TEST_F(SignalContainer, OutOfMemoryChangesNothing) {
     frame::ComPtr<ISignalEnumerator> signals;
     FailEveryAllocation(
         prepare, [&] { return container->EnumSignals(signals.Out()); }, check);
+    // a signal that stands in the list already
+    const auto prepare_again = [&] {
+        prepare();
+        b->SetName("b");
+        container->Add(b.get());
+        a->SetHandle(3);
+    };
+    FailEveryAllocation(
+        prepare_again, [&] { return container->Add(a.get()); },
+        [&](HRESULT) { EXPECT_EQ(TextOf(*container), "a=3 b=2"); });
     signals = {};
     container = {};
     EXPECT_EQ(TextOf(*manager), "");
