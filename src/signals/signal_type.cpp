@@ -218,9 +218,10 @@ HRESULT CSignal::ApplyType(const TypePtr& type) noexcept {
 
 // Members mostly have the type of the one before; its texts are copied instead of made again.
 HRESULT CSignal::ApplyTypeOf(const CSignal& scalar) noexcept {
-    if (!properties_.CopyFrom(scalar.properties_) || !MakeWave(*scalar.type_, wave_)) {
+    if (!MakeWave(*scalar.type_, wave_)) {
         return E_OUTOFMEMORY;
     }
+    properties_ = scalar.properties_;
     type_ = scalar.type_;
     std_logic_class_ = scalar.std_logic_class_;
     return S_OK;
