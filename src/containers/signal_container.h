@@ -65,6 +65,7 @@ private:
     // Makes a container below use this one's handle manager.
     void ShareManagerWith(ISignalContainer& members) noexcept;
 
+    HRESULT SaveSignals(IByteStream& stream) noexcept;
     HRESULT LoadSignals(LoadStream& stream, ISignal* parent) noexcept;
     bool LoadSignal(LoadStream& stream, ISignal* parent) noexcept;
     HRESULT LoadAll(ReaderLoad& load, stremo::IEventsStreamRead& reader);
