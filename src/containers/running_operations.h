@@ -99,7 +99,8 @@ public:
 
     std::uint64_t BytesRead() const noexcept { return bytes_read_; }
     int& Depth() noexcept { return depth_; }
-    // Once members were nested too deep the place in the stream means nothing: all containers end.
+    // Once members were nested too deep or memory ran out the place in the stream means nothing:
+    // all containers end.
     void GiveUp() noexcept { given_up_ = true; }
     bool HasGivenUp() const noexcept { return given_up_; }
 

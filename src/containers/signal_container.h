@@ -63,6 +63,7 @@ private:
 
     ISignal* FindNamed(std::string_view name) const noexcept;
 
+    HRESULT SaveSignals(IByteStream& stream) noexcept;
     HRESULT LoadSignals(LoadStream& stream, ISignal* parent) noexcept;
     bool LoadSignal(LoadStream& stream, ISignal* parent) noexcept;
     HRESULT LoadAll(ReaderLoad& load, stremo::IEventsStreamRead& reader);

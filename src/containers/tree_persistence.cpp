@@ -1,8 +1,6 @@
-// Trees in byte streams and recordings. A list of signals in a byte stream:
-//
-//     count (2 bytes, little-endian), then that many signals, each with its members
-//
-// What a signal writes of itself is told in signal_persistence.cpp.
+// Trees in byte streams (docs/formats/signal-tree.md) and recordings. A list of signals in a byte
+// stream is their count and the signals, each with its members; what a signal writes of itself is
+// in signal_persistence.cpp.
 
 #include <algorithm>
 #include <array>
@@ -10,6 +8,7 @@
 #include <cstring>
 #include <limits>
 
+#include "containers/save_check.h"
 #include "containers/signal_container.h"
 #include "containers/stream_number.h"
 #include "corv/platform/cstring.h"
@@ -62,13 +61,19 @@ bool Describe(ISignal& signal, int handle, const SignalInfo& info) noexcept {
 }  // namespace
 
 HRESULT CORV_CALL SignalContainer::Save(IByteStream* stream) noexcept {
+    const bool is_outermost = Running().save_depth == 0;
     const Level level(Running().save_depth);
-    if (stream == nullptr || signals_.size() > kMostSaved || !level.IsAllowed()) {
+    if (stream == nullptr || !level.IsAllowed()) {
         return E_FAIL;
     }
-    HRESULT result = WriteNumber(*stream, signals_.size());
+    const HRESULT checked = is_outermost ? SaveSignals(SaveCheck::Get()) : S_OK;
+    return SUCCEEDED(checked) ? SaveSignals(*stream) : checked;
+}
+
+HRESULT SignalContainer::SaveSignals(IByteStream& stream) noexcept {
+    HRESULT result = signals_.size() <= kMostSaved ? WriteNumber(stream, signals_.size()) : E_FAIL;
     for (std::size_t i = 0; SUCCEEDED(result) && i < signals_.size(); ++i) {
-        result = signals_[i]->Save(stream);
+        result = signals_[i]->Save(&stream);
     }
     return result;
 }
@@ -104,14 +109,18 @@ HRESULT SignalContainer::LoadSignals(LoadStream& stream, ISignal* parent) noexce
     return stream.HasGivenUp() ? E_FAIL : S_OK;
 }
 
-// False when nothing is left to read.
+// False when nothing is left to read. Where memory runs out in a record its rest stays unread, and
+// what follows would not be read as what it is: the load ends.
 bool SignalContainer::LoadSignal(LoadStream& stream, ISignal* parent) noexcept {
     ComPtr<ISignal> signal;
-    if (FAILED(stream.Signals().Make(signal.Out()))) {
-        return true;
-    }
     const std::uint64_t place = stream.BytesRead();
-    if (FAILED(signal->Load(&stream, this, parent))) {
+    const HRESULT result = FAILED(stream.Signals().Make(signal.Out()))
+                               ? E_OUTOFMEMORY
+                               : signal->Load(&stream, this, parent);
+    if (result == E_OUTOFMEMORY) {
+        stream.GiveUp();
+    }
+    if (FAILED(result)) {
         return stream.BytesRead() > place && !stream.HasGivenUp();
     }
     max_time_ = std::max(max_time_, signal.Detach()->GetMaxTime());

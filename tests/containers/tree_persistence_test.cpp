@@ -281,7 +281,7 @@ TEST(TreePersistence, DoesNotBelieveAReadersCounts) {
 
 TEST(TreePersistence, OutOfMemoryWhileLoading) {
     FakeReader reader =
-        ReaderOf("1 2", "1 a bit 7 ;; 2 v bits 9 3 4 ;; 3 (1) bit 0 ;; 4 (0) bit 0");
+        ReaderOf("2 1", "1 a bit 7 ;; 2 v bits 9 3 4 ;; 3 (1) bit 0 ;; 4 (0) bit 0");
     const ContainerPtr saved = NewContainer();
     ASSERT_EQ(saved->LoadFromReader(&reader), S_OK);
     MemoryStream stream(Saved(*saved));
@@ -292,6 +292,12 @@ TEST(TreePersistence, OutOfMemoryWhileLoading) {
     };
     const auto check = [&](HRESULT) {
         EXPECT_LE(container->GetCount(), 2);
+        for (int i = 0; i < container->GetCount(); ++i) {
+            ISignal* signal = nullptr;
+            container->GetAt(static_cast<std::uint32_t>(i), &signal);
+            const std::string name = signal->GetName() != nullptr ? signal->GetName() : "";
+            EXPECT_TRUE(name == "a" || name == "v") << name;
+        }
         Saved(*container);
         TextOf(*ManagerOf(*container));
     };

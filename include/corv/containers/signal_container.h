@@ -79,12 +79,14 @@ public:
 
     // Appends the signals of a stream that Save has written, as members of the parent unless that
     // is null. A signal that can't be read ends nothing: what is read stays. The stream's result
-    // when the count can't be read; E_FAIL when it is 0 and when members are nested too deep; else
-    // S_OK.
+    // when the count can't be read; E_FAIL when it is 0, and when members are nested too deep or
+    // memory runs out, which ends the load; else S_OK.
     virtual HRESULT CORV_CALL Load(IByteStream* stream, ISignal* parent) = 0;
 
-    // Writes all signals with their properties and members, but no events. E_FAIL when there are
-    // more than 65,535 or members are nested too deep; else the first result that is a failure.
+    // Writes all signals with their properties and members, but no events. E_FAIL, before the first
+    // byte is written, for what Load would refuse: more than 65,535 signals, members nested too
+    // deep, texts of properties that are too long (ISignal::Save); else the first result that is a
+    // failure.
     virtual HRESULT CORV_CALL Save(IByteStream* stream) = 0;
 
     // Appends the signals of a recording, without their events. E_FAIL when one can't be read, and
