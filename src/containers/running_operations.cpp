@@ -28,8 +28,15 @@ HRESULT StdLogicMaker::Make(ISignal** signal) noexcept {
     if (SUCCEEDED(result)) {
         result = static_cast<CSignal&>(*made).ApplyTypeOf(static_cast<CSignal&>(*first_));
     }
+    if (SUCCEEDED(result) && properties_.GetCount() > 0) {
+        static_cast<CSignal&>(*made).ShareProperties(properties_);
+    }
     *signal = SUCCEEDED(result) ? made.Detach() : nullptr;
     return result;
+}
+
+void StdLogicMaker::ContinueFrom(ISignal& signal) noexcept {
+    properties_ = static_cast<CSignal&>(signal).Properties();
 }
 
 LoadStream::LoadStream(IByteStream& stream) noexcept

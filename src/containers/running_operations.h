@@ -8,6 +8,7 @@
 #include "corv/containers/signal_container.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/signals/byte_stream.h"
+#include "corv/signals/property_map.h"
 #include "corv/signals/signal.h"
 #include "signals/nesting.h"
 
@@ -75,8 +76,13 @@ public:
     // As CreateStdSignal.
     HRESULT Make(ISignal** signal) noexcept;
 
+    // The signals that are made from now on begin with the properties of one that was made here:
+    // what they have in common is kept once.
+    void ContinueFrom(ISignal& signal) noexcept;
+
 private:
     frame::ComPtr<ISignal> first_;
+    CPropertyMap properties_;  // of the signal to continue from
 };
 
 // A load from a byte stream, from the outermost container's on, for as long as it lives. It is the

@@ -45,17 +45,26 @@ bool IsText(const char* text, const char* wanted) noexcept {
     return text != nullptr && std::strcmp(text, wanted) == 0;
 }
 
+// False when it could not be stored.
+bool Store(ISignal& signal, const char* key, const char* value) noexcept {
+    if (!IsText(signal.GetProperty(key), value)) {
+        signal.SetProperty(key, value);
+    }
+    return IsText(signal.GetProperty(key), value);
+}
+
+template <class Number>
+bool StoreNumber(ISignal& signal, const char* key, Number number) noexcept {
+    std::array<char, 24> text{};
+    std::to_chars(text.data(), text.data() + text.size() - 1, number);
+    return Store(signal, key, text.data());
+}
+
 // False when a property could not be stored.
 bool Describe(ISignal& signal, int handle, const SignalInfo& info) noexcept {
-    std::array<char, 24> time{};
-    std::to_chars(time.data(), time.data() + time.size() - 1, info.max_time);
-    signal.SetName(info.name);
     signal.SetHandle(handle);
-    signal.SetMode(info.mode);
-    signal.SetProperty("MaxTime", time.data());
-    signal.SetProperty("Type Info", info.type);
-    return IsText(signal.GetName(), info.name) && signal.GetMode() == info.mode &&
-           signal.GetMaxTime() == info.max_time && IsText(signal.GetTypeInfo(), info.type);
+    return Store(signal, "Name", info.name) && StoreNumber(signal, "Mode", info.mode) &&
+           StoreNumber(signal, "MaxTime", info.max_time) && Store(signal, "Type Info", info.type);
 }
 
 }  // namespace
@@ -191,6 +200,9 @@ HRESULT SignalContainer::LoadOne(ReaderLoad& load, IEventsStreamRead& reader, IS
         FAILED(made->LoadFromReader(&reader, this, parent, info.member_count))) {
         load.Refuse("memory has run out");
         return E_FAIL;
+    }
+    if (info.member_count == 0) {
+        load.Signals().ContinueFrom(*made);
     }
     *signal = made.Detach();
     return S_OK;

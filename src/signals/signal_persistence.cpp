@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string_view>
 
@@ -148,7 +149,11 @@ HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* par
 HRESULT CSignal::LoadFromReader(stremo::IEventsStreamRead* reader, ISignalContainer* owner,
                                 ISignal* parent, int member_count) noexcept {
     for (const char* const key : kStreamProperties) {
-        properties_.Set(key, reader->GetSignalProperty(handle_, key));
+        const char* const value = reader->GetSignalProperty(handle_, key);
+        const char* const there = properties_.Get(key);
+        if (there == nullptr || std::strcmp(there, value != nullptr ? value : "") != 0) {
+            properties_.Set(key, value);
+        }
     }
     if (member_count != 0) {
         ComPtr<ISignalContainer> members;

@@ -364,6 +364,9 @@ TEST(SignalPersistence, LoadsItselfFromAReader) {
     EXPECT_EQ(vector->GetSubSignals()->GetCount(), 1) << "not what its type tells";
     EXPECT_EQ(MemberAt(*vector, 0).GetParent(), vector);
     EXPECT_STREQ(MemberAt(*vector, 0).GetStimulator(), "s");
+    EXPECT_STREQ(scalar->GetStimulator(), "") << "loaded after one that has it";
+    scalar->SetColor(3);
+    EXPECT_EQ(MemberAt(*vector, 0).GetProperty("Color"), nullptr);
     EXPECT_EQ(scalar->GetHandle(), 3);
     EXPECT_EQ(scalar->GetWaveValueSize(), 8U);
 }
