@@ -74,7 +74,7 @@ struct CPropertyMap::Entry {
 
 // The entries in the order of their keys; they follow in the same block. Copies of a map share it
 // until one of them changes.
-struct CPropertyMap::Table {
+struct alignas(void*) CPropertyMap::Table {
     static Table* WithRoom(std::uint32_t capacity) noexcept {
         void* const block = NewBlock(sizeof(Table) + capacity * sizeof(Entry*));
         if (block == nullptr) {

@@ -183,7 +183,7 @@ protected:
 };
 
 // Makes a signal with a type (null or empty: none) below a parent (null: none); the caller releases
-// it. E_FAIL when the type can't be applied, E_OUTOFMEMORY. The out is null after E_FAIL.
+// it. E_FAIL when the type can't be applied, E_OUTOFMEMORY. The out is null after each failure.
 CORV_API HRESULT CreateSignal(const char* type, ISignal* parent, ISignal** signal) noexcept;
 
 // The same with a standard type, see CreateStdTypeInfo; E_INVALIDARG for an index that is none. The
