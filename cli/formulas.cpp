@@ -150,9 +150,10 @@ void AddRecordingOptions(CLI::App& command, FormulaOptions& options) {
     command.add_option("FILE", options.file, "A recording to show instead of formulas or besides");
     command
         .add_option("-n,--name", options.names,
-                    "The signals of the recording to show, all unless given: names, elements "
-                    "a(3), slices a(7 downto 4), * within a level and ** across; may be given many "
-                    "times")
+                    "The signals of the recording to show, all unless given: names, fields rec.a "
+                    "or rec.*, elements a(3), slices a(7 downto 4), and patterns: * and ? stay "
+                    "within a level, ** goes across, [a-f] is one of these characters and [!a-f] "
+                    "another one; may be given many times")
         ->type_name("GLOB")
         ->allow_extra_args(false);
 }

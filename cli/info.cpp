@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <unordered_map>
 
@@ -6,8 +7,10 @@
 #include "cli/options.h"
 #include "cli/output.h"
 #include "cli/recordings.h"
+#include "corv/stremo/stream_details.h"
 #include "corv/typeinfo/vhdl_type.h"
 #include "host/fit_text.h"
+#include "host/signal_trace.h"
 #include "host/time_text.h"
 
 namespace corv::cli {
@@ -45,23 +48,50 @@ std::string TypeText(ISignal& signal) {
     return type != nullptr ? type : "";
 }
 
-Facts FactsOf(const InfoOptions& options) {
-    const auto recording = OpenRecording(options.file, options.time_unit);
-    stremo::IEventsStreamRead& reader = recording->Reader();
-    Facts facts;
-    facts.format = reader.GetFormatName();
+// The scalars of the signals, each once.
+std::vector<int> HandlesOf(const std::vector<host::NamedSignal>& signals) {
+    std::vector<int> handles;
+    for (const host::NamedSignal& named : signals) {
+        for (ISignal* const leaf : host::LeavesOf(*named.signal)) {
+            handles.push_back(leaf->GetHandle());
+        }
+    }
+    std::sort(handles.begin(), handles.end());
+    handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
+    return handles;
+}
+
+// Counts the events of some scalars by handle.
+std::unordered_map<int, std::uint64_t> CountEvents(const host::Recording& recording,
+                                                   const std::vector<int>& handles, Facts& facts) {
+    stremo::IEventsStreamRead& reader = recording.Reader();
+    SelectStreamSignals(reader, handles.data(), static_cast<int>(handles.size()));
     std::unordered_map<int, std::uint64_t> counts;
+    for (const int handle : handles) {
+        counts[handle] = 0;
+    }
     const std::int64_t start = 0;
-    if (reader.Seek(&start)) {
-        for (int handle = reader.Next(); handle != -1; handle = reader.Next()) {
+    for (int handle = reader.Seek(&start) ? reader.Next() : -1; handle != -1;
+         handle = reader.Next()) {
+        const auto count = counts.find(handle);
+        if (count != counts.end()) {
             facts.last = *reader.GetCurrentTime();
             facts.first = facts.events == 0 ? facts.last : facts.first;
             ++facts.events;
-            ++counts[handle];
+            ++count->second;
         }
     }
-    facts.problem = recording->Problem();
-    for (const host::NamedSignal& named : SelectNamed(*recording, options.names)) {
+    facts.problem = recording.Problem();
+    return counts;
+}
+
+Facts FactsOf(const InfoOptions& options) {
+    const auto recording = OpenRecording(options.file, options.time_unit);
+    const auto selected = SelectNamed(*recording, options.names);
+    Facts facts;
+    facts.format = recording->Reader().GetFormatName();
+    const auto counts = CountEvents(*recording, HandlesOf(selected), facts);
+    for (const host::NamedSignal& named : selected) {
         SignalFacts signal{host::CleanText(named.name), TypeText(*named.signal), 0};
         for (ISignal* const leaf : host::LeavesOf(*named.signal)) {
             const auto count = counts.find(leaf->GetHandle());
@@ -145,7 +175,9 @@ void AddInfo(CLI::App& program, Action& chosen) {
         "and numbers of events, and what had to be repaired or was lost when it was read.");
     auto options = std::make_shared<InfoOptions>();
     command->add_option("FILE", options->file, "The recording")->required();
-    command->add_option("-n,--name", options->names, "Only signals of that name or pattern")
+    command
+        ->add_option("-n,--name", options->names,
+                     "Only signals of that name or pattern; the events and their times are theirs")
         ->type_name("GLOB")
         ->allow_extra_args(false);
     AddRecordingUnit(*command, options->time_unit);

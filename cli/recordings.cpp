@@ -2,19 +2,15 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <utility>
 
 #include "cli/command.h"
 #include "cli/progress.h"
-#include "cli/suggestion.h"
 #include "corv/stremo/stream_progress.h"
 #include "host/driver.h"
 #include "host/fit_text.h"
 
 namespace corv::cli {
 namespace {
-
-constexpr std::size_t kMostSuggested = 10'000;  // names that are compared with an unknown one
 
 template <class Work>
 auto OrFailure(Work work) {
@@ -46,29 +42,6 @@ std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
                               [&, progress = std::make_shared<Progress>("unpacking " + file_name)](
                                   double part) { progress->Tell(part, 1); }};
     return OrFailure([&] { return std::make_unique<host::Recording>(file_name, options); });
-}
-
-std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
-                                           const std::vector<std::string>& patterns) {
-    std::vector<host::NamedSignal> selected;
-    if (patterns.empty()) {
-        ISignal* signal = nullptr;
-        for (std::uint32_t i = 0; SUCCEEDED(recording.Signals().GetAt(i, &signal)); ++i) {
-            const char* const name = signal->GetName();
-            selected.push_back({host::ShownName(name != nullptr ? name : ""), signal, {}});
-        }
-        return selected;
-    }
-    for (const std::string& pattern : patterns) {
-        auto found = host::SelectSignals(recording.Signals(), pattern);
-        if (found.empty()) {
-            const auto names = host::AllNames(recording.Signals(), kMostSuggested);
-            throw Failure("the recording has no signal `" + pattern + "`" +
-                          Suggestion(pattern, names));
-        }
-        std::move(found.begin(), found.end(), std::back_inserter(selected));
-    }
-    return selected;
 }
 
 Shown::Shown(const FormulaOptions& options) : options_(options), sources_(LoadSources(options)) {

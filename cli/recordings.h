@@ -17,10 +17,13 @@ namespace corv::cli {
 std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
                                                std::optional<unsigned> time_unit = {});
 
-// The signals that the patterns name, the top-level ones without any; throws Failure for a pattern
-// that names none.
+// The signals that the patterns name, each once, the top-level ones without any; throws Failure for
+// a pattern that names none.
 std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
                                            const std::vector<std::string>& patterns);
+
+// A sentence about a name or pattern that stands for no signal, with what would do.
+std::string UnknownSignal(const host::Recording& recording, const std::string& name);
 
 // What a command shows: signals of a recording, and what formulas and replayed signals do.
 class Shown {
