@@ -11,9 +11,11 @@
 #include "corv/typeinfo/type_info.h"
 #include "corv/typeinfo/vhdl_type.h"
 #include "corv/util/time_units.h"
+#include "host/bus_formula.h"
 #include "host/named_formula.h"
 #include "host/replay.h"
 #include "host/time_text.h"
+#include "host/value_type.h"
 #include "host/vector_source.h"
 
 namespace corv::cli {
@@ -44,7 +46,7 @@ unsigned UnitOf(const FormulaOptions& options) {
 bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
                 const FormulaType& type, std::vector<NamedSource>& sources) {
     const unsigned unit = UnitOf(options);
-    const auto problems = CheckFormula(named.formula.c_str(), unit);
+    const auto problems = CheckNamedFormula(named, type, unit);
     if (ReportProblems(named.name, named.formula, problems, options.colour)) {
         return false;
     }
@@ -67,13 +69,12 @@ bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
 // The same for a vector, with its elements where they are asked for.
 bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
                 const FormulaType& type, std::vector<NamedSource>& sources) {
-    const host::VectorFormula vector{named.formula,   type.shape.width,       type.shape.words,
-                                     UnitOf(options), options.at.value_or(0), !type.type.empty()};
-    const auto problems =
-        CheckVectorFormula(named.formula.c_str(), vector.width, vector.words ? 0 : 1, vector.unit);
-    if (ReportProblems(named.name, named.formula, problems, options.colour)) {
+    const VectorText text(named.formula, type, UnitOf(options));
+    if (ReportProblems(named.name, named.formula, text.problems, options.colour)) {
         return false;
     }
+    const host::VectorFormula vector{text.formula,    type.shape.width,       type.shape.words,
+                                     UnitOf(options), options.at.value_or(0), !type.type.empty()};
     auto bus = host::MakeVector(vector);
     if (!bus) {
         throw Failure("the formula of " + named.name + " cannot be cut into elements");
@@ -156,6 +157,34 @@ void AddRecordingOptions(CLI::App& command, FormulaOptions& options) {
                     "another one; may be given many times")
         ->type_name("GLOB")
         ->allow_extra_args(false);
+}
+
+VectorText::VectorText(const std::string& written, const FormulaType& type, unsigned unit)
+    : formula(written) {
+    const int width = type.shape.width;
+    if (type.shape.words) {
+        problems = CheckVectorFormula(written.c_str(), width, 0, unit);
+        return;
+    }
+    host::BusType bus{width, "", host::BusType::Sign::Open};
+    if (!type.type.empty()) {
+        bus = host::BusTypeOf(KTypeInfo(CString(type.type)));
+    }
+    const host::BusFormula values(written, bus);
+    formula = values.Text();
+    problems = values.Problems(CheckVectorFormula(formula.c_str(), width, 1, unit));
+}
+
+std::vector<FormulaProblem> CheckNamedFormula(const host::NamedFormula& named,
+                                              const FormulaType& type, unsigned unit) {
+    if (type.shape.width > 0) {
+        return VectorText(named.formula, type, unit).problems;
+    }
+    auto problems = CheckFormula(named.formula.c_str(), unit);
+    if (type.type.empty() && problems.empty()) {
+        problems = host::StrayLetters(named.formula);
+    }
+    return problems;
 }
 
 FormulaType ReadFormulaType(const std::string& name, const std::string& text) {

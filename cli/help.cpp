@@ -76,6 +76,13 @@ const std::vector<Section>& CommonSections() {
          "`-r 20ns` in it repeats the whole with that period, `@100ns` is a time that takes no "
          "part "
          "in the repetition, `/vesk` introduces the compact notation of values and durations.\n"
+         "Values of vectors, `NAME:8=` or of a type, are written as VHDL does, `X\"A5\"`, "
+         "`O\"17\"`, "
+         "`B\"1010\"`, `16#A5#` or `(others => '0')`, as `0xA5`, as decimal numbers, `165` or "
+         "`-3`, "
+         "or letter by letter, `01XZ`. Letters of std_logic, exactly as many as the vector has "
+         "elements, are always its letters: `1010` is 10 for four elements and the decimal number "
+         "for twelve. Bits missing in front are zeros; a value that does not fit is refused.\n"
          "A time is a number and a unit, `10ns`, `10 ns` or `1.5us`; the units are fs, ps, ns, us, "
          "ms, sec, min and hr. A number alone counts picoseconds.\n"
          "Where a formula is expected, `-` reads it from standard input."},

@@ -4,6 +4,9 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "corv/stimulus/check_formula.h"
 
 namespace corv::host {
 
@@ -11,6 +14,10 @@ namespace corv::host {
 // std_logic where all of them are one of its letters, else integer, real, or an enumeration of
 // identifiers. Nothing when they are values of no one of these.
 std::optional<std::string> InferType(const std::set<std::string>& values);
+
+// Warnings about single characters that are no values of std_logic, where others of the formula's
+// values are 0 or 1 and all of them together have no type: "0 0, Q 5ns".
+std::vector<FormulaProblem> StrayLetters(const std::string& formula);
 
 // An enumeration with a literal for each character.
 std::string CharacterType(std::string_view characters);
