@@ -1,9 +1,11 @@
 #include "cli/recordings.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
 #include "cli/command.h"
+#include "cli/output.h"
 #include "cli/progress.h"
 #include "corv/stremo/stream_progress.h"
 #include "host/driver.h"
@@ -41,7 +43,13 @@ std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
     host::OpenOptions options{time_unit,
                               [&, progress = std::make_shared<Progress>("unpacking " + file_name)](
                                   double part) { progress->Tell(part, 1); }};
-    return OrFailure([&] { return std::make_unique<host::Recording>(file_name, options); });
+    try {
+        return std::make_unique<host::Recording>(file_name, options);
+    } catch (const std::runtime_error& error) {
+        const bool formula = file_name.find(' ') != std::string::npos &&
+                             !std::filesystem::exists(std::filesystem::path(file_name));
+        throw Failure(error.what() + std::string(formula ? "; a formula goes after -f" : ""));
+    }
 }
 
 Shown::Shown(const FormulaOptions& options) : options_(options), sources_(LoadSources(options)) {
@@ -75,6 +83,17 @@ host::TimeWindow Shown::Window() const {
     return ChooseWindow(options_, end);
 }
 
+void Shown::TellNotes() const {
+    const auto notes = notes_told_ ? std::vector<std::string>() : recording_->Notes();
+    notes_told_ = true;
+    if (!notes.empty()) {
+        const std::size_t more = notes.size() - 1;
+        WriteMessage(
+            "note", options_.file + ": " + notes.front() +
+                        (more == 0 ? "" : "; `corv info` lists " + std::to_string(more) + " more"));
+    }
+}
+
 std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style) const {
     std::vector<host::Trace> traces;
     if (selected_.empty()) {
@@ -88,6 +107,7 @@ std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style
         recording_->Load(signals, window);
         return 0;
     });
+    TellNotes();
     const host::BusFormat format = BusFormatOf(options_, style);
     for (const host::NamedSignal& named : selected_) {
         traces.push_back(host::ReadTrace(*named.signal, window, format));

@@ -33,18 +33,21 @@ public:
 
     std::vector<std::string> Names() const;
     host::TimeWindow Window() const;
-    // What each does in a window: every event, at most `max` of each.
+    // What each does in a window: every event, at most `max` of each. What was repaired, guessed or
+    // lost in the recording is told on standard error, once.
     std::vector<host::Trace> Events(host::TimeWindow window, std::size_t max) const;
     // The same as far as a drawing on the grid can show it.
     std::vector<host::Trace> ForGrid(const host::TimeGrid& grid) const;
 
 private:
     std::vector<host::Trace> Recorded(host::TimeWindow window, BusStyle style) const;
+    void TellNotes() const;
 
     const FormulaOptions& options_;
     std::unique_ptr<host::Recording> recording_;
     std::vector<host::NamedSignal> selected_;
     std::vector<NamedSource> sources_;
+    mutable bool notes_told_ = false;
 };
 
 }  // namespace corv::cli
