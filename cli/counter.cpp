@@ -65,7 +65,7 @@ std::string Digits(std::int64_t value, int radix) {
 
 int RunCounter(const CounterOptions& options) {
     if (!options.period || *options.period < 1) {
-        throw Failure("--period: a count lasts 1ps or longer");
+        throw Failure("--period is required and must be at least 1ps");
     }
     const auto start = static_cast<std::uint64_t>(options.start.value);
     if (options.width && *options.width < 64 && start >> *options.width != 0) {

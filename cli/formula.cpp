@@ -136,7 +136,7 @@ void AddFormula(CLI::App& program, Action& chosen) {
     command =
         AddTextCommand(*formula, "check",
                        "tell what is wrong with a formula\n"
-                       "Writes every problem with its place. As behind -f, NAME= may stand in "
+                       "Writes every problem with its place. As after -f, NAME= may stand in "
                        "front, or NAME:TYPE= for the formula of a vector or of a VHDL type. "
                        "A text that begins with - goes behind --.",
                        *check);

@@ -112,7 +112,7 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
         .add_option(
             "-f,--formula", options.formulas,
             "A formula, named f1, f2 and so on unless NAME= stands before it; of a vector of WIDTH "
-            "elements behind NAME:WIDTH=, of a VHDL type behind NAME:TYPE=, such as "
+            "elements after NAME:WIDTH=, of a VHDL type after NAME:TYPE=, such as "
             "v:std_logic_vector(7 downto 0)=; may be given many times")
         ->type_name("[NAME[:TYPE]=]FORMULA")
         ->allow_extra_args(false);
@@ -124,12 +124,14 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
     AddTime(command, "--shift", options.shift,
             "How much later than in their recordings replayed signals change; 0 unless given");
     AddTime(command, "-s,--start", options.start, "Where the window starts; 0 unless given");
-    AddTime(command, "-e,--end", options.end,
-            "Where the window ends. Unless given: two periods behind the start for a formula that "
-            "repeats, an eighth behind the last event for one that does not, whichever is latest");
+    AddTime(
+        command, "-e,--end", options.end,
+        "Where the window ends. Unless given: the recording's last event, two periods after the "
+        "start for a formula that repeats, an eighth after the last event for one that does "
+        "not, whichever is latest");
     AddTime(command, "--at", options.at,
-            "When the stimuli begin; 0 unless given. Times behind @ stay where they are, and those "
-            "before it never come");
+            "When the stimuli begin; 0 unless given. Absolute times (@) are not shifted, and those "
+            "before it are dropped");
     AddTimeUnit(command, "--default-unit", options.default_unit,
                 "The unit of times written without one in a formula; ps unless given");
     AddTimeUnit(command, "--time-unit", options.time_unit,
@@ -278,7 +280,7 @@ std::int64_t NaturalEnd(const FormulaOptions& options, const std::vector<NamedSo
 host::TimeWindow ChooseWindow(const FormulaOptions& options, std::int64_t natural_end) {
     const host::TimeWindow window{options.start.value_or(0), options.end.value_or(natural_end)};
     if (window.end <= window.start) {
-        throw Failure("the end " + host::TimeText(window.end) + " does not lie behind the start " +
+        throw Failure("the end " + host::TimeText(window.end) + " is not after the start " +
                       host::TimeText(window.start));
     }
     return window;

@@ -21,6 +21,7 @@ struct InfoOptions {
     std::vector<std::string> names;
     std::optional<unsigned> time_unit;
     bool json = false;
+    bool names_only = false;
 };
 
 struct SignalFacts {
@@ -155,7 +156,21 @@ std::string InfoJson(const Facts& facts) {
                      {"signals", std::move(signals)}});
 }
 
+// The names alone; the events are not read for them.
+int WriteNames(const InfoOptions& options) {
+    const auto recording = OpenRecording(options.file, options.time_unit);
+    std::string names;
+    for (const host::NamedSignal& named : SelectNamed(*recording, options.names)) {
+        names += host::CleanText(named.name) + "\n";
+    }
+    WriteOutput(options.output, names);
+    return kFine;
+}
+
 int RunInfo(const InfoOptions& options) {
+    if (options.names_only) {
+        return WriteNames(options);
+    }
     const Facts facts = FactsOf(options);
     WriteOutput(options.output, options.json ? InfoJson(facts) : InfoText(facts));
     if (!facts.problem.empty()) {
@@ -183,6 +198,7 @@ void AddInfo(CLI::App& program, Action& chosen) {
     AddRecordingUnit(*command, options->time_unit);
     AddText(*command, "-o,--output", "FILE", options->output, "Write to FILE");
     command->add_flag("--json", options->json, "Write JSON, times in picoseconds");
+    command->add_flag("--names", options->names_only, "Write the names alone, a line each");
     command->footer("corv info run.evt\ncorv info run.evt -n 'tb.u1.**' --json");
     command->callback([&chosen, options] { chosen = [options] { return RunInfo(*options); }; });
 }

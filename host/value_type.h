@@ -12,7 +12,7 @@ namespace corv::host {
 
 // The type-description string of the values that a formula has, when it doesn't say a type:
 // std_logic where all of them are one of its letters, else integer, real, or an enumeration of
-// identifiers. Nothing when they are values of no one of these.
+// identifiers. Nothing when none of these fits.
 std::optional<std::string> InferType(const std::set<std::string>& values);
 
 // Warnings about single characters that are no values of std_logic, where others of the formula's
