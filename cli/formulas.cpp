@@ -7,6 +7,7 @@
 #include "cli/command.h"
 #include "cli/options.h"
 #include "cli/problems.h"
+#include "cli/recordings.h"
 #include "corv/stimulus/time_unit.h"
 #include "corv/typeinfo/type_info.h"
 #include "corv/typeinfo/vhdl_type.h"
@@ -90,18 +91,32 @@ bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
     return true;
 }
 
+// What went wrong, with the nearest names where the recording has no such signal.
+std::string WhyNoReplay(const std::string& file, const std::string& signal,
+                        const std::string& error) {
+    try {
+        const host::Recording recording(file);
+        return host::SelectSignals(recording.Signals(), signal).empty()
+                   ? file + ": " + UnknownSignal(recording, signal)
+                   : error;
+    } catch (const std::runtime_error&) {
+        return error;
+    }
+}
+
 NamedSource LoadReplay(const FormulaOptions& options, const std::string& replay) {
     const std::size_t colon = replay.rfind(':');
     if (colon == std::string::npos || colon == 0 || colon + 1 == replay.size()) {
         throw Failure("--replay: `" + replay +
                       "` names no recording and signal; write FILE:SIGNAL");
     }
+    const std::string file = replay.substr(0, colon);
+    const std::string signal = replay.substr(colon + 1);
     try {
-        host::Replay made = host::MakeReplay(replay.substr(0, colon), replay.substr(colon + 1),
-                                             options.shift.value_or(0));
+        host::Replay made = host::MakeReplay(file, signal, options.shift.value_or(0));
         return {std::move(made.name), std::move(made.source), made.shape, std::move(made.type)};
     } catch (const std::runtime_error& error) {
-        throw Failure("--replay: " + std::string(error.what()));
+        throw Failure("--replay: " + WhyNoReplay(file, signal, error.what()));
     }
 }
 

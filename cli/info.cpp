@@ -57,16 +57,20 @@ std::vector<int> HandlesOf(const std::vector<host::NamedSignal>& signals) {
             handles.push_back(leaf->GetHandle());
         }
     }
+    std::erase(handles, -1);  // a scalar without events
     std::sort(handles.begin(), handles.end());
     handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
     return handles;
 }
 
-// Counts the events of some scalars by handle.
+// Counts the events of scalars by handle; `selected` tells that they are not all.
 std::unordered_map<int, std::uint64_t> CountEvents(const host::Recording& recording,
-                                                   const std::vector<int>& handles, Facts& facts) {
+                                                   const std::vector<int>& handles, bool selected,
+                                                   Facts& facts) {
     stremo::IEventsStreamRead& reader = recording.Reader();
-    SelectStreamSignals(reader, handles.data(), static_cast<int>(handles.size()));
+    if (selected) {
+        SelectStreamSignals(reader, handles.data(), static_cast<int>(handles.size()));
+    }
     std::unordered_map<int, std::uint64_t> counts;
     for (const int handle : handles) {
         counts[handle] = 0;
@@ -91,7 +95,7 @@ Facts FactsOf(const InfoOptions& options) {
     const auto selected = SelectNamed(*recording, options.names);
     Facts facts;
     facts.format = recording->Reader().GetFormatName();
-    const auto counts = CountEvents(*recording, HandlesOf(selected), facts);
+    const auto counts = CountEvents(*recording, HandlesOf(selected), !options.names.empty(), facts);
     for (const host::NamedSignal& named : selected) {
         SignalFacts signal{host::CleanText(named.name), TypeText(*named.signal), 0};
         for (ISignal* const leaf : host::LeavesOf(*named.signal)) {

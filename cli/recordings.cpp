@@ -84,8 +84,9 @@ host::TimeWindow Shown::Window() const {
 }
 
 void Shown::TellNotes() const {
-    const auto notes = notes_told_ ? std::vector<std::string>() : recording_->Notes();
+    auto notes = notes_told_ ? std::vector<std::string>() : recording_->Notes();
     notes_told_ = true;
+    std::erase_if(notes, [](const std::string& note) { return note.ends_with(" assumed"); });
     if (!notes.empty()) {
         const std::size_t more = notes.size() - 1;
         WriteMessage(

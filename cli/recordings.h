@@ -33,8 +33,8 @@ public:
 
     std::vector<std::string> Names() const;
     host::TimeWindow Window() const;
-    // What each does in a window: every event, at most `max` of each. What was repaired, guessed or
-    // lost in the recording is told on standard error, once.
+    // What each does in a window: every event, at most `max` of each. What was repaired or lost
+    // in the recording is told on standard error, once; what was assumed of a whole one is not.
     std::vector<host::Trace> Events(host::TimeWindow window, std::size_t max) const;
     // The same as far as a drawing on the grid can show it.
     std::vector<host::Trace> ForGrid(const host::TimeGrid& grid) const;
