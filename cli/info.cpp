@@ -176,7 +176,7 @@ int RunInfo(const InfoOptions& options) {
         return WriteNames(options);
     }
     const Facts facts = FactsOf(options);
-    WriteOutput(options.output, options.json ? InfoJson(facts) : InfoText(facts));
+    WriteOutput(options.output, options.json ? InfoJson(facts) : InfoText(facts), {options.file});
     if (!facts.problem.empty()) {
         WriteMessage("error", facts.problem);
         return kFailed;
