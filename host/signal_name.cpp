@@ -19,22 +19,9 @@ char Lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// A backslash begins an extended identifier at the start of a level when another one closes it; the
-// separator may be a backslash too.
+// Of the escaped name that begins a level.
 std::size_t ExtendedLength(std::string_view rest, bool level_start) {
-    if (!level_start || !rest.starts_with('\\')) {
-        return 0;
-    }
-    for (std::size_t at = 1; at < rest.size(); ++at) {
-        if (rest[at] == '\\') {
-            if (at + 1 < rest.size() && rest[at + 1] == '\\') {
-                ++at;
-                continue;
-            }
-            return at > 1 ? at + 1 : 0;
-        }
-    }
-    return 0;
+    return level_start ? EscapedNameLength(rest, HierarchySeparator()) : 0;
 }
 
 bool IsSeparator(char c) {

@@ -336,11 +336,7 @@ void Changes::SpreadDigits(const Digits& digits, std::uint32_t width) {
 // Two's complement. Missing digits are zeros.
 void Changes::SetInteger(Target& target, const Digits& digits) {
     if (!digits.two_valued) {
-        if (target.known) {  // before the first value, x is none yet
-            Note(Problem::kNoInteger, digits.at - 1,
-                 vcd::Text(digits.at, digits.at + digits.count));
-        }
-        return;
+        return;  // before the first number: no value yet
     }
     if (digits.count > target.width) {
         Note(Problem::kTooManyDigits, digits.at - 1,

@@ -160,7 +160,7 @@ void Reader::ReadCommand(std::string_view word) {
         const Byte* const name_end = name + (text.text.size() - type);
         name = SkipBlanks(name, name_end);
         if (text.whole) {
-            scopes_.Enter(Text(name, name_end));
+            scopes_.Enter(ScopeName(Text(name, name_end)));
         }
     } else if (word == "$upscope") {
         if (!scopes_.Leave()) {
@@ -257,7 +257,7 @@ void Reader::FitRange(Shape& shape, const std::optional<Range>& range, std::stri
     }
     if (shape.kind == Kind::kString) {
         shape.width = shape.range ? std::min<std::uint64_t>(shape.range->Length(), kMostText) : 0;
-        result_.has_open_texts = result_.has_open_texts || !shape.range;
+        result_.is_open = result_.is_open || !shape.range;
     } else if (shape.kind != Kind::kBits && shape.kind != Kind::kInteger) {
         shape.width = 1;
     } else if (shape.kind == Kind::kBits && !shape.range && shape.width > 1) {
@@ -315,7 +315,8 @@ void Reader::AddName(const Code& code, const Shape& shape, std::string_view name
     }
     const bool is_text = shape.kind == Kind::kString;
     const bool is_vector = shape.kind == Kind::kBits && (shape.range || shape.width != 1);
-    Range range = shape.range.value_or(Range{-1, 0});
+    result_.is_open = result_.is_open || shape.kind == Kind::kInteger;
+    Range range = shape.range.value_or(Range{static_cast<std::int32_t>(shape.width) - 1, 0});
     if (is_text) {
         range = shape.range.value_or(Range{1, 0});  // its end is found later
     }

@@ -24,6 +24,7 @@ struct Variable {
     std::uint32_t leaf = recording::kNone;  // the first one, none until there are signals
     std::uint32_t next = recording::kNone;  // the next variable of the same code
     bool is_open = false;                   // a text whose length is not declared
+    bool is_signed = false;                 // bits of an integer that has unknown values
 };
 
 // The number of its leaves.
@@ -45,7 +46,7 @@ struct Declarations {
     std::vector<Variable> variables;
     Codes codes;
     TimeScale time_scale = TimeScale::Nanosecond();
-    bool has_open_texts = false;
+    bool is_open = false;     // the changes say more (vcd_survey.h)
     bool ended = false;       // with $enddefinitions
     std::size_t changes = 0;  // where the changes begin
 };

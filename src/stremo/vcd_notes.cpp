@@ -25,7 +25,6 @@ constexpr const char* kTexts[] = {
     "the value % has no code; it is left out",
     "the value % has more digits than its variable; the right-hand ones are taken",
     "the value % does not fit the type of its variable; it is left out",
-    "the value % is no integer; it is left out",
     "the value % passes the range of real numbers; the largest one is taken",
     "the text % is longer than can be shown; its end is left out",
     "the time goes back to %; what follows stays at the latest time until it is passed",

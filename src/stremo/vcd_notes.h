@@ -31,7 +31,6 @@ enum class Problem : unsigned char {
     kNoCode,
     kTooManyDigits,
     kWrongKind,
-    kNoInteger,
     kInfinite,
     kLongString,
     kTimeBack,

@@ -7,7 +7,7 @@
 #include "stremo/stream_error.h"
 #include "stremo/vcd_changes.h"
 #include "stremo/vcd_declarations.h"
-#include "stremo/vcd_text_lengths.h"
+#include "stremo/vcd_survey.h"
 
 namespace corv::recording {
 namespace {
@@ -82,9 +82,9 @@ bool VcdRecording::Open() {
         SetError(file_name(), "no signal is declared before the file ends");
         return false;
     }
-    if (declarations_.has_open_texts) {
-        vcd::FindTextLengths(file_, end_, declarations_,
-                             [this](platform::Bytes part) { Pass(part); });
+    if (declarations_.is_open) {
+        vcd::SurveyChanges(file_, end_, declarations_,
+                           [this](platform::Bytes part) { Pass(part); });
     }
     vcd::MakeSignals(declarations_, LatestTime(), signals_);
     TellNotes(declaration_notes_);

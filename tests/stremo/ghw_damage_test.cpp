@@ -211,7 +211,8 @@ TEST(GhwDamage, OfAnyByteIsSurvived) {
     EXPECT_EQ(Notes(whole), "");
     EXPECT_EQ(Changes(whole),
               "top.c: 0 '1', 2005 '0'; top.m(rd,-1).a(1): 0 'U', 5 'Z'; "
-              "top.m(rd,-1).a(0): 0 'X'; top.m(rd,-1).o: 0 \\x_y\\, 5 'w'; "
+              "top.m(rd,-1).a(0): 0 'X'; top.m(rd,-1).o: 0 \\x\xA0"
+              "y\\, 5 'w'; "
               "top.m(rd,-1).t: 0 5000, 5 -3e+05; top.m('w',-1).a(1): 0 'U'; "
               "top.m('w',-1).a(0): 0 '1'; top.m('w',-1).o: 0 'w'; top.m('w',-1).t: 0 6000; "
               "top.gen(-3).c: 0 '1', 2005 '0'; top.gen(-3).i: 0 -5; top.w: 0 7, 2005 999; "

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <charconv>
+#include <cmath>
+#include <limits>
 #include <random>
 #include <sstream>
 #include <string>
@@ -8,6 +11,7 @@
 #include "corv/stremo/stream_error.h"
 #include "stremo/vcd_declarations.h"
 #include "stremo/vcd_time.h"
+#include "stremo/vcd_values.h"
 #include "tests/stremo/vcd_support.h"
 #include "tests/support/failing_alloc.h"
 #include "tests/support/table.h"
@@ -94,7 +98,9 @@ TEST(VcdChanges, AreRead) {
         #1 u! #2 W! #3 l! #4 H! #5 -! #6 ?!       | a: 1 U, 2 W, 3 L, 4 H, 5 -, 6 X
         #0 b1 " #1 bx0 " #2 bz " #3 B1010 "       | v: 0 0001, 1 XXX0, 2 ZZZZ, 3 1010
         #0 b11010 " #1 b-ZH " #2 1" #3 x"         | v: 0 1010, 1 --ZH, 2 0001, 3 XXXX
-        #0 b101 # #1 b11111111111111111111111111111000 # #2 bx # | i: 0 5, 1 -8
+        #0 b101 # #1 b11111111111111111111111111111000 # #2 bx # | i: 0 00000000000000000000000000000101, 1 11111111111111111111111111111000, 2 XXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXX
+        #0 bx # #1 b101 # #2 b11111111111111111111111111111000 # | i: 1 5, 2 -8
+        #0 b101 longcode #1 b01 longcode #2 x0 $comment x $end #3 bx0 longcode | k: 0 0101, 1 0001, 3 XXX0
         #0 b101 longcode #1 b1000 longcode        | k: 0 5, 1 -8
         #0 r1.5 $ #1 R-2e3 $ #2 rNaN $ #3 r+0.5 $ #4 r1e-999 $ | r: 0 1.5, 1 -2000, 2 NaN, 3 0.5, 4 0
         #0 r1.797693134862316e+308 $              | r: 0 1.7976931348623157e+308
@@ -131,13 +137,32 @@ TEST(VcdChanges, AreRead) {
     }
 }
 
+// Numbers that no double holds are 0 or the largest one, wherever their digits stand.
+TEST(VcdChanges, KeepRealsInRange) {
+    const std::string zeros(400, '0');
+    const auto rows =
+        Table("0." + zeros + "1 | 0 ;; 0." + zeros + "1e401 | 1 ;; 0.001e-330 | 0 ;; " + "-1" +
+              zeros + " | -1.7976931348623157e+308 ;; 1" + zeros + "e-400 | 1 ;; " + zeros +
+              "1e-999999999999999999999 | 0 ;; " +
+              "1e99999999999999999999 | 1.7976931348623157e+308 ;; inf | inf ;; " +
+              "-Infinity | -inf ;; NaN | nan ;; 0e999 | 0 ;; -1" + zeros + ".1e-800 | -0");
+    for (const auto& row : rows) {
+        double number = -1;
+        bool passes = false;
+        ASSERT_TRUE(vcd::ReadReal(row[0], number, passes)) << row[0];
+        EXPECT_EQ(passes, std::abs(number) == std::numeric_limits<double>::max()) << row[0];
+        char text[32];
+        EXPECT_EQ(std::string(text, std::to_chars(text, text + sizeof text, number).ptr), row[1])
+            << row[0];
+    }
+}
+
 TEST(VcdChanges, AreToldWithWhatWasRepaired) {
     const auto rows = Table(R"(
         #0 1x9 0x9                | line 3, column 4: the code 'x9' is not declared; its values are left out (2 times)
         #9 1! #5 0!               | line 3, column 7: the time goes back to '#5'
         #0 b11010 "               | line 3, column 4: the value '11010' has more digits
         #0 r1 !                   | line 3, column 4: the value '1' does not fit the type
-        #0 b1 # bx #              | line 3, column 9: the value 'x' is no integer
         #0 r1e999 $               | the value '1e999' passes the range of real numbers
         #0 $dumpoff x! $end #7 $dumpon 0! $end #8 | line 3, column 4: nothing is recorded from 0 ps to 7 ps
         #0 $dumpoff x! $end       | line 3, column 4: nothing is recorded from 0 ps on
