@@ -17,6 +17,7 @@ inline constexpr std::string_view kCyclesTag("CYC", 4);
 inline constexpr std::string_view kCyclesEnd("ECY", 4);
 inline constexpr std::string_view kHierarchyEnd("EOH", 4);
 inline constexpr std::string_view kDirectoryTag("DIR", 4);
+inline constexpr std::string_view kTailTag("TAI", 4);
 
 // Reads the sections of values and tells a sink:
 //
@@ -43,6 +44,11 @@ public:
         }
         Pass(source_.file.size());
     }
+
+    // The latest time of which all values were read, -1 without one, and where the last of these
+    // values ends.
+    std::int64_t whole_time() const noexcept { return whole_time_; }
+    std::size_t whole_end() const noexcept { return whole_end_; }
 
 private:
     static constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
@@ -75,11 +81,21 @@ private:
             ReadCycles();
         } else if (in_.Skip(kDirectoryTag)) {
             finished_ = true;
+            CheckTail();
             return false;
         } else if (!in_.Skip(kHierarchyEnd)) {
             return in_.left() >= kDirectoryTag.size() && FindSection();
         }
         return in_.ok();
+    }
+
+    // A finished file ends in a mark and eight bytes.
+    void CheckTail() {
+        constexpr std::size_t kSize = 12;
+        const std::size_t offset = source_.file.size() - std::min(source_.file.size(), kSize);
+        if (Find(kTailTag, offset) != offset) {
+            Note(source_.file.size(), "the file ends in its directory; it has all values");
+        }
     }
 
     // The mark that stands here is damaged. What follows the snapshot are the cycles; else goes to
@@ -227,14 +243,20 @@ private:
         sink_.Time(time_, offset);
     }
 
-    void TimeIsWhole() { whole_time_ = in_.ok() ? time_ : whole_time_; }
+    void TimeIsWhole() noexcept {
+        if (in_.ok()) {
+            whole_time_ = time_;
+            whole_end_ = in_.offset();
+        }
+    }
 
     const ChangeSource& source_;
     Sink& sink_;
     Notes* const notes_;
     Input in_;
     std::int64_t time_ = 0;
-    std::int64_t whole_time_ = -1;  // of which all values were read
+    std::int64_t whole_time_ = -1;
+    std::size_t whole_end_ = 0;
     std::size_t passed_ = 0;
     bool behind_snapshot_ = false;
     bool finished_ = false;

@@ -26,13 +26,20 @@ struct ChangeSource {
     std::function<void(Bytes)> passed;
 };
 
-// Walks over all values without keeping any. Gives the last time in picoseconds, -1 without one,
-// and notes where the file is cut or damaged; what stands behind that is not read.
-std::int64_t FindLastTime(const ChangeSource& source, Notes& notes);
+// What of the values is whole: all that stand in front of a place.
+struct WholeValues {
+    std::int64_t latest;  // the last time in picoseconds, -1 without one
+    std::size_t end;
+};
+
+// Walks over all values without keeping any. Notes where the file is cut or damaged; the list that
+// this befalls is not whole.
+WholeValues FindWholeValues(const ChangeSource& source, Notes& notes);
 
 // Puts the changes of the leaves of interest (in rising order; none: all) into blocks. Of several
 // values at one picosecond the last one counts; a value that the net has already is none. Notes
-// what values are lost. False when the blocks can't be kept.
+// what values are lost. The file of the source ends where the whole values do. False when the
+// blocks can't be kept.
 bool ReadChanges(const ChangeSource& source, const recording::SignalTable& signals,
                  std::span<const std::uint32_t> leaves, recording::BlockSink& blocks, Notes& notes);
 

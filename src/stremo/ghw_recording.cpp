@@ -40,7 +40,10 @@ constexpr std::array<const char*, kSectionCount> kSectionNames{
 class GhwRecording final : public Recording {
 public:
     GhwRecording(std::string file_name, std::unique_ptr<platform::FileContent> content)
-        : Recording(std::move(file_name)), content_(std::move(content)), in_(content_->bytes()) {}
+        : Recording(std::move(file_name)),
+          content_(std::move(content)),
+          in_(content_->bytes()),
+          values_end_(in_.file().size()) {}
 
     const char* FormatName() const noexcept override { return kGhwName; }
     std::unique_ptr<BlockStore> OpenBlocks(std::span<const std::uint32_t> leaves) override;
@@ -57,8 +60,12 @@ private:
     void FindLastTime();
 
     ghw::ChangeSource Source() const {
-        return {in_.file(), big_endian_, changes_,
-                nets_,      time_scale_, [this](platform::Bytes part) { Pass(part); }};
+        return {in_.file().first(values_end_),
+                big_endian_,
+                changes_,
+                nets_,
+                time_scale_,
+                [this](platform::Bytes part) { Pass(part); }};
     }
     // What has been read comes from the disk again, should it be asked for.
     void Pass(platform::Bytes part) const noexcept {
@@ -80,6 +87,7 @@ private:
     ghw::Nets nets_;
     ghw::TimeScale time_scale_{0};
     std::size_t changes_ = 0;  // where they stand, 0 when they can't be read
+    std::size_t values_end_;   // where those end that are whole, once this is known
 };
 
 // ---- the sections ----
@@ -213,7 +221,12 @@ void GhwRecording::ReadHierarchy(const ghw::Strings& strings, const ghw::Types& 
 // ---- the values ----
 
 void GhwRecording::FindLastTime() {
-    const std::int64_t latest = changes_ != 0 ? ghw::FindLastTime(Source(), remarks_) : -1;
+    std::int64_t latest = -1;
+    if (changes_ != 0) {
+        const ghw::WholeValues whole = ghw::FindWholeValues(Source(), remarks_);
+        latest = whole.latest;
+        values_end_ = std::max(whole.end, changes_);
+    }
     for (std::uint32_t i = 0; i < signals_.size(); ++i) {
         signals_.SetLatest(i, latest);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 namespace corv::vcd {
 
@@ -66,6 +67,7 @@ bool Changes::Read(const Byte* end, const Forget& forget) {
     while (scanner.at() < end && kept_) {
         const Byte* const from = scanner.at();
         scanner.ReadTo(end - from > kWindow ? from + kWindow : end);
+        CountZeros(from, scanner.at());
         forget(file_.subspan(static_cast<std::size_t>(from - file_.data()),
                              static_cast<std::size_t>(scanner.at() - from)));
     }
@@ -77,7 +79,22 @@ bool Changes::Read(const Byte* end, const Forget& forget) {
         notes_.Say(static_cast<std::size_t>(off_ - file_.data()),
                    "nothing is recorded from " + std::to_string(off_time_) + " ps on");
     }
+    if (zeros_ > 0) {
+        notes_.Say(first_zero_, std::to_string(zeros_) +
+                                    " zero bytes stand from here on, which no simulator writes; "
+                                    "what they replace is lost");
+    }
     return builder_.Flush() && kept_;
+}
+
+// They are blanks to the scanner.
+void Changes::CountZeros(const Byte* begin, const Byte* end) noexcept {
+    const auto* const first =
+        static_cast<const Byte*>(std::memchr(begin, 0, static_cast<std::size_t>(end - begin)));
+    if (first != nullptr) {
+        first_zero_ = zeros_ > 0 ? first_zero_ : static_cast<std::size_t>(first - file_.data());
+        zeros_ += static_cast<std::uint64_t>(std::count(first, end, Byte{0}));
+    }
 }
 
 // A time that may have been cut is believed when it is not before the last one.

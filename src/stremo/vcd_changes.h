@@ -77,6 +77,7 @@ private:
     void Trigger(const Target& target, const Digits& digits);
     void WrongKind(std::string_view value);
     void ReadLastWord(const Byte* end);
+    void CountZeros(const Byte* begin, const Byte* end) noexcept;
 
     const Bytes file_;
     const recording::SignalTable& signals_;
@@ -98,6 +99,8 @@ private:
     const Byte* block_ = nullptr;  // where the present block of values begins
     const Byte* off_ = nullptr;    // where the recording was switched off
     std::int64_t off_time_ = 0;
+    std::uint64_t zeros_ = 0;  // bytes
+    std::size_t first_zero_ = 0;
     bool block_over_ = false;  // a time stands in the block
     bool kept_ = true;
 };

@@ -112,6 +112,7 @@ private:
     Scopes scopes_;
     std::uint64_t elements_ = 0;
     bool has_time_scale_ = false;
+    bool cut_ = false;  // the file ends within a command
 };
 
 Declarations Reader::Read() {
@@ -122,7 +123,9 @@ Declarations Reader::Read() {
     if (!has_time_scale_) {
         notes_.Add(Problem::kNoTimeScale, 0);
     }
-    if (!result_.ended && at_ != end_) {
+    if (cut_ || (!result_.ended && at_ == end_)) {
+        notes_.Add(Problem::kCutHeader, static_cast<std::size_t>(end_ - begin_));
+    } else if (!result_.ended) {
         Note(Problem::kNoHeaderEnd);
     }
     result_.changes = static_cast<std::size_t>(at_ - begin_);
@@ -183,6 +186,7 @@ CommandText Reader::ReadText() {
     if (!text.ended && text.whole) {
         Note(Problem::kMissingEnd);
     }
+    cut_ = cut_ || !text.whole;
     return text;
 }
 

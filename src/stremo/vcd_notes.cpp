@@ -8,6 +8,7 @@ namespace {
 // What is said of a problem; % stands for the detail.
 constexpr const char* kTexts[] = {
     "the file ends in the middle of a word; what it belongs to is left out",
+    "the file ends among its declarations; signals may be missing and there are no values",
     "there is no timescale; times are taken as nanoseconds",
     "the timescale % can't be read; times are taken as nanoseconds",
     "the timescale % is finer than a picosecond; times are rounded down",

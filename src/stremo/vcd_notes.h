@@ -14,6 +14,7 @@ namespace corv::vcd {
 
 enum class Problem : unsigned char {
     kCut,
+    kCutHeader,
     kNoTimeScale,
     kBadTimeScale,
     kRounded,

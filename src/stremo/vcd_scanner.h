@@ -111,6 +111,8 @@ private:
             FindCommand(code.text()) != nullptr) {
             if (code.length != 0) {
                 sink_.Note(Problem::kNoCode, at, vcd::Text(at, value_end));
+            } else {
+                sink_.Note(Problem::kCut, at, {});
             }
             return code.at;
         }

@@ -168,6 +168,7 @@ TEST(VcdChanges, AreToldWithWhatWasRepaired) {
         #0 $dumpoff x! $end       | line 3, column 4: nothing is recorded from 0 ps on
         #0 $dumpall 0!            | line 3, column 4: a block of values has no $end
         @                         | line 3, column 1: '@' makes no sense here
+        #0 0! b1                  | line 3, column 7: the file ends in the middle of a word
     )");
     for (const auto& row : rows) {
         const auto reader = OpenVcdText(kSome + row[0] + "\n");
@@ -176,6 +177,9 @@ TEST(VcdChanges, AreToldWithWhatWasRepaired) {
         EXPECT_NE(Notes(*reader).find(row[1]), std::string::npos) << row[0] << "\n"
                                                                   << Notes(*reader);
     }
+    const auto zeros = OpenVcdText(kSome + "#0 0!\n" + std::string(4096, '\0') + "#9 1!\n");
+    zeros->EventCount();
+    EXPECT_EQ(Notes(*zeros).rfind("line 4, column 1: 4096 zero bytes stand from here on", 0), 0U);
     const auto clean = OpenVcdText(kSome + "#0 1! bx # r1 $ #1 0!\n#2\n");
     clean->EventCount();
     EXPECT_EQ(Notes(*clean), "");
@@ -276,6 +280,19 @@ INSTANTIATE_TEST_SUITE_P(Simulators, VcdSample,
 const std::string kSomeChanges =
     "#0\n$dumpvars\n0! bx \"\n1&\n$end\nr1.5 $\n#5\n1!\nb10x1 \"\nsab %\n1&\n"
     "#12\nr-2 $\nb111 #\n1#1\nb1 bb\nb1 longcode\n#120\nbz bb\n0!\nb0 #\n#121\n";
+
+// All that could be missing is told, also where only words that are whole are left.
+TEST(VcdDamage, IsToldOfDeclarationsThatAreCut) {
+    const std::size_t end = kSome.find("$enddefinitions $end") + 20;
+    for (std::size_t length = 0; length < end; ++length) {
+        if (const auto reader = OpenVcdText(kSome.substr(0, length))) {
+            EXPECT_NE(Notes(*reader).find("the file ends among its declarations"),
+                      std::string::npos)
+                << length;
+        }
+    }
+    EXPECT_EQ(Notes(*OpenVcdText(kSome.substr(0, end))), "");
+}
 
 // What is read of a file that was cut is the beginning of what the whole file holds.
 TEST(VcdDamage, FilesOpenWhereverTheyAreCut) {
