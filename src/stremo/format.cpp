@@ -28,14 +28,13 @@ std::unique_ptr<Recording> OpenRecording(platform::Files& files, const std::stri
         SetError(file_name, opened.failure);
         return nullptr;
     }
-    const platform::Bytes bytes = opened.file->bytes();
-    const platform::Bytes beginning = bytes.first(std::min(bytes.size(), kTellingBytes));
+    const platform::Bytes beginning = opened.file->BringPart(0, kTellingBytes);
     for (const Format& format : kFormats) {
         if (format.recognises(beginning)) {
             return format.open(file_name, std::move(opened.file));
         }
     }
-    SetError(file_name, bytes.empty() ? "it is empty" : "it is no recording of a known format");
+    SetError(file_name, beginning.empty() ? "it is empty" : "it is no recording of a known format");
     return nullptr;
 }
 

@@ -31,7 +31,11 @@ class ChangeWalk {
 public:
     // Without notes nothing is noted.
     ChangeWalk(const ChangeSource& source, Sink& sink, Notes* notes)
-        : source_(source), sink_(sink), notes_(notes), in_(source.file) {
+        : source_(source),
+          sink_(sink),
+          notes_(notes),
+          in_(source.file),
+          most_list_(kMostValue * source.nets.size() + kPart / 4) {
         in_.SetBigEndian(source.big_endian);
         in_.GoTo(source.offset);
     }
@@ -53,10 +57,20 @@ public:
 private:
     static constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
     static constexpr std::size_t kPart = std::size_t{1} << 22;
+    static constexpr std::size_t kMostValue = 20;  // the bytes of a distance and a value
 
     void Pass(std::size_t offset) {
         source_.passed(source_.file.subspan(passed_, offset - passed_));
         passed_ = offset;
+    }
+    // A list that begins here, with what stands around it, can be looked at.
+    void Bring() {
+        if (in_.left() > 0 && in_.offset() + most_list_ > brought_) [[unlikely]] {
+            const std::size_t offset = in_.offset();
+            brought_ = std::min(source_.file.size(), offset + kPart + most_list_);
+            source_.content.BringPart(offset, brought_ - offset);
+            brought_ = brought_ == source_.file.size() ? kNowhere : brought_;
+        }
     }
 
     void Note(std::size_t offset, std::string_view sentence) {
@@ -75,6 +89,7 @@ private:
 
     // False at the end of what can be read.
     bool ReadSection() {
+        Bring();
         if (in_.Skip(kSnapshotTag)) {
             ReadSnapshot();
         } else if (in_.Skip(kCyclesTag)) {
@@ -104,6 +119,7 @@ private:
         constexpr std::string_view kSnapshot("SNP\0\0\0\0", 8);
         const std::size_t offset = in_.offset();
         const std::size_t next = std::min(Find(kSnapshot, offset), FindCycles(offset));
+        brought_ = 0;
         if (!behind_snapshot_ && next == kNowhere) {
             in_.Fail("what stands here is no section that is known");
             return false;
@@ -116,14 +132,23 @@ private:
         return in_.ok();
     }
 
-    std::size_t Find(std::string_view bytes, std::size_t from) const noexcept {
+    // Where bytes stand from a place on, looked for part by part.
+    std::size_t Find(std::string_view bytes, std::size_t from) {
         const Bytes file = source_.file;
-        const auto found = std::search(file.begin() + static_cast<std::ptrdiff_t>(from), file.end(),
-                                       bytes.begin(), bytes.end());
-        return found == file.end() ? kNowhere : static_cast<std::size_t>(found - file.begin());
+        while (file.size() - from >= bytes.size()) {
+            const std::size_t size = std::min(kPart, file.size() - from);
+            const Bytes part = source_.content.BringPart(from, size).first(size);
+            const auto found = std::search(part.begin(), part.end(), bytes.begin(), bytes.end());
+            source_.content.Forget(part);
+            if (found != part.end()) {
+                return from + static_cast<std::size_t>(found - part.begin());
+            }
+            from += size == kPart ? size - bytes.size() + 1 : size;
+        }
+        return kNowhere;
     }
     // The mark of the cycles behind the end of a snapshot.
-    std::size_t FindCycles(std::size_t from) const noexcept {
+    std::size_t FindCycles(std::size_t from) {
         const std::size_t found = Find(std::string_view("ESN\0CYC", 8), from);
         return found == kNowhere ? kNowhere : found + kSnapshotEnd.size();
     }
@@ -146,6 +171,7 @@ private:
     // be told apart; a snapshot behind other values is damage that ends the recording.
     void Resume(std::size_t begin) {
         const std::size_t cycles = FindCycles(begin);
+        brought_ = 0;
         sink_.Forget();
         in_.GoTo(begin);
         if (whole_time_ >= 0 || !source_.nets.dense() || cycles == kNowhere) {
@@ -160,6 +186,7 @@ private:
 
     void ReadCycles() {
         behind_snapshot_ = false;
+        Bring();
         SetTime(static_cast<std::int64_t>(in_.Number64()), in_.offset() - 8);
         while (in_.ok() && ReadList()) {
             TimeIsWhole();
@@ -181,6 +208,7 @@ private:
             if (offset - passed_ >= kPart) [[unlikely]] {
                 Pass(offset);
             }
+            Bring();
         }
     }
 
@@ -258,6 +286,8 @@ private:
     std::int64_t whole_time_ = -1;
     std::size_t whole_end_ = 0;
     std::size_t passed_ = 0;
+    const std::size_t most_list_;  // bytes of a list of values with what stands around it
+    std::size_t brought_ = 0;
     bool behind_snapshot_ = false;
     bool finished_ = false;
 };

@@ -4,6 +4,7 @@
 #include <functional>
 #include <span>
 
+#include "platform/files.h"
 #include "stremo/block_store.h"
 #include "stremo/ghw_hierarchy.h"
 #include "stremo/ghw_input.h"
@@ -17,12 +18,13 @@ namespace corv::ghw {
 
 // Where the values stand and what they are to be taken for.
 struct ChangeSource {
-    Bytes file;
+    const platform::FileContent& content;
+    Bytes file;  // its bytes, or the first of them
     bool big_endian;
     std::size_t offset;  // behind the hierarchy
     const Nets& nets;
     const TimeScale& time_scale;
-    // Told now and then what part of the file has been read.
+    // Told now and then what part of the file has been read, which is not needed any more.
     std::function<void(Bytes)> passed;
 };
 

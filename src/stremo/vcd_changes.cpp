@@ -22,10 +22,11 @@ std::uint64_t BlockEvents(const recording::SignalTable& signals) noexcept {
 
 }  // namespace
 
-Changes::Changes(Bytes file, const Declarations& declarations,
+Changes::Changes(const platform::FileContent& content, const Declarations& declarations,
                  const recording::SignalTable& signals, std::span<const std::uint32_t> leaves,
                  recording::BlockSink& blocks, Notes& notes)
-    : file_(file),
+    : content_(content),
+      file_(content.bytes()),
       signals_(signals),
       notes_(notes),
       codes_(declarations.codes),
@@ -61,16 +62,13 @@ void Changes::MakeTargets(const Declarations& declarations, std::span<const std:
     }
 }
 
-bool Changes::Read(const Byte* end, const Forget& forget) {
-    constexpr std::ptrdiff_t kWindow = std::ptrdiff_t{1} << 22;
-    Scanner scanner(*this, file_.data() + first_change_, end);
-    while (scanner.at() < end && kept_) {
-        const Byte* const from = scanner.at();
-        scanner.ReadTo(end - from > kWindow ? from + kWindow : end);
-        CountZeros(from, scanner.at());
-        forget(file_.subspan(static_cast<std::size_t>(from - file_.data()),
-                             static_cast<std::size_t>(scanner.at() - from)));
-    }
+bool Changes::Read(const Byte* end, const Passed& passed) {
+    ScanContent(
+        content_, *this, first_change_, end, [this] { return !kept_; },
+        [&](Bytes part) {
+            CountZeros(part);
+            passed(part);
+        });
     ReadLastWord(end);
     if (block_ != nullptr) {
         Note(Problem::kOpenBlock, block_, {});
@@ -88,18 +86,19 @@ bool Changes::Read(const Byte* end, const Forget& forget) {
 }
 
 // They are blanks to the scanner.
-void Changes::CountZeros(const Byte* begin, const Byte* end) noexcept {
-    const auto* const first =
-        static_cast<const Byte*>(std::memchr(begin, 0, static_cast<std::size_t>(end - begin)));
+void Changes::CountZeros(Bytes part) noexcept {
+    const void* const first = std::memchr(part.data(), 0, part.size());
     if (first != nullptr) {
-        first_zero_ = zeros_ > 0 ? first_zero_ : static_cast<std::size_t>(first - file_.data());
-        zeros_ += static_cast<std::uint64_t>(std::count(first, end, Byte{0}));
+        const auto* const zero = static_cast<const Byte*>(first);
+        first_zero_ = zeros_ > 0 ? first_zero_ : static_cast<std::size_t>(zero - file_.data());
+        zeros_ += static_cast<std::uint64_t>(std::count(zero, part.data() + part.size(), Byte{0}));
     }
 }
 
 // A time that may have been cut is believed when it is not before the last one.
 void Changes::ReadLastWord(const Byte* end) {
     const Byte* const file_end = file_.data() + file_.size();
+    content_.Bring({end, file_end});
     const std::string_view word = vcd::Text(end, file_end);
     if (word.empty()) {
         return;

@@ -75,8 +75,14 @@ private:
 
 class Reader {
 public:
-    Reader(Bytes file, const Byte* end, Notes& notes, recording::SignalTable& texts) noexcept
-        : begin_(file.data()), at_(begin_), end_(end), notes_(notes), texts_(texts) {}
+    Reader(const platform::FileContent& content, const Byte* end, Notes& notes,
+           recording::SignalTable& texts) noexcept
+        : content_(content),
+          begin_(content.bytes().data()),
+          at_(begin_),
+          last_end_(end),
+          notes_(notes),
+          texts_(texts) {}
 
     Declarations Read();
 
@@ -88,6 +94,7 @@ private:
         std::optional<Range> range;
     };
 
+    void ReadPart();
     bool ReadNext();
     void ReadCommand(std::string_view word);
     CommandText ReadText();
@@ -102,9 +109,12 @@ private:
         notes_.Add(problem, static_cast<std::size_t>(word_ - begin_), detail);
     }
 
+    const platform::FileContent& content_;
     const Byte* const begin_;
     const Byte* at_;
-    const Byte* const end_;
+    const Byte* const last_end_;  // of all bytes
+    const Byte* end_ = nullptr;   // of those that were brought
+    bool in_text_ = false;        // a text goes on behind them
     const Byte* word_ = nullptr;  // the beginning of the present command
     Notes& notes_;
     recording::SignalTable& texts_;
@@ -112,19 +122,23 @@ private:
     Scopes scopes_;
     std::uint64_t elements_ = 0;
     bool has_time_scale_ = false;
-    bool cut_ = false;  // the file ends within a command
+    bool over_ = false;  // the changes begin, or nothing is left
+    bool cut_ = false;   // the file ends within a command
 };
 
 Declarations Reader::Read() {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    at_ += Text(begin_, end_).starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
-    while (ReadNext()) {
+    const auto size = static_cast<std::size_t>(last_end_ - begin_);
+    content_.Bring({begin_, std::min(size, kByteOrderMark.size())});
+    at_ += Text(begin_, last_end_).starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+    while (!over_ && at_ < last_end_) {
+        ReadPart();
     }
     if (!has_time_scale_) {
         notes_.Add(Problem::kNoTimeScale, 0);
     }
-    if (cut_ || (!result_.ended && at_ == end_)) {
-        notes_.Add(Problem::kCutHeader, static_cast<std::size_t>(end_ - begin_));
+    if (cut_ || (!result_.ended && at_ == last_end_)) {
+        notes_.Add(Problem::kCutHeader, size);
     } else if (!result_.ended) {
         Note(Problem::kNoHeaderEnd);
     }
@@ -132,12 +146,34 @@ Declarations Reader::Read() {
     return std::move(result_);
 }
 
+// A declaration that is longer than what is brought behind a part is cut.
+void Reader::ReadPart() {
+    constexpr std::size_t kPart = std::size_t{1} << 22;
+    constexpr std::size_t kRest = std::size_t{1} << 20;
+    const Byte* const from = at_;
+    const auto left = static_cast<std::size_t>(last_end_ - from);
+    end_ = from + std::min(left, kPart + kRest);
+    content_.Bring({from, end_});
+    const Byte* const stop = from + std::min(left, kPart);
+    while (!over_ && at_ < stop) {
+        over_ = !ReadNext();
+    }
+    content_.Forget({from, at_});
+}
+
 // False when the changes begin.
 bool Reader::ReadNext() {
+    if (in_text_) {
+        ReadText();
+        return true;
+    }
     word_ = SkipBlanks(at_, end_);
     at_ = word_;
     const std::string_view word = NextWord(at_, end_);
     const Command* const command = FindCommand(word);
+    if (word.empty() && end_ != last_end_) {
+        return true;
+    }
     if (word.empty() || result_.ended || IsTimeWord(word) ||
         (command != nullptr && command->begins_changes)) {
         at_ = word_;
@@ -186,7 +222,8 @@ CommandText Reader::ReadText() {
     if (!text.ended && text.whole) {
         Note(Problem::kMissingEnd);
     }
-    cut_ = cut_ || !text.whole;
+    in_text_ = !text.whole && end_ != last_end_;
+    cut_ = cut_ || (!text.whole && !in_text_);
     return text;
 }
 
@@ -237,7 +274,10 @@ void Reader::ReadVariable() {
     }
     const CommandText text = ReadText();
     if (!text.whole) {
-        return;  // cut
+        if (in_text_) {
+            Note(Problem::kBadVariable, text.text);
+        }
+        return;
     }
     const bool any_range = shape.kind == Kind::kString || shape.width == 0;
     const VariableName name = ReadVariableName(text.text, any_range ? 0 : shape.width);
@@ -299,7 +339,11 @@ std::uint32_t Reader::FindVariable(const Code& code, const Shape& shape) {
     }
     const auto number = static_cast<std::uint32_t>(result_.variables.size());
     if (last == kNone) {
-        result_.codes.Set(code, number);
+        Code kept = code;
+        if (code.length > sizeof code.bytes) {
+            kept.at = reinterpret_cast<const Byte*>(texts_.Keep(code.text()).data());
+        }
+        result_.codes.Set(kept, number);
     } else {
         Note(Problem::kOtherShape, code.text());
         if (shapes == kMostShapes) {
@@ -329,9 +373,9 @@ void Reader::AddName(const Code& code, const Shape& shape, std::string_view name
 
 }  // namespace
 
-Declarations ReadDeclarations(Bytes file, const Byte* end, Notes& notes,
+Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end, Notes& notes,
                               recording::SignalTable& texts) {
-    return Reader(file, end, notes, texts).Read();
+    return Reader(content, end, notes, texts).Read();
 }
 
 }  // namespace corv::vcd

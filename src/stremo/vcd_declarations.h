@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/files.h"
 #include "stremo/signal_table.h"
 #include "stremo/vcd_codes.h"
 #include "stremo/vcd_name.h"
@@ -54,8 +55,9 @@ struct Declarations {
 // The length of the longest text that is shown.
 inline constexpr std::uint32_t kMostText = 256;
 
-// Reads the declarations up to `end`. Names are kept in `texts`. Throws std::bad_alloc.
-Declarations ReadDeclarations(Bytes file, const Byte* end, Notes& notes,
+// Reads the declarations up to `end`, part by part. Names are kept in `texts`. Throws
+// std::bad_alloc.
+Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end, Notes& notes,
                               recording::SignalTable& texts);
 
 // Makes the signals of all names and numbers the variables' leaves. Handles of scalars are their

@@ -84,16 +84,11 @@ bool Survey::Text(std::string_view text, const Code& code) {
 
 }  // namespace
 
-void SurveyChanges(Bytes file, const Byte* end, Declarations& declarations, const Forget& forget) {
-    constexpr std::ptrdiff_t kWindow = std::ptrdiff_t{1} << 22;
+void SurveyChanges(const platform::FileContent& content, const Byte* end,
+                   Declarations& declarations, const Passed& passed) {
     Survey survey(declarations);
-    Scanner scanner(survey, file.data() + declarations.changes, end);
-    while (scanner.at() < end && !survey.done()) {
-        const Byte* const from = scanner.at();
-        scanner.ReadTo(end - from > kWindow ? from + kWindow : end);
-        forget(file.subspan(static_cast<std::size_t>(from - file.data()),
-                            static_cast<std::size_t>(scanner.at() - from)));
-    }
+    ScanContent(
+        content, survey, declarations.changes, end, [&] { return survey.done(); }, passed);
 }
 
 }  // namespace corv::vcd

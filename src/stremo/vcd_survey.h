@@ -11,6 +11,7 @@ namespace corv::vcd {
 //                 which can show both
 //
 // Reads no further than it needs to.
-void SurveyChanges(Bytes file, const Byte* end, Declarations& declarations, const Forget& forget);
+void SurveyChanges(const platform::FileContent& content, const Byte* end,
+                   Declarations& declarations, const Passed& passed);
 
 }  // namespace corv::vcd

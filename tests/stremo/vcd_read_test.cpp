@@ -356,10 +356,10 @@ TEST(VcdDamage, HugeDeclarationsTakeLittleMemory) {
     vcd::Notes notes;
     recording::SignalTable texts;
     const vcd::Declarations declarations =
-        vcd::ReadDeclarations(bytes, bytes.data() + bytes.size(), notes, texts);
+        vcd::ReadDeclarations(content, bytes.data() + bytes.size(), notes, texts);
     EXPECT_GT(declarations.names.size(), 90U);
     EXPECT_LT(declarations.names.size(), 130U);
-    for (const std::string& note : notes.Sentences(bytes, [](platform::Bytes) {})) {
+    for (const std::string& note : notes.Sentences(content)) {
         EXPECT_TRUE(note.find("is too wide") != std::string::npos ||
                     note.find("is too long") != std::string::npos)
             << note;
