@@ -44,7 +44,7 @@ std::string TypeText(ISignal& signal) {
     const char* const type = signal.GetTypeInfo();
     CString text;
     if (type != nullptr && TypeToVhdl(type, text)) {
-        return std::string(text.View());
+        return host::FromVhdl(text.View());
     }
     return type != nullptr ? type : "";
 }

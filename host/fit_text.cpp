@@ -73,6 +73,20 @@ std::string FromLatin1(std::string_view text) {
     return out;
 }
 
+std::string FromVhdl(std::string_view text) {
+    std::string shown(text);
+    bool in_string = false;
+    bool in_identifier = false;
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        const bool quoted =
+            i > 0 && i + 1 < shown.size() && shown[i - 1] == '\'' && shown[i + 1] == '\'';
+        in_string ^= shown[i] == '"' && !in_identifier && !quoted;
+        in_identifier ^= shown[i] == '\\' && !in_string && !quoted;
+        shown[i] = in_identifier && shown[i] == '\xA0' ? ' ' : shown[i];
+    }
+    return FromLatin1(shown);
+}
+
 std::string CleanText(std::string_view text) {
     std::string clean;
     ForEachCharacter(text, [&](std::string_view c) { clean += c; });

@@ -16,6 +16,10 @@ std::vector<std::string> Characters(std::string_view text);
 // one are characters of the other.
 std::string FromLatin1(std::string_view text);
 
+// The same of a text of VHDL, a value or a type. In an extended identifier the no-break space
+// stands for a blank, which descriptions of types can't have there.
+std::string FromVhdl(std::string_view text);
+
 // The text rebuilt from its characters.
 std::string CleanText(std::string_view text);
 

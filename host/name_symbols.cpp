@@ -1,6 +1,7 @@
 #include "host/name_symbols.h"
 
 #include "corv/signals/hierarchy_separator.h"
+#include "corv/util/extended_id.h"
 
 namespace corv::host {
 
@@ -13,19 +14,7 @@ bool IsNameSeparator(char c) {
 }
 
 std::size_t ExtendedNameLength(std::string_view text, bool level_start) {
-    if (!level_start || !text.starts_with('\\')) {
-        return 0;
-    }
-    for (std::size_t at = 1; at < text.size(); ++at) {
-        if (text[at] == '\\') {
-            if (at + 1 < text.size() && text[at + 1] == '\\') {
-                ++at;
-                continue;
-            }
-            return at > 1 ? at + 1 : 0;
-        }
-    }
-    return 0;
+    return level_start ? EscapedNameLength(text, HierarchySeparator()) : 0;
 }
 
 std::string_view WithoutLeadingSeparators(std::string_view text) {

@@ -9,9 +9,8 @@ namespace corv::host {
 char LowerCase(char c);
 bool IsNameSeparator(char c);
 
-// How many characters the extended name at the front of the text has, 0 when there is none. A
-// backslash begins one at the start of a level when another one closes it; the separator may be a
-// backslash too.
+// How many characters the extended or escaped name at the front of the text has, 0 when there is
+// none or no level starts here (corv::EscapedNameLength).
 std::size_t ExtendedNameLength(std::string_view text, bool level_start);
 
 // The text without separators in front.

@@ -1,5 +1,6 @@
 #include "host/signal_trace.h"
 
+#include <cmath>
 #include <string_view>
 #include <utility>
 
@@ -56,9 +57,19 @@ bool IsLevel(const KTypeInfo& type) {
     return level;
 }
 
-// VHDL's characters are those of ISO 8859-1.
 std::string TextOf(const char* text) {
-    return FromLatin1(text != nullptr ? text : "");
+    return FromVhdl(text != nullptr ? text : "");
+}
+
+// Numbers that no literal of VHDL stands for have words of their own.
+std::string TextOf(ISignal& signal, IWaveEvent& event) {
+    std::string text = TextOf(signal.GetEventText(&event));
+    double number = 0;
+    if (text.empty() && event.GetValueSize() == sizeof number &&
+        event.GetValue(&number, sizeof number) == sizeof number && !std::isfinite(number)) {
+        return std::isnan(number) ? "NaN" : number < 0 ? "-inf" : "inf";
+    }
+    return text;
 }
 
 }  // namespace
@@ -104,8 +115,8 @@ Trace ReadBusTrace(ISignal& signal, TimeWindow window,
 Trace ReadTrace(ISignal& signal, TimeWindow window, const BusFormat& format) {
     const KTypeInfo type{CString(signal.GetTypeInfo())};
     if (signal.GetSubSignals() == nullptr) {
-        Trace trace = ReadScalarTrace(
-            signal, window, [&](IWaveEvent& event) { return TextOf(signal.GetEventText(&event)); });
+        Trace trace = ReadScalarTrace(signal, window,
+                                      [&](IWaveEvent& event) { return TextOf(signal, event); });
         trace.plain = !IsLevel(type);
         return trace;
     }

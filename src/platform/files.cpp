@@ -9,10 +9,10 @@
 
 #include "platform/ascii.h"
 #include "platform/guard.h"
+#include "platform/windowed_content.h"
 
 #if defined(__unix__) || defined(__APPLE__)
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #define CORV_HAS_POSIX_FILES 1
@@ -45,6 +45,7 @@ constexpr Reason kReasons[] = {
     {ENFILE, "too many files are open"},
     {ENOMEM, "memory has run out"},
     {EIO, "the disk can't be read or written"},
+    {ELOOP, "its symbolic links lead in a circle"},
 };
 
 const char* ReasonOf(int code) noexcept {
@@ -55,17 +56,6 @@ const char* ReasonOf(int code) noexcept {
     }
     return "the system refuses it";
 }
-
-// Content that was read as a whole.
-class HeldContent final : public FileContent {
-public:
-    explicit HeldContent(std::vector<unsigned char> content) noexcept
-        : content_(std::move(content)) {}
-    Bytes bytes() const noexcept override { return content_; }
-
-private:
-    std::vector<unsigned char> content_;
-};
 
 #if CORV_HAS_POSIX_FILES
 
@@ -86,26 +76,28 @@ private:
     int number_;
 };
 
-class MappedContent final : public FileContent {
+class FileSource final : public ContentSource {
 public:
-    MappedContent(void* data, std::size_t size) noexcept : data_(data), size_(size) {}
-    MappedContent(const MappedContent&) = delete;
-    MappedContent& operator=(const MappedContent&) = delete;
-    ~MappedContent() override { munmap(data_, size_); }
-    Bytes bytes() const noexcept override {
-        return {static_cast<const unsigned char*>(data_), size_};
-    }
-    void Forget(Bytes part) const noexcept override {
-        const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-        const auto from = static_cast<std::size_t>(part.data() - bytes().data()) / page * page;
-        const auto to = static_cast<std::size_t>(part.data() - bytes().data()) + part.size();
-        madvise(static_cast<unsigned char*>(data_) + from, (to - from) / page * page,
-                MADV_DONTNEED);
+    explicit FileSource(Descriptor file) noexcept : file_(std::move(file)) {}
+    const char* Read(std::uint64_t offset, unsigned char* to, std::size_t size) noexcept override {
+        while (size > 0) {
+            const ssize_t count = pread(file_.get(), to, size, static_cast<off_t>(offset));
+            if (count == 0) {
+                return "the file was cut while it was read";
+            }
+            if (count < 0 && errno != EINTR) {
+                return ReasonOf(errno);
+            }
+            const auto read = count > 0 ? static_cast<std::size_t>(count) : 0;
+            to += read;
+            size -= read;
+            offset += read;
+        }
+        return nullptr;
     }
 
 private:
-    void* data_;
-    std::size_t size_;
+    Descriptor file_;
 };
 
 class SystemOutput final : public FileOutput {
@@ -128,27 +120,9 @@ private:
     Descriptor file_;
 };
 
-// Null with the reason when there is nothing to read.
-Files::Opened<FileContent> ReadWhole(int file, std::size_t size) {
-    std::vector<unsigned char> content(size);
-    std::size_t at = 0;
-    while (at < size) {
-        const ssize_t count = read(file, content.data() + at, size - at);
-        if (count < 0 && errno != EINTR) {
-            return {nullptr, ReasonOf(errno)};
-        }
-        if (count == 0) {
-            break;  // shorter than it was
-        }
-        at += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    content.resize(at);
-    return {std::make_unique<HeldContent>(std::move(content)), nullptr};
-}
-
 Files::Opened<FileContent> OpenContent(const std::string& name) {
     // without waiting for somebody to write into a pipe
-    const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status = {};
     if (file.get() == -1 || fstat(file.get(), &status) != 0) {
         return {nullptr, ReasonOf(errno)};
@@ -156,15 +130,9 @@ Files::Opened<FileContent> OpenContent(const std::string& name) {
     if (!S_ISREG(status.st_mode)) {
         return {nullptr, S_ISDIR(status.st_mode) ? kIsFolder : "it is no ordinary file"};
     }
-    const auto size = static_cast<std::size_t>(status.st_size);
-    void* const data =
-        size > 0 ? mmap(nullptr, size, PROT_READ, MAP_SHARED, file.get(), 0) : MAP_FAILED;
-    if (data == MAP_FAILED) {
-        return ReadWhole(file.get(), size);
-    }
-    std::unique_ptr<FileContent> content(new (std::nothrow) MappedContent(data, size));
+    auto content = MakeContent(std::make_unique<FileSource>(std::move(file)),
+                               static_cast<std::uint64_t>(status.st_size));
     if (content == nullptr) {
-        munmap(data, size);
         return {nullptr, ReasonOf(ENOMEM)};
     }
     return {std::move(content), nullptr};
@@ -214,6 +182,17 @@ Files::Opened<FileOutput> CreateOutput(const std::string& name) {
 }
 
 #else
+
+// Content that was read as a whole.
+class HeldContent final : public FileContent {
+public:
+    explicit HeldContent(std::vector<unsigned char> content) noexcept
+        : content_(std::move(content)) {}
+    Bytes bytes() const noexcept override { return content_; }
+
+private:
+    std::vector<unsigned char> content_;
+};
 
 struct CloseFile {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
@@ -280,9 +259,10 @@ public:
 
 using std::filesystem::path;
 
+// Also when the system does not tell; who opens it is told why.
 bool Exists(const path& name) noexcept {
     std::error_code error;
-    return std::filesystem::exists(name, error);
+    return std::filesystem::exists(name, error) || error;
 }
 
 // The entry of a folder that is equal to a name without regard to case, unless there are several.

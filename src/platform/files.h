@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -11,15 +12,33 @@ namespace corv::platform {
 
 using Bytes = std::span<const unsigned char>;
 
-// The content of a file that is open for reading. It lies in memory, or is brought there by the
-// system as it is touched; the file must not be shortened meanwhile.
+// The content of a file that is open for reading: its bytes have addresses, but only those that
+// were brought may be looked at. What was brought stays as it is, whatever becomes of the file.
 class FileContent {
 public:
     virtual ~FileContent() = default;
     virtual Bytes bytes() const noexcept = 0;
-    // Says that a part is not needed in the near future: what the system brought from the disk for
-    // it may be let go. The bytes stay what they are. A hint only.
+    // Brings a part of the bytes, which then can be looked at. What can't be read is zeros;
+    // failure() says why.
+    virtual void Bring(Bytes) const noexcept {}
+    // Says that a part is not needed in the near future: it must be brought again.
     virtual void Forget(Bytes) const noexcept {}
+    // Why something could not be brought, a part of a sentence of static storage ("the file was
+    // cut while it was read"); null when all was.
+    virtual const char* failure() const noexcept { return nullptr; }
+
+    // A part from an offset on; what lies beyond the end is none of it.
+    Bytes Part(std::uint64_t offset, std::uint64_t size) const noexcept {
+        const Bytes all = bytes();
+        const auto from = static_cast<std::size_t>(std::min<std::uint64_t>(offset, all.size()));
+        return all.subspan(
+            from, static_cast<std::size_t>(std::min<std::uint64_t>(size, all.size() - from)));
+    }
+    Bytes BringPart(std::uint64_t offset, std::uint64_t size) const noexcept {
+        const Bytes part = Part(offset, size);
+        Bring(part);
+        return part;
+    }
 };
 
 // A file that is written from its beginning to its end.

@@ -159,13 +159,12 @@ void AppendRecord(std::vector<unsigned char>& out, std::uint64_t offset, RecordK
     out.resize(start + static_cast<std::size_t>(RecordSize(content.size())));
 }
 
-std::optional<RecordHeader> ReadRecordHeader(platform::Bytes file, std::uint64_t offset) noexcept {
-    if (offset > file.size() || file.size() - offset < kRecordHeaderSize) {
-        return std::nullopt;
-    }
-    const platform::Bytes bytes = file.subspan(static_cast<std::size_t>(offset), kRecordHeaderSize);
-    if (LoadNumber<std::uint64_t>(bytes.data() + kHeaderChecksum) !=
-        Checksum(bytes.first(kHeaderChecksum), offset)) {
+std::optional<RecordHeader> ReadRecordHeader(const platform::FileContent& file,
+                                             std::uint64_t offset) noexcept {
+    const platform::Bytes bytes = file.BringPart(offset, kRecordHeaderSize);
+    if (bytes.size() < kRecordHeaderSize ||
+        LoadNumber<std::uint64_t>(bytes.data() + kHeaderChecksum) !=
+            Checksum(bytes.first(kHeaderChecksum), offset)) {
         return std::nullopt;
     }
     ByteReader in(bytes);
@@ -180,13 +179,11 @@ std::optional<RecordHeader> ReadRecordHeader(platform::Bytes file, std::uint64_t
     return header;
 }
 
-std::optional<platform::Bytes> RecordContent(platform::Bytes file, std::uint64_t offset,
+std::optional<platform::Bytes> RecordContent(const platform::FileContent& file,
+                                             std::uint64_t offset,
                                              const RecordHeader& header) noexcept {
-    const auto start = static_cast<std::size_t>(offset) + kRecordHeaderSize;
-    if (header.length > file.size() - start) {
-        return std::nullopt;
-    }
-    return file.subspan(start, static_cast<std::size_t>(header.length));
+    const platform::Bytes content = file.Part(offset + kRecordHeaderSize, header.length);
+    return content.size() == header.length ? std::optional(content) : std::nullopt;
 }
 
 bool FitsChecksum(platform::Bytes content, const RecordHeader& header) noexcept {
@@ -194,13 +191,14 @@ bool FitsChecksum(platform::Bytes content, const RecordHeader& header) noexcept 
            Checksum(content.first(static_cast<std::size_t>(header.checked)), 0) == header.checksum;
 }
 
-std::optional<platform::Bytes> CheckedContent(platform::Bytes file, std::uint64_t offset,
-                                              RecordKind kind) noexcept {
+std::optional<platform::Bytes> CheckedContent(const platform::FileContent& file,
+                                              std::uint64_t offset, RecordKind kind) noexcept {
     const std::optional<RecordHeader> header = ReadRecordHeader(file, offset);
     if (!header || header->kind != kind) {
         return std::nullopt;
     }
     const std::optional<platform::Bytes> content = RecordContent(file, offset, *header);
+    file.Bring(content.value_or(platform::Bytes()));
     return content && FitsChecksum(*content, *header) ? content : std::nullopt;
 }
 

@@ -58,19 +58,25 @@ void AppendRecord(std::vector<unsigned char>& out, std::uint64_t offset, RecordK
                   const BlockHead& head, platform::Bytes content, std::size_t checked);
 
 // The record at an offset: nothing when its header is not there, or is damaged.
-std::optional<RecordHeader> ReadRecordHeader(platform::Bytes file, std::uint64_t offset) noexcept;
-// Its content; nothing when it is not there as a whole.
-std::optional<platform::Bytes> RecordContent(platform::Bytes file, std::uint64_t offset,
+std::optional<RecordHeader> ReadRecordHeader(const platform::FileContent& file,
+                                             std::uint64_t offset) noexcept;
+// Its content, which is not brought; nothing when it is not there as a whole.
+std::optional<platform::Bytes> RecordContent(const platform::FileContent& file,
+                                             std::uint64_t offset,
                                              const RecordHeader& header) noexcept;
 // Whether the content fits its checksum.
 bool FitsChecksum(platform::Bytes content, const RecordHeader& header) noexcept;
-// The content of a record of a kind, checked; nothing when something is wrong.
-std::optional<platform::Bytes> CheckedContent(platform::Bytes file, std::uint64_t offset,
-                                              RecordKind kind) noexcept;
+// The content of a record of a kind, brought and checked; nothing when something is wrong.
+std::optional<platform::Bytes> CheckedContent(const platform::FileContent& file,
+                                              std::uint64_t offset, RecordKind kind) noexcept;
 
 bool IsEventFile(platform::Bytes beginning) noexcept;
 std::unique_ptr<Recording> OpenEventFile(const std::string& file_name,
                                          std::unique_ptr<platform::FileContent> content);
+// The same, of whose blocks so many bytes stay in memory when they have been read.
+std::unique_ptr<Recording> OpenEventFileIn(const std::string& file_name,
+                                           std::unique_ptr<platform::FileContent> content,
+                                           std::size_t most_kept);
 
 // The content of the record of signals.
 std::vector<unsigned char> WriteSignals(const SignalTable& signals);

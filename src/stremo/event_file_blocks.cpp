@@ -12,11 +12,12 @@ namespace corv::recording {
 // ---- the index ----
 
 bool EventFileBlocks::UseRoot() {
-    if (file_.size() < kTrailerSize) {
+    const std::size_t size = file_.bytes().size();
+    if (size < kTrailerSize) {
         return false;
     }
-    const std::size_t start = file_.size() - kTrailerSize;
-    const platform::Bytes trailer = file_.subspan(start);
+    const std::size_t start = size - kTrailerSize;
+    const platform::Bytes trailer = file_.BringPart(start, kTrailerSize);
     ByteReader in(trailer);
     const auto root = in.Number<std::uint64_t>();
     const bool in_place = in.Number<std::uint64_t>() == start;
@@ -37,7 +38,7 @@ bool EventFileBlocks::UseRoot() {
         return false;
     }
     while (!numbers.AtEnd()) {
-        pages_.push_back({numbers.Number<std::uint64_t>()});
+        pages_.push_back({numbers.Number<std::uint64_t>(), {}});
     }
     checked_.resize(static_cast<std::size_t>(blocks));
     events_ = events;
@@ -46,13 +47,14 @@ bool EventFileBlocks::UseRoot() {
 }
 
 void EventFileBlocks::Walk(std::uint64_t offset) {
-    while (file_.size() - offset >= kRecordHeaderSize) {
+    const std::uint64_t size = file_.bytes().size();
+    while (size - offset >= kRecordHeaderSize) {
         const std::optional<RecordHeader> header = ReadRecordHeader(file_, offset);
         if (!header || !AddWalked(offset, *header)) {
             damage_ = offset;
             break;
         }
-        const std::uint64_t left = file_.size() - offset;
+        const std::uint64_t left = size - offset;
         if (header->length > left || RecordSize(header->length) > left ||
             header->kind == RecordKind::kRoot) {
             break;
@@ -93,16 +95,15 @@ std::optional<platform::Bytes> EventFileBlocks::LatestTimes() const noexcept {
 }
 
 bool EventFileBlocks::CheckPage(std::size_t number, Page& page) {
-    if (page.entries != nullptr) {
+    if (!page.entries.empty()) {
         return true;
     }
     const auto content = CheckedContent(file_, page.offset, RecordKind::kPage);
     const std::size_t entries = std::min(kPageBlocks, Count() - number * kPageBlocks);
     if (!content || content->size() != entries * kPageEntrySize) {
-        SetError(file_name_, page.offset, "the index is damaged here");
-        return false;
+        return Fail(page.offset, "the index is damaged here");
     }
-    page.entries = content->data();
+    page.entries.assign(content->begin(), content->end());
     return true;
 }
 
@@ -114,7 +115,7 @@ std::optional<EventFileBlocks::Entry> EventFileBlocks::FindEntry(std::size_t blo
     if (!CheckPage(block / kPageBlocks, page)) {
         return std::nullopt;
     }
-    const unsigned char* const entry = page.entries + block % kPageBlocks * kPageEntrySize;
+    const unsigned char* const entry = page.entries.data() + block % kPageBlocks * kPageEntrySize;
     return Entry{LoadNumber<std::uint64_t>(entry),
                  {static_cast<std::int64_t>(LoadNumber<std::uint64_t>(entry + 8)),
                   static_cast<std::int64_t>(LoadNumber<std::uint64_t>(entry + 16)),
@@ -133,34 +134,61 @@ std::optional<Bytes> EventFileBlocks::Content(std::size_t block) {
     if (!entry) {
         return std::nullopt;
     }
-    if (checked_[block]) {
-        const unsigned char* const record = file_.data() + entry->offset;
-        return Bytes(record + kRecordHeaderSize,
-                     static_cast<std::size_t>(LoadNumber<std::uint64_t>(record + 8)));
+    if (checked_[block]) {  // a page that it shares with another block may be gone
+        const unsigned char* const record =
+            file_.BringPart(entry->offset, kRecordHeaderSize).data();
+        return file_.BringPart(entry->offset + kRecordHeaderSize,
+                               LoadNumber<std::uint64_t>(record + 8));
     }
     const std::optional<RecordHeader> header = ReadRecordHeader(file_, entry->offset);
     if (!header || header->kind != RecordKind::kBlock ||
         header->head.first_time != entry->head.first_time ||
         header->head.last_time != entry->head.last_time) {
-        SetError(file_name_, entry->offset, "the block's header is damaged");
+        Fail(entry->offset, "the block's header is damaged");
         return std::nullopt;
     }
     const std::optional<Bytes> content = RecordContent(file_, entry->offset, *header);
     if (!content) {
-        SetError(file_name_, entry->offset, "the file ends within the block");
+        Fail(entry->offset, "the file ends within the block");
         return std::nullopt;
     }
+    file_.BringPart(entry->offset, kRecordHeaderSize + header->length);
     if (!FitsChecksum(*content, *header)) {
-        SetError(file_name_, entry->offset, "the block does not match its checksum");
+        Fail(entry->offset, "the block does not match its checksum");
         return std::nullopt;
     }
-    checked_[block] = true;
+    Keep(block, *content);
     return content;
+}
+
+// Takes a block to those that are there, and lets the oldest go.
+void EventFileBlocks::Keep(std::size_t block, platform::Bytes content) {
+    constexpr std::size_t kPage = 65'536;  // of any system
+    kept_.emplace_back(block, content);
+    kept_bytes_ += content.size();
+    checked_[block] = true;
+    while (kept_bytes_ > most_kept_ && kept_.size() > 1) {
+        const auto [oldest, bytes] = kept_.front();
+        kept_.pop_front();
+        kept_bytes_ -= bytes.size();
+        checked_[oldest] = false;
+        const auto offset = static_cast<std::uint64_t>(bytes.data() - file_.bytes().data());
+        const std::uint64_t skipped = front_ + kPage > offset ? front_ + kPage - offset : 0;
+        file_.Forget(bytes.subspan(
+            static_cast<std::size_t>(std::min<std::uint64_t>(skipped, bytes.size()))));
+    }
+}
+
+// What could not be read is no damage.
+bool EventFileBlocks::Fail(std::uint64_t offset, const char* what) const {
+    const char* const failure = file_.failure();
+    failure != nullptr ? SetError(file_name_, failure) : SetError(file_name_, offset, what);
+    return false;
 }
 
 void EventFileBlocks::Blame(std::size_t block) {
     const std::optional<Entry> entry = FindEntry(block);
-    SetError(file_name_, entry ? entry->offset : 0, "the block's content is damaged");
+    Fail(entry ? entry->offset : 0, "the block's content is damaged");
 }
 
 void EventFileBlocks::BlameEnd() {

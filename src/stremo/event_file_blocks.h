@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "stremo/event_file.h"
@@ -10,12 +12,14 @@
 namespace corv::recording {
 
 // The blocks of an event file, found through the pages of its index; of a file that has no root, by
-// walking from record to record. Pages and blocks are checked when they are first used.
+// walking from record to record. Pages and blocks are checked when they are first used; of the
+// blocks the last ones stay there, of so many bytes.
 class EventFileBlocks final : public BlockStore {
 public:
-    // The file must outlive the object.
-    EventFileBlocks(std::string file_name, platform::Bytes file) noexcept
-        : file_name_(std::move(file_name)), file_(file) {}
+    // The file must outlive the object. Of its front nothing is forgotten.
+    EventFileBlocks(std::string file_name, const platform::FileContent& file, std::uint64_t front,
+                    std::size_t most_kept) noexcept
+        : file_name_(std::move(file_name)), file_(file), front_(front), most_kept_(most_kept) {}
 
     // Uses the root that the trailer points to; false, when it is not there or damaged.
     bool UseRoot();
@@ -40,7 +44,7 @@ private:
     };
     struct Page {
         std::uint64_t offset;
-        const unsigned char* entries = nullptr;  // none: not checked yet
+        std::vector<unsigned char> entries = {};  // none: not checked yet
     };
 
     bool CountBlocks(std::uint64_t blocks);
@@ -49,11 +53,18 @@ private:
     bool CheckBlock(const Entry& entry, const RecordHeader& header);
     bool AddWalked(std::uint64_t offset, const RecordHeader& header);
 
+    bool Fail(std::uint64_t offset, const char* what) const;
+    void Keep(std::size_t block, platform::Bytes content);
+
     std::string file_name_;
-    platform::Bytes file_;
+    const platform::FileContent& file_;
+    const std::uint64_t front_;
+    const std::size_t most_kept_;
     std::vector<Page> pages_;    // with a root
     std::vector<Entry> walked_;  // without
-    std::vector<bool> checked_;  // a block's content
+    std::vector<bool> checked_;  // a block's content, which is there then
+    std::deque<std::pair<std::size_t, platform::Bytes>> kept_;  // the blocks that are there
+    std::size_t kept_bytes_ = 0;
     std::uint64_t events_ = 0;
     std::uint64_t latest_times_ = 0;  // where the record is; 0: nowhere
     std::uint64_t damage_ = 0;        // where the walk ended before the file did; 0: nowhere

@@ -13,8 +13,9 @@ namespace {
 
 class EventFile final : public Recording {
 public:
-    EventFile(std::string file_name, std::unique_ptr<platform::FileContent> content)
-        : Recording(std::move(file_name)), content_(std::move(content)) {}
+    EventFile(std::string file_name, std::unique_ptr<platform::FileContent> content,
+              std::size_t most_kept)
+        : Recording(std::move(file_name)), content_(std::move(content)), most_kept_(most_kept) {}
 
     const char* FormatName() const noexcept override { return kEventFileName; }
     bool KnowsLatestTimes() const noexcept override { return knows_latest_times_; }
@@ -25,12 +26,14 @@ public:
 
     // False with the stream error set.
     bool Open();
+    const platform::FileContent& content() const noexcept { return *content_; }
 
 private:
     bool OpenSignals(std::uint64_t& end);
     bool ReadLatestTimes();
 
     std::unique_ptr<platform::FileContent> content_;
+    const std::size_t most_kept_;
     std::unique_ptr<EventFileBlocks> blocks_;
     bool knows_latest_times_ = false;
 };
@@ -40,7 +43,7 @@ bool EventFile::Open() {
     if (!OpenSignals(blocks)) {
         return false;
     }
-    blocks_ = std::make_unique<EventFileBlocks>(file_name(), content_->bytes());
+    blocks_ = std::make_unique<EventFileBlocks>(file_name(), *content_, blocks, most_kept_);
     if (!blocks_->UseRoot()) {
         blocks_->Walk(blocks);
         notes_.push_back(
@@ -54,8 +57,8 @@ bool EventFile::Open() {
 
 // The signals, and where their record ends.
 bool EventFile::OpenSignals(std::uint64_t& end) {
-    const platform::Bytes file = content_->bytes();
-    ByteReader in(file);
+    const platform::FileContent& file = *content_;
+    ByteReader in(file.BringPart(0, kFileHeaderSize));
     in.Take(sizeof kFileMark);
     const auto version = in.Number<std::uint32_t>();
     if (in.Number<std::uint32_t>() != 0 || !in.ok() || version != kEventFileVersion) {
@@ -65,14 +68,18 @@ bool EventFile::OpenSignals(std::uint64_t& end) {
     const std::optional<RecordHeader> header = ReadRecordHeader(file, kFileHeaderSize);
     const auto content = CheckedContent(file, kFileHeaderSize, RecordKind::kSignals);
     if (!content) {
-        SetError(file_name(), kFileHeaderSize, "the list of signals is damaged or not whole");
+        const char* const failure = file.failure();
+        failure != nullptr
+            ? SetError(file_name(), failure)
+            : SetError(file_name(), kFileHeaderSize, "the list of signals is damaged or not whole");
         return false;
     }
     if (!ReadSignals(*content, signals_)) {
         SetError(file_name(), kFileHeaderSize, "the list of signals makes no sense");
         return false;
     }
-    end = std::min<std::uint64_t>(kFileHeaderSize + RecordSize(header->length), file.size());
+    end =
+        std::min<std::uint64_t>(kFileHeaderSize + RecordSize(header->length), file.bytes().size());
     return true;
 }
 
@@ -92,8 +99,19 @@ bool EventFile::ReadLatestTimes() {
 
 std::unique_ptr<Recording> OpenEventFile(const std::string& file_name,
                                          std::unique_ptr<platform::FileContent> content) {
-    auto file = std::make_unique<EventFile>(file_name, std::move(content));
-    return file->Open() ? std::move(file) : nullptr;
+    return OpenEventFileIn(file_name, std::move(content), std::size_t{1} << 26);
+}
+
+std::unique_ptr<Recording> OpenEventFileIn(const std::string& file_name,
+                                           std::unique_ptr<platform::FileContent> content,
+                                           std::size_t most_kept) {
+    auto file = std::make_unique<EventFile>(file_name, std::move(content), most_kept);
+    const platform::FileContent& bytes = file->content();
+    const bool opened = file->Open();
+    if (bytes.failure() != nullptr) {
+        SetError(file_name, bytes.failure());
+    }
+    return opened && bytes.failure() == nullptr ? std::move(file) : nullptr;
 }
 
 }  // namespace corv::recording

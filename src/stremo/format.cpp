@@ -41,21 +41,26 @@ std::span<const Format> Formats() noexcept {
     return kFormats;
 }
 
+std::unique_ptr<Recording> OpenContent(const std::string& name,
+                                       std::unique_ptr<platform::FileContent> content) {
+    const platform::Bytes beginning = content->BringPart(0, kTellingBytes);
+    for (const Format& format : kFormats) {
+        if (format.recognises(beginning)) {
+            return format.open(name, std::move(content));
+        }
+    }
+    const char* const failure = content->failure();
+    SetError(name, failure != nullptr ? failure : WhyUnknown(beginning));
+    return nullptr;
+}
+
 std::unique_ptr<Recording> OpenRecording(platform::Files& files, const std::string& file_name) {
     auto opened = files.Open(file_name);
     if (opened.file == nullptr) {
         SetError(file_name, opened.failure);
         return nullptr;
     }
-    const platform::Bytes bytes = opened.file->bytes();
-    const platform::Bytes beginning = bytes.first(std::min(bytes.size(), kTellingBytes));
-    for (const Format& format : kFormats) {
-        if (format.recognises(beginning)) {
-            return format.open(file_name, std::move(opened.file));
-        }
-    }
-    SetError(file_name, WhyUnknown(beginning));
-    return nullptr;
+    return OpenContent(file_name, std::move(opened.file));
 }
 
 }  // namespace corv::recording

@@ -17,6 +17,7 @@ inline constexpr std::string_view kCyclesTag("CYC", 4);
 inline constexpr std::string_view kCyclesEnd("ECY", 4);
 inline constexpr std::string_view kHierarchyEnd("EOH", 4);
 inline constexpr std::string_view kDirectoryTag("DIR", 4);
+inline constexpr std::string_view kTailTag("TAI", 4);
 
 // Reads the sections of values and tells a sink:
 //
@@ -30,7 +31,11 @@ class ChangeWalk {
 public:
     // Without notes nothing is noted.
     ChangeWalk(const ChangeSource& source, Sink& sink, Notes* notes)
-        : source_(source), sink_(sink), notes_(notes), in_(source.file) {
+        : source_(source),
+          sink_(sink),
+          notes_(notes),
+          in_(source.file),
+          most_list_(kMostValue * source.nets.size() + kPart / 4) {
         in_.SetBigEndian(source.big_endian);
         in_.GoTo(source.offset);
     }
@@ -44,13 +49,28 @@ public:
         Pass(source_.file.size());
     }
 
+    // The latest time of which all values were read, -1 without one, and where the last of these
+    // values ends.
+    std::int64_t whole_time() const noexcept { return whole_time_; }
+    std::size_t whole_end() const noexcept { return whole_end_; }
+
 private:
     static constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
     static constexpr std::size_t kPart = std::size_t{1} << 22;
+    static constexpr std::size_t kMostValue = 20;  // the bytes of a distance and a value
 
     void Pass(std::size_t offset) {
         source_.passed(source_.file.subspan(passed_, offset - passed_));
         passed_ = offset;
+    }
+    // A list that begins here, with what stands around it, can be looked at.
+    void Bring() {
+        if (in_.left() > 0 && in_.offset() + most_list_ > brought_) [[unlikely]] {
+            const std::size_t offset = in_.offset();
+            brought_ = std::min(source_.file.size(), offset + kPart + most_list_);
+            source_.content.BringPart(offset, brought_ - offset);
+            brought_ = brought_ == source_.file.size() ? kNowhere : brought_;
+        }
     }
 
     void Note(std::size_t offset, std::string_view sentence) {
@@ -69,17 +89,28 @@ private:
 
     // False at the end of what can be read.
     bool ReadSection() {
+        Bring();
         if (in_.Skip(kSnapshotTag)) {
             ReadSnapshot();
         } else if (in_.Skip(kCyclesTag)) {
             ReadCycles();
         } else if (in_.Skip(kDirectoryTag)) {
             finished_ = true;
+            CheckTail();
             return false;
         } else if (!in_.Skip(kHierarchyEnd)) {
             return in_.left() >= kDirectoryTag.size() && FindSection();
         }
         return in_.ok();
+    }
+
+    // A finished file ends in a mark and eight bytes.
+    void CheckTail() {
+        constexpr std::size_t kSize = 12;
+        const std::size_t offset = source_.file.size() - std::min(source_.file.size(), kSize);
+        if (Find(kTailTag, offset) != offset) {
+            Note(source_.file.size(), "the file ends in its directory; it has all values");
+        }
     }
 
     // The mark that stands here is damaged. What follows the snapshot are the cycles; else goes to
@@ -88,6 +119,7 @@ private:
         constexpr std::string_view kSnapshot("SNP\0\0\0\0", 8);
         const std::size_t offset = in_.offset();
         const std::size_t next = std::min(Find(kSnapshot, offset), FindCycles(offset));
+        brought_ = 0;
         if (!behind_snapshot_ && next == kNowhere) {
             in_.Fail("what stands here is no section that is known");
             return false;
@@ -100,14 +132,23 @@ private:
         return in_.ok();
     }
 
-    std::size_t Find(std::string_view bytes, std::size_t from) const noexcept {
+    // Where bytes stand from a place on, looked for part by part.
+    std::size_t Find(std::string_view bytes, std::size_t from) {
         const Bytes file = source_.file;
-        const auto found = std::search(file.begin() + static_cast<std::ptrdiff_t>(from), file.end(),
-                                       bytes.begin(), bytes.end());
-        return found == file.end() ? kNowhere : static_cast<std::size_t>(found - file.begin());
+        while (file.size() - from >= bytes.size()) {
+            const std::size_t size = std::min(kPart, file.size() - from);
+            const Bytes part = source_.content.BringPart(from, size).first(size);
+            const auto found = std::search(part.begin(), part.end(), bytes.begin(), bytes.end());
+            source_.content.Forget(part);
+            if (found != part.end()) {
+                return from + static_cast<std::size_t>(found - part.begin());
+            }
+            from += size == kPart ? size - bytes.size() + 1 : size;
+        }
+        return kNowhere;
     }
     // The mark of the cycles behind the end of a snapshot.
-    std::size_t FindCycles(std::size_t from) const noexcept {
+    std::size_t FindCycles(std::size_t from) {
         const std::size_t found = Find(std::string_view("ESN\0CYC", 8), from);
         return found == kNowhere ? kNowhere : found + kSnapshotEnd.size();
     }
@@ -130,6 +171,7 @@ private:
     // be told apart; a snapshot behind other values is damage that ends the recording.
     void Resume(std::size_t begin) {
         const std::size_t cycles = FindCycles(begin);
+        brought_ = 0;
         sink_.Forget();
         in_.GoTo(begin);
         if (whole_time_ >= 0 || !source_.nets.dense() || cycles == kNowhere) {
@@ -144,6 +186,7 @@ private:
 
     void ReadCycles() {
         behind_snapshot_ = false;
+        Bring();
         SetTime(static_cast<std::int64_t>(in_.Number64()), in_.offset() - 8);
         while (in_.ok() && ReadList()) {
             TimeIsWhole();
@@ -165,6 +208,7 @@ private:
             if (offset - passed_ >= kPart) [[unlikely]] {
                 Pass(offset);
             }
+            Bring();
         }
     }
 
@@ -227,15 +271,23 @@ private:
         sink_.Time(time_, offset);
     }
 
-    void TimeIsWhole() { whole_time_ = in_.ok() ? time_ : whole_time_; }
+    void TimeIsWhole() noexcept {
+        if (in_.ok()) {
+            whole_time_ = time_;
+            whole_end_ = in_.offset();
+        }
+    }
 
     const ChangeSource& source_;
     Sink& sink_;
     Notes* const notes_;
     Input in_;
     std::int64_t time_ = 0;
-    std::int64_t whole_time_ = -1;  // of which all values were read
+    std::int64_t whole_time_ = -1;
+    std::size_t whole_end_ = 0;
     std::size_t passed_ = 0;
+    const std::size_t most_list_;  // bytes of a list of values with what stands around it
+    std::size_t brought_ = 0;
     bool behind_snapshot_ = false;
     bool finished_ = false;
 };

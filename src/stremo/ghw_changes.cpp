@@ -22,10 +22,10 @@ std::size_t BlockSize(const recording::SignalTable& signals) noexcept {
                       std::size_t{1} << 22);
 }
 
-// Looks at the times alone.
-class TimeFinder {
+// Passes all values by.
+class Passer {
 public:
-    explicit TimeFinder(const ChangeSource& source) : time_scale_(source.time_scale) {
+    explicit Passer(const ChangeSource& source) {
         kinds_.reserve(source.nets.size());
         for (std::size_t i = 0; i < source.nets.size(); ++i) {
             kinds_.push_back(source.nets[i].kind);
@@ -36,18 +36,12 @@ public:
         return kinds_[rank] == Kind::kEnumeration;
     }
 
-    void Time(std::int64_t time, std::size_t) noexcept {
-        latest_ = time_scale_.ToPicoseconds(time);
-    }
+    void Time(std::int64_t, std::size_t) const noexcept {}
     void Value(Input& in, std::size_t rank) const noexcept { Types::ReadValue(in, kinds_[rank]); }
     void Forget() const noexcept {}
 
-    std::int64_t latest() const noexcept { return latest_; }
-
 private:
-    const TimeScale& time_scale_;
     std::vector<Kind> kinds_;
-    std::int64_t latest_ = -1;
 };
 
 // Tells a builder the changes, moment by moment. What a moment does to a channel is gathered as a
@@ -326,10 +320,12 @@ void Changes::TellNumbers() {
 
 }  // namespace
 
-std::int64_t FindLastTime(const ChangeSource& source, Notes& notes) {
-    TimeFinder finder(source);
-    ChangeWalk(source, finder, &notes).Walk();
-    return finder.latest();
+WholeValues FindWholeValues(const ChangeSource& source, Notes& notes) {
+    Passer passer(source);
+    ChangeWalk walk(source, passer, &notes);
+    walk.Walk();
+    const std::int64_t time = walk.whole_time();
+    return {time < 0 ? -1 : source.time_scale.ToPicoseconds(time), walk.whole_end()};
 }
 
 bool ReadChanges(const ChangeSource& source, const recording::SignalTable& signals,

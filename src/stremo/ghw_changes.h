@@ -4,6 +4,7 @@
 #include <functional>
 #include <span>
 
+#include "platform/files.h"
 #include "stremo/block_store.h"
 #include "stremo/ghw_hierarchy.h"
 #include "stremo/ghw_input.h"
@@ -17,22 +18,30 @@ namespace corv::ghw {
 
 // Where the values stand and what they are to be taken for.
 struct ChangeSource {
-    Bytes file;
+    const platform::FileContent& content;
+    Bytes file;  // its bytes, or the first of them
     bool big_endian;
     std::size_t offset;  // behind the hierarchy
     const Nets& nets;
     const TimeScale& time_scale;
-    // Told now and then what part of the file has been read.
+    // Told now and then what part of the file has been read, which is not needed any more.
     std::function<void(Bytes)> passed;
 };
 
-// Walks over all values without keeping any. Gives the last time in picoseconds, -1 without one,
-// and notes where the file is cut or damaged; what stands behind that is not read.
-std::int64_t FindLastTime(const ChangeSource& source, Notes& notes);
+// What of the values is whole: all that stand in front of a place.
+struct WholeValues {
+    std::int64_t latest;  // the last time in picoseconds, -1 without one
+    std::size_t end;
+};
+
+// Walks over all values without keeping any. Notes where the file is cut or damaged; the list that
+// this befalls is not whole.
+WholeValues FindWholeValues(const ChangeSource& source, Notes& notes);
 
 // Puts the changes of the leaves of interest (in rising order; none: all) into blocks. Of several
 // values at one picosecond the last one counts; a value that the net has already is none. Notes
-// what values are lost. False when the blocks can't be kept.
+// what values are lost. The file of the source ends where the whole values do. False when the
+// blocks can't be kept.
 bool ReadChanges(const ChangeSource& source, const recording::SignalTable& signals,
                  std::span<const std::uint32_t> leaves, recording::BlockSink& blocks, Notes& notes);
 

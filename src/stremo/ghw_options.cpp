@@ -6,6 +6,7 @@
 
 #include "platform/files.h"
 #include "platform/guard.h"
+#include "stremo/format.h"
 #include "stremo/ghw_recording.h"
 #include "stremo/recording_reader.h"
 #include "stremo/signal_cursor.h"
@@ -20,7 +21,7 @@ stremo::IEventsStreamRead* Open(const std::string& name, int time_unit) {
         recording::SetError(name, opened.failure);
         return nullptr;
     }
-    if (!recording::IsGhw(opened.file->bytes())) {
+    if (!recording::IsGhw(opened.file->BringPart(0, recording::kTellingBytes))) {
         recording::SetError(name, "it is no GHW file");
         return nullptr;
     }

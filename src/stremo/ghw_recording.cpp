@@ -39,14 +39,32 @@ constexpr std::array<const char*, kSectionCount> kSectionNames{
 
 class GhwRecording final : public Recording {
 public:
-    GhwRecording(std::string file_name, std::unique_ptr<platform::FileContent> content)
-        : Recording(std::move(file_name)), content_(std::move(content)), in_(content_->bytes()) {}
+    // Of the file that many bytes are taken for what stands in front of the values.
+    GhwRecording(std::string file_name, std::unique_ptr<platform::FileContent> content,
+                 std::size_t front)
+        : Recording(std::move(file_name)),
+          content_(std::move(content)),
+          in_(content_->BringPart(0, front)),
+          values_end_(content_->bytes().size()) {}
 
     const char* FormatName() const noexcept override { return kGhwName; }
     std::unique_ptr<BlockStore> OpenBlocks(std::span<const std::uint32_t> leaves) override;
 
-    // False with the stream error set.
+    // Reads the front. False with the stream error set.
     bool Open(int time_unit);
+    // Whether the values begin where the front ends well.
+    bool has_values() const noexcept { return changes_ != 0; }
+    // Finds the end of the values.
+    void Finish();
+    // Whether all that was asked for could be read; else the stream error says why not.
+    bool IsWhole() const {
+        const char* const failure = content_->failure();
+        if (failure != nullptr) {
+            SetError(file_name(), failure);
+        }
+        return failure == nullptr;
+    }
+    std::unique_ptr<platform::FileContent> TakeContent() noexcept { return std::move(content_); }
 
 private:
     bool ReadHeader();
@@ -57,14 +75,15 @@ private:
     void FindLastTime();
 
     ghw::ChangeSource Source() const {
-        return {in_.file(), big_endian_, changes_,
-                nets_,      time_scale_, [this](platform::Bytes part) { Pass(part); }};
+        return {
+            *content_,   content_->bytes().first(values_end_),        big_endian_, changes_, nets_,
+            time_scale_, [this](platform::Bytes part) { Pass(part); }};
     }
-    // What has been read comes from the disk again, should it be asked for.
     void Pass(platform::Bytes part) const noexcept {
         content_->Forget(part);
-        TellProgress(static_cast<std::uint64_t>(part.data() + part.size() - in_.file().data()),
-                     in_.file().size());
+        const platform::Bytes file = content_->bytes();
+        TellProgress(static_cast<std::uint64_t>(part.data() + part.size() - file.data()),
+                     file.size());
     }
     void TellNotes(const ghw::Notes& remarks) { notes_ = remarks.Sentences(); }
     bool Refuse(std::size_t offset, std::string_view why) const {
@@ -80,6 +99,7 @@ private:
     ghw::Nets nets_;
     ghw::TimeScale time_scale_{0};
     std::size_t changes_ = 0;  // where they stand, 0 when they can't be read
+    std::size_t values_end_;   // where those end that are whole, once this is known
 };
 
 // ---- the sections ----
@@ -91,10 +111,14 @@ bool GhwRecording::Open(int time_unit) {
     if (signals_.size() == 0 && !in_.ok()) {
         return Refuse(in_.offset(), in_.failure());
     }
+    return true;
+}
+
+void GhwRecording::Finish() {
+    content_->Forget(in_.file());
     signals_.Finish();
     FindLastTime();
     TellNotes(remarks_);
-    return true;
 }
 
 bool GhwRecording::ReadHeader() {
@@ -213,7 +237,12 @@ void GhwRecording::ReadHierarchy(const ghw::Strings& strings, const ghw::Types& 
 // ---- the values ----
 
 void GhwRecording::FindLastTime() {
-    const std::int64_t latest = changes_ != 0 ? ghw::FindLastTime(Source(), remarks_) : -1;
+    std::int64_t latest = -1;
+    if (changes_ != 0) {
+        const ghw::WholeValues whole = ghw::FindWholeValues(Source(), remarks_);
+        latest = whole.latest;
+        values_end_ = std::max(whole.end, changes_);
+    }
     for (std::uint32_t i = 0; i < signals_.size(); ++i) {
         signals_.SetLatest(i, latest);
     }
@@ -227,7 +256,7 @@ std::unique_ptr<BlockStore> GhwRecording::OpenBlocks(std::span<const std::uint32
         return nullptr;
     }
     TellNotes(remarks);
-    return blocks;
+    return IsWhole() ? std::move(blocks) : nullptr;
 }
 
 }  // namespace
@@ -245,8 +274,22 @@ std::unique_ptr<Recording> OpenGhw(const std::string& file_name,
 std::unique_ptr<Recording> OpenGhwIn(const std::string& file_name,
                                      std::unique_ptr<platform::FileContent> content,
                                      int time_unit) {
-    auto recording = std::make_unique<GhwRecording>(file_name, std::move(content));
-    return recording->Open(time_unit) ? std::move(recording) : nullptr;
+    // the front of most files is small, and as much again is read when it is larger
+    constexpr std::uint64_t kMostFront = std::uint64_t{1} << 29;
+    const std::uint64_t most = std::min<std::uint64_t>(content->bytes().size(), kMostFront);
+    for (std::uint64_t front = std::uint64_t{1} << 22;; front *= 4) {
+        const auto size = static_cast<std::size_t>(std::min(front, most));
+        auto recording = std::make_unique<GhwRecording>(file_name, std::move(content), size);
+        const bool opened = recording->Open(time_unit);
+        if (!recording->IsWhole() || (size == most && !opened)) {
+            return nullptr;
+        }
+        if (opened && (size == most || recording->has_values())) {
+            recording->Finish();
+            return recording->IsWhole() ? std::move(recording) : nullptr;
+        }
+        content = recording->TakeContent();
+    }
 }
 
 }  // namespace corv::recording

@@ -12,6 +12,9 @@
 namespace corv::ghw {
 namespace {
 
+// Looks like the blank that a word of an enumeration can't have.
+constexpr char kNoBreakSpace = '\xA0';
+
 using Int32 = std::numeric_limits<std::int32_t>;
 
 // The character of a literal such as 'x', nothing for others.
@@ -20,13 +23,13 @@ std::optional<char> CharacterOf(std::string_view literal) noexcept {
     return quoted ? std::optional(literal[1]) : std::nullopt;
 }
 
-// A name that ends at no blank.
-std::string Word(std::string_view name, std::size_t number) {
+// A name that ends at no blank; `blank` stands for those in it.
+std::string Word(std::string_view name, std::size_t number, char blank) {
     std::string word(name);
     if (word.empty() || word.front() == '\'') {
         return "?" + std::to_string(number);
     }
-    std::replace(word.begin(), word.end(), ' ', '_');
+    std::replace(word.begin(), word.end(), ' ', blank);
     return word;
 }
 
@@ -88,7 +91,8 @@ bool TypeTexts::AppendEnumeration(std::string& out, const Type& type) {
             return false;
         }
         characters += character ? std::string(1, *character) : "";
-        words.push_back(character ? std::string{'\'', *character} : Word(literal, i));
+        words.push_back(character ? std::string{'\'', *character}
+                                  : Word(literal, i, kNoBreakSpace));
     }
     if (characters.size() == type.count) {
         typeinfo::AppendCharacterEnum(out, type.name, characters);
@@ -158,7 +162,7 @@ bool TypeTexts::AppendRecord(std::string& out, const Type& type) {
     for (std::uint32_t i = 0; i < type.count; ++i) {
         const Field& field = types_.FieldOf(type, i);
         out += i > 0 ? " " : "";
-        out += Word(field.name, i);
+        out += Word(field.name, i, '_');
         out += ' ';
         if (!AppendPart(out, field.type)) {
             return false;

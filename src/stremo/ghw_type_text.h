@@ -32,8 +32,9 @@ private:
 // The type-description strings of types, each made once and kept by a table of signals.
 //
 // Integers and physical types of 64 bits become floating-point types; time is in femtoseconds
-// whatever the unit of the file. Names of literals and fields can't have blanks there; those of
-// extended identifiers become underscores.
+// whatever the unit of the file. Names of literals and fields can't have blanks there: those of
+// extended identifiers become no-break spaces in literals, which are shown, and underscores in
+// fields.
 class TypeTexts {
 public:
     // All types must be known.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 namespace corv::vcd {
 
@@ -21,10 +22,11 @@ std::uint64_t BlockEvents(const recording::SignalTable& signals) noexcept {
 
 }  // namespace
 
-Changes::Changes(Bytes file, const Declarations& declarations,
+Changes::Changes(const platform::FileContent& content, const Declarations& declarations,
                  const recording::SignalTable& signals, std::span<const std::uint32_t> leaves,
                  recording::BlockSink& blocks, Notes& notes)
-    : file_(file),
+    : content_(content),
+      file_(content.bytes()),
       signals_(signals),
       notes_(notes),
       codes_(declarations.codes),
@@ -60,15 +62,13 @@ void Changes::MakeTargets(const Declarations& declarations, std::span<const std:
     }
 }
 
-bool Changes::Read(const Byte* end, const Forget& forget) {
-    constexpr std::ptrdiff_t kWindow = std::ptrdiff_t{1} << 22;
-    Scanner scanner(*this, file_.data() + first_change_, end);
-    while (scanner.at() < end && kept_) {
-        const Byte* const from = scanner.at();
-        scanner.ReadTo(end - from > kWindow ? from + kWindow : end);
-        forget(file_.subspan(static_cast<std::size_t>(from - file_.data()),
-                             static_cast<std::size_t>(scanner.at() - from)));
-    }
+bool Changes::Read(const Byte* end, const Passed& passed) {
+    ScanContent(
+        content_, *this, first_change_, end, [this] { return !kept_; },
+        [&](Bytes part) {
+            CountZeros(part);
+            passed(part);
+        });
     ReadLastWord(end);
     if (block_ != nullptr) {
         Note(Problem::kOpenBlock, block_, {});
@@ -77,12 +77,28 @@ bool Changes::Read(const Byte* end, const Forget& forget) {
         notes_.Say(static_cast<std::size_t>(off_ - file_.data()),
                    "nothing is recorded from " + std::to_string(off_time_) + " ps on");
     }
+    if (zeros_ > 0) {
+        notes_.Say(first_zero_, std::to_string(zeros_) +
+                                    " zero bytes stand from here on, which no simulator writes; "
+                                    "what they replace is lost");
+    }
     return builder_.Flush() && kept_;
+}
+
+// They are blanks to the scanner.
+void Changes::CountZeros(Bytes part) noexcept {
+    const void* const first = std::memchr(part.data(), 0, part.size());
+    if (first != nullptr) {
+        const auto* const zero = static_cast<const Byte*>(first);
+        first_zero_ = zeros_ > 0 ? first_zero_ : static_cast<std::size_t>(zero - file_.data());
+        zeros_ += static_cast<std::uint64_t>(std::count(zero, part.data() + part.size(), Byte{0}));
+    }
 }
 
 // A time that may have been cut is believed when it is not before the last one.
 void Changes::ReadLastWord(const Byte* end) {
     const Byte* const file_end = file_.data() + file_.size();
+    content_.Bring({end, file_end});
     const std::string_view word = vcd::Text(end, file_end);
     if (word.empty()) {
         return;
@@ -336,11 +352,7 @@ void Changes::SpreadDigits(const Digits& digits, std::uint32_t width) {
 // Two's complement. Missing digits are zeros.
 void Changes::SetInteger(Target& target, const Digits& digits) {
     if (!digits.two_valued) {
-        if (target.known) {  // before the first value, x is none yet
-            Note(Problem::kNoInteger, digits.at - 1,
-                 vcd::Text(digits.at, digits.at + digits.count));
-        }
-        return;
+        return;  // before the first number: no value yet
     }
     if (digits.count > target.width) {
         Note(Problem::kTooManyDigits, digits.at - 1,

@@ -12,19 +12,20 @@
 
 namespace corv::vcd {
 
-// Called with parts of a file that are not needed in the near future.
-using Forget = std::function<void(Bytes)>;
+// Called with parts of a file that have been read.
+using Passed = std::function<void(Bytes)>;
 
 // The sink that puts the changes of a file into blocks. Values that a variable already has are left
 // out.
 class Changes {
 public:
     // `leaves` are those of interest, in rising order; none: all.
-    Changes(Bytes file, const Declarations& declarations, const recording::SignalTable& signals,
-            std::span<const std::uint32_t> leaves, recording::BlockSink& blocks, Notes& notes);
+    Changes(const platform::FileContent& content, const Declarations& declarations,
+            const recording::SignalTable& signals, std::span<const std::uint32_t> leaves,
+            recording::BlockSink& blocks, Notes& notes);
 
     // Reads all changes up to `end`. False when the blocks could not be kept.
-    bool Read(const Byte* end, const Forget& forget);
+    bool Read(const Byte* end, const Passed& passed);
 
     // The latest time of the file in picoseconds, -1 without one.
     std::int64_t latest() const noexcept { return latest_; }
@@ -77,7 +78,9 @@ private:
     void Trigger(const Target& target, const Digits& digits);
     void WrongKind(std::string_view value);
     void ReadLastWord(const Byte* end);
+    void CountZeros(Bytes part) noexcept;
 
+    const platform::FileContent& content_;
     const Bytes file_;
     const recording::SignalTable& signals_;
     Notes& notes_;
@@ -98,6 +101,8 @@ private:
     const Byte* block_ = nullptr;  // where the present block of values begins
     const Byte* off_ = nullptr;    // where the recording was switched off
     std::int64_t off_time_ = 0;
+    std::uint64_t zeros_ = 0;  // bytes
+    std::size_t first_zero_ = 0;
     bool block_over_ = false;  // a time stands in the block
     bool kept_ = true;
 };

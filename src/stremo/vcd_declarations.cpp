@@ -75,8 +75,14 @@ private:
 
 class Reader {
 public:
-    Reader(Bytes file, const Byte* end, Notes& notes, recording::SignalTable& texts) noexcept
-        : begin_(file.data()), at_(begin_), end_(end), notes_(notes), texts_(texts) {}
+    Reader(const platform::FileContent& content, const Byte* end, Notes& notes,
+           recording::SignalTable& texts) noexcept
+        : content_(content),
+          begin_(content.bytes().data()),
+          at_(begin_),
+          last_end_(end),
+          notes_(notes),
+          texts_(texts) {}
 
     Declarations Read();
 
@@ -88,6 +94,7 @@ private:
         std::optional<Range> range;
     };
 
+    void ReadPart();
     bool ReadNext();
     void ReadCommand(std::string_view word);
     CommandText ReadText();
@@ -102,9 +109,12 @@ private:
         notes_.Add(problem, static_cast<std::size_t>(word_ - begin_), detail);
     }
 
+    const platform::FileContent& content_;
     const Byte* const begin_;
     const Byte* at_;
-    const Byte* const end_;
+    const Byte* const last_end_;  // of all bytes
+    const Byte* end_ = nullptr;   // of those that were brought
+    bool in_text_ = false;        // a text goes on behind them
     const Byte* word_ = nullptr;  // the beginning of the present command
     Notes& notes_;
     recording::SignalTable& texts_;
@@ -112,29 +122,58 @@ private:
     Scopes scopes_;
     std::uint64_t elements_ = 0;
     bool has_time_scale_ = false;
+    bool over_ = false;  // the changes begin, or nothing is left
+    bool cut_ = false;   // the file ends within a command
 };
 
 Declarations Reader::Read() {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    at_ += Text(begin_, end_).starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
-    while (ReadNext()) {
+    const auto size = static_cast<std::size_t>(last_end_ - begin_);
+    content_.Bring({begin_, std::min(size, kByteOrderMark.size())});
+    at_ += Text(begin_, last_end_).starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+    while (!over_ && at_ < last_end_) {
+        ReadPart();
     }
     if (!has_time_scale_) {
         notes_.Add(Problem::kNoTimeScale, 0);
     }
-    if (!result_.ended && at_ != end_) {
+    if (cut_ || (!result_.ended && at_ == last_end_)) {
+        notes_.Add(Problem::kCutHeader, size);
+    } else if (!result_.ended) {
         Note(Problem::kNoHeaderEnd);
     }
     result_.changes = static_cast<std::size_t>(at_ - begin_);
     return std::move(result_);
 }
 
+// A declaration that is longer than what is brought behind a part is cut.
+void Reader::ReadPart() {
+    constexpr std::size_t kPart = std::size_t{1} << 22;
+    constexpr std::size_t kRest = std::size_t{1} << 20;
+    const Byte* const from = at_;
+    const auto left = static_cast<std::size_t>(last_end_ - from);
+    end_ = from + std::min(left, kPart + kRest);
+    content_.Bring({from, end_});
+    const Byte* const stop = from + std::min(left, kPart);
+    while (!over_ && at_ < stop) {
+        over_ = !ReadNext();
+    }
+    content_.Forget({from, at_});
+}
+
 // False when the changes begin.
 bool Reader::ReadNext() {
+    if (in_text_) {
+        ReadText();
+        return true;
+    }
     word_ = SkipBlanks(at_, end_);
     at_ = word_;
     const std::string_view word = NextWord(at_, end_);
     const Command* const command = FindCommand(word);
+    if (word.empty() && end_ != last_end_) {
+        return true;
+    }
     if (word.empty() || result_.ended || IsTimeWord(word) ||
         (command != nullptr && command->begins_changes)) {
         at_ = word_;
@@ -160,7 +199,7 @@ void Reader::ReadCommand(std::string_view word) {
         const Byte* const name_end = name + (text.text.size() - type);
         name = SkipBlanks(name, name_end);
         if (text.whole) {
-            scopes_.Enter(Text(name, name_end));
+            scopes_.Enter(ScopeName(Text(name, name_end)));
         }
     } else if (word == "$upscope") {
         if (!scopes_.Leave()) {
@@ -183,6 +222,8 @@ CommandText Reader::ReadText() {
     if (!text.ended && text.whole) {
         Note(Problem::kMissingEnd);
     }
+    in_text_ = !text.whole && end_ != last_end_;
+    cut_ = cut_ || (!text.whole && !in_text_);
     return text;
 }
 
@@ -233,7 +274,10 @@ void Reader::ReadVariable() {
     }
     const CommandText text = ReadText();
     if (!text.whole) {
-        return;  // cut
+        if (in_text_) {
+            Note(Problem::kBadVariable, text.text);
+        }
+        return;
     }
     const bool any_range = shape.kind == Kind::kString || shape.width == 0;
     const VariableName name = ReadVariableName(text.text, any_range ? 0 : shape.width);
@@ -257,7 +301,7 @@ void Reader::FitRange(Shape& shape, const std::optional<Range>& range, std::stri
     }
     if (shape.kind == Kind::kString) {
         shape.width = shape.range ? std::min<std::uint64_t>(shape.range->Length(), kMostText) : 0;
-        result_.has_open_texts = result_.has_open_texts || !shape.range;
+        result_.is_open = result_.is_open || !shape.range;
     } else if (shape.kind != Kind::kBits && shape.kind != Kind::kInteger) {
         shape.width = 1;
     } else if (shape.kind == Kind::kBits && !shape.range && shape.width > 1) {
@@ -295,7 +339,11 @@ std::uint32_t Reader::FindVariable(const Code& code, const Shape& shape) {
     }
     const auto number = static_cast<std::uint32_t>(result_.variables.size());
     if (last == kNone) {
-        result_.codes.Set(code, number);
+        Code kept = code;
+        if (code.length > sizeof code.bytes) {
+            kept.at = reinterpret_cast<const Byte*>(texts_.Keep(code.text()).data());
+        }
+        result_.codes.Set(kept, number);
     } else {
         Note(Problem::kOtherShape, code.text());
         if (shapes == kMostShapes) {
@@ -315,7 +363,8 @@ void Reader::AddName(const Code& code, const Shape& shape, std::string_view name
     }
     const bool is_text = shape.kind == Kind::kString;
     const bool is_vector = shape.kind == Kind::kBits && (shape.range || shape.width != 1);
-    Range range = shape.range.value_or(Range{-1, 0});
+    result_.is_open = result_.is_open || shape.kind == Kind::kInteger;
+    Range range = shape.range.value_or(Range{static_cast<std::int32_t>(shape.width) - 1, 0});
     if (is_text) {
         range = shape.range.value_or(Range{1, 0});  // its end is found later
     }
@@ -324,9 +373,9 @@ void Reader::AddName(const Code& code, const Shape& shape, std::string_view name
 
 }  // namespace
 
-Declarations ReadDeclarations(Bytes file, const Byte* end, Notes& notes,
+Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end, Notes& notes,
                               recording::SignalTable& texts) {
-    return Reader(file, end, notes, texts).Read();
+    return Reader(content, end, notes, texts).Read();
 }
 
 }  // namespace corv::vcd

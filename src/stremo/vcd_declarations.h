@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/files.h"
 #include "stremo/signal_table.h"
 #include "stremo/vcd_codes.h"
 #include "stremo/vcd_name.h"
@@ -24,6 +25,7 @@ struct Variable {
     std::uint32_t leaf = recording::kNone;  // the first one, none until there are signals
     std::uint32_t next = recording::kNone;  // the next variable of the same code
     bool is_open = false;                   // a text whose length is not declared
+    bool is_signed = false;                 // bits of an integer that has unknown values
 };
 
 // The number of its leaves.
@@ -45,7 +47,7 @@ struct Declarations {
     std::vector<Variable> variables;
     Codes codes;
     TimeScale time_scale = TimeScale::Nanosecond();
-    bool has_open_texts = false;
+    bool is_open = false;     // the changes say more (vcd_survey.h)
     bool ended = false;       // with $enddefinitions
     std::size_t changes = 0;  // where the changes begin
 };
@@ -53,8 +55,9 @@ struct Declarations {
 // The length of the longest text that is shown.
 inline constexpr std::uint32_t kMostText = 256;
 
-// Reads the declarations up to `end`. Names are kept in `texts`. Throws std::bad_alloc.
-Declarations ReadDeclarations(Bytes file, const Byte* end, Notes& notes,
+// Reads the declarations up to `end`, part by part. Names are kept in `texts`. Throws
+// std::bad_alloc.
+Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end, Notes& notes,
                               recording::SignalTable& texts);
 
 // Makes the signals of all names and numbers the variables' leaves. Handles of scalars are their

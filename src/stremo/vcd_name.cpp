@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "corv/util/extended_id.h"
+
 namespace corv::vcd {
 namespace {
 
@@ -63,7 +65,26 @@ std::string Joined(std::string_view text, std::size_t escaped_end) {
     return name;
 }
 
+std::string Doubled(std::string_view name) {
+    std::string doubled(1, '\\');
+    for (const char c : name.substr(1, name.size() - 2)) {
+        doubled.append(c == '\\' ? 2 : 1, c);
+    }
+    return doubled + '\\';
+}
+
 }  // namespace
+
+std::string ScopeName(std::string_view name) {
+    if (!name.starts_with('\\') || name.size() < 2) {
+        return std::string(name);
+    }
+    if (!name.ends_with('\\') || name.size() == 2) {
+        return std::string(name) + ' ';
+    }
+    const bool closed = SkipExtendedID((std::string(name) + '.').c_str())[0] == '.';
+    return closed ? std::string(name) : Doubled(name);
+}
 
 std::optional<Range> ReadRange(std::string_view group) noexcept {
     Range range{};

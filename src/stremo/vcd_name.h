@@ -34,6 +34,12 @@ struct VariableName {
 //     \esc!id [1:0], 2    \esc!id, 1 downto 0   (a Verilog name, up to the first blank)
 VariableName ReadVariableName(std::string_view text, std::uint64_t width);
 
+// The name of a scope as it stands in front of other levels, so that it can be told from them:
+//
+//     \my scope\x\      \my scope\\x\   (a VHDL name, its backslashes doubled)
+//     \u_1/u_2          \u_1/u_2_       (a Verilog name; the blank that ends it is _ here)
+std::string ScopeName(std::string_view name);
+
 // "[left:right]", nothing when it is something else.
 std::optional<Range> ReadRange(std::string_view group) noexcept;
 

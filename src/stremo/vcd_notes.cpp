@@ -5,9 +5,12 @@
 namespace corv::vcd {
 namespace {
 
+using Byte = unsigned char;
+
 // What is said of a problem; % stands for the detail.
 constexpr const char* kTexts[] = {
     "the file ends in the middle of a word; what it belongs to is left out",
+    "the file ends among its declarations; signals may be missing and there are no values",
     "there is no timescale; times are taken as nanoseconds",
     "the timescale % can't be read; times are taken as nanoseconds",
     "the timescale % is finer than a picosecond; times are rounded down",
@@ -25,7 +28,6 @@ constexpr const char* kTexts[] = {
     "the value % has no code; it is left out",
     "the value % has more digits than its variable; the right-hand ones are taken",
     "the value % does not fit the type of its variable; it is left out",
-    "the value % is no integer; it is left out",
     "the value % passes the range of real numbers; the largest one is taken",
     "the text % is longer than can be shown; its end is left out",
     "the time goes back to %; what follows stays at the latest time until it is passed",
@@ -43,6 +45,29 @@ std::string Shown(std::string_view word) {
         c = c >= ' ' && c != '\x7F' ? c : '.';
     }
     return word.size() > kMost ? shown + "..." : shown;
+}
+
+// The place of a byte, found by reading on from the one before.
+struct Place {
+    std::uint64_t line = 1;
+    std::size_t line_begin = 0;
+    std::size_t offset = 0;
+};
+
+void MoveTo(const platform::FileContent& content, std::size_t to, Place& place) {
+    constexpr std::size_t kPart = std::size_t{1} << 22;
+    while (place.offset < to) {
+        const platform::Bytes part =
+            content.BringPart(place.offset, std::min(kPart, to - place.offset));
+        const auto newlines = std::count(part.begin(), part.end(), static_cast<Byte>('\n'));
+        if (newlines > 0) {
+            const auto last = std::find(part.rbegin(), part.rend(), static_cast<Byte>('\n'));
+            place.line += static_cast<std::uint64_t>(newlines);
+            place.line_begin = place.offset + static_cast<std::size_t>(last.base() - part.begin());
+        }
+        place.offset += part.size();
+        content.Forget(part);
+    }
 }
 
 }  // namespace
@@ -85,16 +110,19 @@ std::vector<Notes::Sentence> Notes::Sorted() const {
     return sentences;
 }
 
-void Place::MoveTo(recording::Bytes file, std::size_t to) noexcept {
-    const auto begin = file.begin() + static_cast<std::ptrdiff_t>(offset);
-    const auto end = file.begin() + static_cast<std::ptrdiff_t>(to);
-    line += static_cast<std::uint64_t>(std::count(begin, end, '\n'));
-    const auto last = std::find(std::make_reverse_iterator(end), std::make_reverse_iterator(begin),
-                                static_cast<unsigned char>('\n'));
-    if (last.base() != begin) {
-        line_begin = static_cast<std::size_t>(last.base() - file.begin());
+std::vector<std::string> Notes::Sentences(const platform::FileContent& content) const {
+    std::vector<std::string> sentences;
+    Place place;
+    for (const Sentence& sentence : Sorted()) {
+        MoveTo(content, sentence.offset, place);
+        sentences.push_back("line " + std::to_string(place.line) + ", column " +
+                            std::to_string(sentence.offset - place.line_begin + 1) + ": " +
+                            sentence.text);
     }
-    offset = to;
+    if (unsaid_ > 0) {
+        sentences.push_back("and " + std::to_string(unsaid_) + " more remarks of that kind");
+    }
+    return sentences;
 }
 
 }  // namespace corv::vcd

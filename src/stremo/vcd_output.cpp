@@ -6,6 +6,7 @@
 
 #include "corv/signals/hierarchy_separator.h"
 #include "corv/typeinfo/type_info.h"
+#include "corv/util/extended_id.h"
 #include "platform/ascii.h"
 
 namespace corv::vcd {
@@ -59,7 +60,11 @@ OutputType ReadEnumeration(const KTypeInfo& type) {
     }
     result.form = Form::kLiteral;
     for (int i = 0; i < type.GetNbOfValues(); ++i) {
-        result.literals.push_back(EscapedText(type.GetValue(i, true).View()));
+        std::string literal(type.GetValue(i, true).View());
+        if (literal.starts_with('\\')) {  // blanks of extended identifiers
+            std::replace(literal.begin(), literal.end(), '\xA0', ' ');
+        }
+        result.literals.push_back(EscapedText(literal));
     }
     return result;
 }
@@ -141,22 +146,14 @@ std::string EscapedText(std::string_view text) {
 std::vector<std::string> SplitName(std::string_view name, char separator) {
     std::vector<std::string> parts;
     for (;;) {
-        std::size_t end = name.find(separator);
-        if (!name.empty() && name[0] == '\\') {
-            end = name.find('\\', 1);
-            while (end != std::string_view::npos && name.substr(end + 1).starts_with('\\')) {
-                end = name.find('\\', end + 2);
-            }
-            end += end != std::string_view::npos ? 1 : 0;
-            if (end < name.size() && name[end] != separator) {
-                end = name.find(separator, 1);  // it is not closed
-            }
-        }
+        const std::size_t end = name.find(separator, EscapedNameLength(name, separator));
+        std::string& part = parts.emplace_back(name.substr(0, end));
         if (end >= name.size()) {
-            parts.emplace_back(name);
             return parts;
         }
-        parts.emplace_back(name.substr(0, end));
+        if (part.starts_with('\\') && part.ends_with(' ')) {
+            part.pop_back();  // the blank that ends an escaped scope
+        }
         name.remove_prefix(end + 1);
     }
 }

@@ -85,8 +85,8 @@ private:
     std::unordered_map<std::string, std::uint32_t> known_;  // variables by form and handles
 };
 
-// The scopes and the name that a hierarchical name consists of. A part that begins with a backslash
-// is an extended identifier, in which the separator stands for itself.
+// The scopes and the name that a hierarchical name consists of. In a part that begins with a
+// backslash the separator stands for itself (corv::EscapedNameLength).
 std::vector<std::string> SplitName(std::string_view name, char separator);
 
 // A text as a value is written: blanks, control characters and those beyond the 7-bit alphabet as

@@ -7,7 +7,7 @@
 #include "stremo/stream_error.h"
 #include "stremo/vcd_changes.h"
 #include "stremo/vcd_declarations.h"
-#include "stremo/vcd_text_lengths.h"
+#include "stremo/vcd_survey.h"
 
 namespace corv::recording {
 namespace {
@@ -28,10 +28,20 @@ bool MayBeCode(const Byte* begin, const Byte* word) noexcept {
     return before != end && kValues.find(static_cast<char>(*before)) != std::string_view::npos;
 }
 
-// The last time that is written, nothing without one. At the beginning of a line it is never taken
-// for a code.
-std::optional<std::uint64_t> FindLastTime(const Byte* begin, const Byte* end) noexcept {
-    for (const Byte* at = end; at != begin; --at) {
+// Bytes in which places are looked at from the last to the first; those around them tell what
+// stands there.
+struct Stretch {
+    const Byte* begin;
+    const Byte* first;
+    const Byte* last;
+    const Byte* end;
+};
+
+// The last time that is written there, nothing without one. At the beginning of a line it is never
+// taken for a code.
+std::optional<std::uint64_t> FindLastTime(const Stretch& in) noexcept {
+    const auto [begin, first, last, end] = in;
+    for (const Byte* at = last; at != first; --at) {
         const bool is_word = at[-1] == '#' && (at - 1 == begin || vcd::IsBlank(at[-2]));
         if (!is_word || (at - 1 != begin && at[-2] != '\n' && MayBeCode(begin, at - 1))) {
             continue;
@@ -45,58 +55,96 @@ std::optional<std::uint64_t> FindLastTime(const Byte* begin, const Byte* end) no
     return std::nullopt;
 }
 
+// The same for all of a content from an offset on, part by part from its end.
+std::optional<std::uint64_t> FindLastTime(const platform::FileContent& content, std::size_t offset,
+                                          std::size_t end) {
+    constexpr std::size_t kPart = std::size_t{1} << 22;
+    constexpr std::size_t kWord = 4096;  // what a place in a part can be judged by
+    std::size_t before = end;
+    while (before > offset) {
+        const std::size_t from = before - std::min(before - offset, kPart);
+        const std::size_t begin = from - std::min(from - offset, kWord);
+        const platform::Bytes part =
+            content.BringPart(begin, std::min(before + kWord, end) - begin);
+        const Byte* const at = part.data();
+        const auto time =
+            FindLastTime({at, at + (from - begin), at + (before - begin), at + part.size()});
+        content.Forget(part);
+        if (time) {
+            return time;
+        }
+        before = from;
+    }
+    return std::nullopt;
+}
+
 class VcdRecording final : public Recording {
 public:
     VcdRecording(std::string file_name, std::unique_ptr<platform::FileContent> content) noexcept
-        : Recording(std::move(file_name)),
-          content_(std::move(content)),
-          file_(content_->bytes()),
-          end_(vcd::WholeWordsEnd(file_)) {}
+        : Recording(std::move(file_name)), content_(std::move(content)), file_(content_->bytes()) {}
 
     const char* FormatName() const noexcept override { return kVcdName; }
     std::unique_ptr<BlockStore> OpenBlocks(std::span<const std::uint32_t> leaves) override;
 
     // False with the stream error set.
-    bool Open();
+    bool Open() {
+        const bool opened = OpenWhole();
+        return IsWhole() && opened;
+    }
 
 private:
-    std::int64_t LatestTime() const noexcept;
+    bool OpenWhole();
+    std::int64_t LatestTime() const;
+    bool IsWhole() const;
     void TellNotes(const vcd::Notes& notes);
-    // What has been read comes from the disk again, should it be asked for.
+    std::size_t OffsetOf(const Byte* at) const noexcept {
+        return static_cast<std::size_t>(at - file_.data());
+    }
     void Pass(platform::Bytes part) const {
-        content_->Forget(part);
         TellProgress(static_cast<std::uint64_t>(part.data() + part.size() - file_.data()),
                      file_.size());
     }
 
     std::unique_ptr<platform::FileContent> content_;
     const platform::Bytes file_;
-    const Byte* const end_;  // of the words that are whole
+    const Byte* end_ = nullptr;  // of the words that are whole
     vcd::Declarations declarations_;
     vcd::Notes declaration_notes_;
 };
 
-bool VcdRecording::Open() {
-    declarations_ = vcd::ReadDeclarations(file_, end_, declaration_notes_, signals_);
+bool VcdRecording::OpenWhole() {
+    constexpr std::size_t kLongestWord = std::size_t{1} << 20;
+    end_ = vcd::WholeWordsEnd(
+        content_->BringPart(file_.size() - std::min(file_.size(), kLongestWord), kLongestWord));
+    declarations_ = vcd::ReadDeclarations(*content_, end_, declaration_notes_, signals_);
     if (declarations_.names.empty() && !declarations_.ended) {
         SetError(file_name(), "no signal is declared before the file ends");
         return false;
     }
-    if (declarations_.has_open_texts) {
-        vcd::FindTextLengths(file_, end_, declarations_,
-                             [this](platform::Bytes part) { Pass(part); });
+    if (declarations_.is_open) {
+        vcd::SurveyChanges(*content_, end_, declarations_,
+                           [this](platform::Bytes part) { Pass(part); });
     }
     vcd::MakeSignals(declarations_, LatestTime(), signals_);
     TellNotes(declaration_notes_);
     return true;
 }
 
+// Whether all that was asked for could be read; else the stream error says why not.
+bool VcdRecording::IsWhole() const {
+    if (const char* const failure = content_->failure()) {
+        SetError(file_name(), failure);
+        return false;
+    }
+    return true;
+}
+
 // The time that the file ends with. A last one that may have been cut counts if it is not before
 // the one in front of it.
-std::int64_t VcdRecording::LatestTime() const noexcept {
-    const Byte* const begin = file_.data() + declarations_.changes;
-    auto time = FindLastTime(begin, std::max(begin, end_));
-    const auto cut = FindLastTime(end_, file_.data() + file_.size());
+std::int64_t VcdRecording::LatestTime() const {
+    const std::size_t end = OffsetOf(end_);
+    auto time = FindLastTime(*content_, declarations_.changes, end);
+    const auto cut = FindLastTime(*content_, end, file_.size());
     time = cut && (!time || *cut >= *time) ? cut : time;
     return time ? declarations_.time_scale.ToPicoseconds(*time) : -1;
 }
@@ -104,7 +152,7 @@ std::int64_t VcdRecording::LatestTime() const noexcept {
 std::unique_ptr<BlockStore> VcdRecording::OpenBlocks(std::span<const std::uint32_t> leaves) {
     vcd::Notes notes = declaration_notes_;
     auto blocks = std::make_unique<MemoryBlocks>();
-    vcd::Changes changes(file_, declarations_, signals_, leaves, *blocks, notes);
+    vcd::Changes changes(*content_, declarations_, signals_, leaves, *blocks, notes);
     if (!changes.Read(end_, [this](platform::Bytes part) { Pass(part); })) {
         SetError(file_name(), "memory has run out");
         return nullptr;
@@ -114,11 +162,11 @@ std::unique_ptr<BlockStore> VcdRecording::OpenBlocks(std::span<const std::uint32
         signals_.SetLatest(i, changes.latest());
     }
     TellNotes(notes);
-    return blocks;
+    return IsWhole() ? std::move(blocks) : nullptr;
 }
 
 void VcdRecording::TellNotes(const vcd::Notes& notes) {
-    notes_ = notes.Sentences(file_, [this](platform::Bytes part) { Pass(part); });
+    notes_ = notes.Sentences(*content_);
 }
 
 }  // namespace

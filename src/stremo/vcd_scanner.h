@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 
+#include "platform/files.h"
 #include "stremo/vcd_codes.h"
 #include "stremo/vcd_notes.h"
 #include "stremo/vcd_time.h"
@@ -24,12 +26,14 @@ namespace corv::vcd {
 template <class Sink>
 class Scanner {
 public:
-    Scanner(Sink& sink, const Byte* begin, const Byte* end) noexcept
-        : sink_(sink), at_(begin), end_(end) {}
+    Scanner(Sink& sink, const Byte* begin) noexcept : sink_(sink), at_(begin) {}
 
-    // Reads the words that begin before `stop`.
-    void ReadTo(const Byte* stop) {
-        const Byte* at = at_;
+    // Reads the words that begin before `stop`, of bytes up to `end`, which is `last` when no more
+    // follow: a text that is not ended is read on at the next call.
+    void ReadTo(const Byte* stop, const Byte* end, bool last) {
+        end_ = end;
+        last_ = last;
+        const Byte* at = in_text_ ? ReadText(at_) : at_;
         while (at < stop) {
             const unsigned lead = LevelOf(*at);
             if (lead < kLevels.size()) [[likely]] {
@@ -111,6 +115,8 @@ private:
             FindCommand(code.text()) != nullptr) {
             if (code.length != 0) {
                 sink_.Note(Problem::kNoCode, at, vcd::Text(at, value_end));
+            } else {
+                sink_.Note(Problem::kCut, at, {});
             }
             return code.at;
         }
@@ -157,15 +163,22 @@ private:
         } else if (command->begins_changes) {
             sink_.BeginBlock(word, at);
         } else {
-            const CommandText text = ReadToEnd(end, end_);
-            if (text.whole && !text.ended) {
-                sink_.Note(Problem::kMissingEnd, at, word);
-            }
             if (command->declares) {
                 sink_.Note(Problem::kNonsense, at, word);
             }
+            return ReadText(end);
         }
         return end;
+    }
+
+    const Byte* ReadText(const Byte* at) {
+        const Byte* const begin = at;
+        const CommandText text = ReadToEnd(at, end_);
+        if (text.whole && !text.ended) {
+            sink_.Note(Problem::kMissingEnd, begin, {});
+        }
+        in_text_ = !text.whole && !last_;
+        return at;
     }
 
     const Byte* Leave(const Byte* at) {
@@ -176,7 +189,32 @@ private:
 
     Sink& sink_;
     const Byte* at_;
-    const Byte* const end_;
+    const Byte* end_ = nullptr;
+    bool last_ = false;
+    bool in_text_ = false;
 };
+
+// The bytes that are brought for a part of a scan: a change that is longer than the rest is cut.
+inline constexpr std::size_t kScanPart = std::size_t{1} << 22;
+inline constexpr std::size_t kScanRest = std::size_t{1} << 20;
+
+// Scans the content from an offset up to `end`, part by part, until `done()`. `passed` is called
+// with each part behind the scanner, which is forgotten after that.
+template <class Sink, class Done, class Passed>
+void ScanContent(const platform::FileContent& content, Sink& sink, std::size_t offset,
+                 const Byte* end, Done done, Passed passed) {
+    const Byte* const begin = content.bytes().data();
+    Scanner scanner(sink, begin + offset);
+    while (scanner.at() < end && !done()) {
+        const Byte* const from = scanner.at();
+        const auto left = static_cast<std::size_t>(end - from);
+        const std::size_t part = std::min(left, kScanPart);
+        const std::size_t whole = std::min(left, kScanPart + kScanRest);
+        content.Bring({from, whole});
+        scanner.ReadTo(from + part, from + whole, whole == left);
+        passed(platform::Bytes(from, scanner.at()));
+        content.Forget({from, scanner.at()});
+    }
+}
 
 }  // namespace corv::vcd

@@ -54,14 +54,17 @@ const char* Maker::ScalarType(Kind kind) {
 
 // An array without elements gets a range that is null: 0 downto 1.
 const char* Maker::ArrayType(const Name& name, std::uint32_t count, const char* element) {
-    const bool is_text = variables_[name.variable].kind == Kind::kString;
+    const Variable& variable = variables_[name.variable];
+    const bool is_text = variable.kind == Kind::kString;
     const bool ascends =
         name.range.left < name.range.right || (is_text && name.range.left == name.range.right);
     const bool to = count == 0 ? !ascends : ascends;
     const std::string left = std::to_string(name.range.left);
     const std::string right = std::to_string(name.range.right);
-    const std::string full = (is_text ? "string(" : "std_logic_vector(") + left +
-                             (to ? " to " : " downto ") + right + ")";
+    const char* const type_name = is_text              ? "string("
+                                  : variable.is_signed ? "signed("
+                                                       : "std_logic_vector(";
+    const std::string full = type_name + left + (to ? " to " : " downto ") + right + ")";
     const std::string type = "a#" + std::to_string(full.size()) + "#" + full + "1 ric" +
                              (to ? "t" : "d") + left + " " + right + " " + element;
     return signals_.KeepShared(type);
@@ -119,7 +122,7 @@ void Maker::Add(const Name& name) {
         variable.leaf = leaves_;
         leaves_ += LeafCount(variable);
     }
-    if (name.is_array) {
+    if (name.is_array || variable.is_signed) {
         AddArray(whole, count);
     } else {
         AddScalar(name.name, ScalarType(variable.kind), variable.leaf, false);

@@ -55,9 +55,9 @@ CommandText ReadToEnd(const Byte*& at, const Byte* end) noexcept {
     }
 }
 
-const Byte* WholeWordsEnd(Bytes file) noexcept {
-    const Byte* const begin = file.data();
-    const Byte* const end = begin + file.size();
+const Byte* WholeWordsEnd(Bytes last) noexcept {
+    const Byte* const begin = last.data();
+    const Byte* const end = begin + last.size();
     const Byte* word = end;
     while (word != begin && !IsBlank(word[-1])) {
         --word;

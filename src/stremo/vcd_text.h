@@ -98,8 +98,8 @@ struct CommandText {
 // the $end has been lost then.
 CommandText ReadToEnd(const Byte*& at, const Byte* end) noexcept;
 
-// Where the whole words of a file end: a word that touches the end of the file may have been cut,
-// unless it is $end.
-const Byte* WholeWordsEnd(Bytes file) noexcept;
+// Where the whole words end that come before the end of a file, of whose bytes these are the last:
+// a word that touches the end may have been cut, unless it is $end or longer than these bytes.
+const Byte* WholeWordsEnd(Bytes last) noexcept;
 
 }  // namespace corv::vcd

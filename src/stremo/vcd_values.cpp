@@ -1,5 +1,6 @@
 #include "stremo/vcd_values.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -49,6 +50,25 @@ char ReadEscape(std::string_view text, std::size_t& at) noexcept {
     return letter != std::string_view::npos ? kMeanings[letter] : c;
 }
 
+// Whether a decimal number that is no double is too small for one, not too large: whether its first
+// digit that counts stands behind the point.
+bool IsTiny(std::string_view text) noexcept {
+    const std::size_t e = std::min(text.find_first_of("eE"), text.size());
+    const std::size_t point = std::min(text.find('.'), e);
+    const std::size_t first = text.find_first_of("123456789");
+    std::string_view digits = text.substr(std::min(e + 1, text.size()));
+    const bool negative = digits.starts_with('-');
+    digits.remove_prefix(negative || digits.starts_with('+') ? 1 : 0);
+    std::int64_t exponent = 0;
+    const auto error = std::from_chars(digits.data(), digits.data() + digits.size(), exponent).ec;
+    if (error == std::errc::result_out_of_range) {
+        return negative;
+    }
+    // places before the point, as if the exponent were there
+    const auto places = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
+    return first < e && places + (negative ? -exponent : exponent) < 0;
+}
+
 }  // namespace
 
 unsigned ExtendingLevel(unsigned first) noexcept {
@@ -75,16 +95,10 @@ bool ReadReal(std::string_view text, double& number, bool& passes) noexcept {
     if (at != end || text.empty() || error == std::errc::invalid_argument) {
         return false;
     }
+    passes = error == std::errc::result_out_of_range && !IsTiny(text);
     if (error == std::errc::result_out_of_range) {
-        // too small or too large
-        const std::size_t e = text.find_first_of("eE");
-        const bool small = e != std::string_view::npos && text.substr(e + 1).starts_with('-');
-        number = small ? 0.0 : std::numeric_limits<double>::infinity();
+        number = passes ? std::numeric_limits<double>::max() : 0.0;
         number = text.starts_with('-') ? -number : number;
-    }
-    passes = std::isinf(number);
-    if (passes) {
-        number = std::copysign(std::numeric_limits<double>::max(), number);
     }
     return true;
 }

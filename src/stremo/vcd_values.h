@@ -112,7 +112,8 @@ unsigned ExtendingLevel(unsigned first) noexcept;
 // The level of a state of a port in the extended format; above 8 for other letters.
 unsigned LevelOfPort(Byte state) noexcept;
 
-// A real number; false when the text is none. One that passes the range becomes the largest one.
+// A real number, inf and nan among them; false when the text is none. A decimal one that passes the
+// range becomes the largest one.
 bool ReadReal(std::string_view text, double& number, bool& passes) noexcept;
 
 // The characters of a text with its escapes resolved, C's: \n \t \\ \' \" \? \a \b \f \v \r, up to

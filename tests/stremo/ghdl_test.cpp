@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <map>
@@ -201,6 +202,9 @@ std::vector<std::pair<std::int64_t, std::string>> CommonChanges(const Recorded& 
         }
         if (value.size() == 3 && value.front() == '\'' && value.back() == '\'') {
             value = value.substr(1, 1);
+        }
+        if (value.starts_with('\\')) {  // blanks of extended identifiers
+            std::replace(value.begin(), value.end(), '\xA0', ' ');
         }
     }
     return changes;

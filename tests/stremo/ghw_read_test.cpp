@@ -96,7 +96,8 @@ TEST(GhwTypes, OfScalarsHaveTheirString) {
     }
     EXPECT_EQ(Listing(file.Bytes()),
               "a e#1#lc2 aA\n"
-              "b e#1#ms5 a '' '  ?3 \\x_y\\ \n"
+              "b e#1#ms5 a '' '  ?3 \\x\xA0"
+              "y\\ \n"
               "c e#1#ns2 a b \n"
               "d f#4#widerrct-9.22337e+18 9.22337e+18\n"
               "e f#4#widerrcd1.09951e+12 0\n"

@@ -274,7 +274,7 @@ public:
         file += std::string("WKT\0\0\0\0\0", 8) + well_known + '\0';
         file += std::string("HIE\0\0\0\0\0", 8) + Fixed(0, 4) + Fixed(0, 4) + Fixed(most_, 4) +
                 hierarchy + '\0' + std::string("EOH", 4) + values;
-        return file + std::string("DIR", 4) + last + zeros;
+        return file + std::string("DIR", 4) + last + zeros + std::string("TAI", 4) + last + zeros;
     }
 
 private:

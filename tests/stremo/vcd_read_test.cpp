@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <charconv>
+#include <cmath>
+#include <limits>
 #include <random>
 #include <sstream>
 #include <string>
@@ -8,6 +11,7 @@
 #include "corv/stremo/stream_error.h"
 #include "stremo/vcd_declarations.h"
 #include "stremo/vcd_time.h"
+#include "stremo/vcd_values.h"
 #include "tests/stremo/vcd_support.h"
 #include "tests/support/failing_alloc.h"
 #include "tests/support/table.h"
@@ -94,7 +98,9 @@ TEST(VcdChanges, AreRead) {
         #1 u! #2 W! #3 l! #4 H! #5 -! #6 ?!       | a: 1 U, 2 W, 3 L, 4 H, 5 -, 6 X
         #0 b1 " #1 bx0 " #2 bz " #3 B1010 "       | v: 0 0001, 1 XXX0, 2 ZZZZ, 3 1010
         #0 b11010 " #1 b-ZH " #2 1" #3 x"         | v: 0 1010, 1 --ZH, 2 0001, 3 XXXX
-        #0 b101 # #1 b11111111111111111111111111111000 # #2 bx # | i: 0 5, 1 -8
+        #0 b101 # #1 b11111111111111111111111111111000 # #2 bx # | i: 0 00000000000000000000000000000101, 1 11111111111111111111111111111000, 2 XXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXX
+        #0 bx # #1 b101 # #2 b11111111111111111111111111111000 # | i: 1 5, 2 -8
+        #0 b101 longcode #1 b01 longcode #2 x0 $comment x $end #3 bx0 longcode | k: 0 0101, 1 0001, 3 XXX0
         #0 b101 longcode #1 b1000 longcode        | k: 0 5, 1 -8
         #0 r1.5 $ #1 R-2e3 $ #2 rNaN $ #3 r+0.5 $ #4 r1e-999 $ | r: 0 1.5, 1 -2000, 2 NaN, 3 0.5, 4 0
         #0 r1.797693134862316e+308 $              | r: 0 1.7976931348623157e+308
@@ -131,18 +137,38 @@ TEST(VcdChanges, AreRead) {
     }
 }
 
+// Numbers that no double holds are 0 or the largest one, wherever their digits stand.
+TEST(VcdChanges, KeepRealsInRange) {
+    const std::string zeros(400, '0');
+    const auto rows =
+        Table("0." + zeros + "1 | 0 ;; 0." + zeros + "1e401 | 1 ;; 0.001e-330 | 0 ;; " + "-1" +
+              zeros + " | -1.7976931348623157e+308 ;; 1" + zeros + "e-400 | 1 ;; " + zeros +
+              "1e-999999999999999999999 | 0 ;; " +
+              "1e99999999999999999999 | 1.7976931348623157e+308 ;; inf | inf ;; " +
+              "-Infinity | -inf ;; NaN | nan ;; 0e999 | 0 ;; -1" + zeros + ".1e-800 | -0");
+    for (const auto& row : rows) {
+        double number = -1;
+        bool passes = false;
+        ASSERT_TRUE(vcd::ReadReal(row[0], number, passes)) << row[0];
+        EXPECT_EQ(passes, std::abs(number) == std::numeric_limits<double>::max()) << row[0];
+        char text[32];
+        EXPECT_EQ(std::string(text, std::to_chars(text, text + sizeof text, number).ptr), row[1])
+            << row[0];
+    }
+}
+
 TEST(VcdChanges, AreToldWithWhatWasRepaired) {
     const auto rows = Table(R"(
         #0 1x9 0x9                | line 3, column 4: the code 'x9' is not declared; its values are left out (2 times)
         #9 1! #5 0!               | line 3, column 7: the time goes back to '#5'
         #0 b11010 "               | line 3, column 4: the value '11010' has more digits
         #0 r1 !                   | line 3, column 4: the value '1' does not fit the type
-        #0 b1 # bx #              | line 3, column 9: the value 'x' is no integer
         #0 r1e999 $               | the value '1e999' passes the range of real numbers
         #0 $dumpoff x! $end #7 $dumpon 0! $end #8 | line 3, column 4: nothing is recorded from 0 ps to 7 ps
         #0 $dumpoff x! $end       | line 3, column 4: nothing is recorded from 0 ps on
         #0 $dumpall 0!            | line 3, column 4: a block of values has no $end
         @                         | line 3, column 1: '@' makes no sense here
+        #0 0! b1                  | line 3, column 7: the file ends in the middle of a word
     )");
     for (const auto& row : rows) {
         const auto reader = OpenVcdText(kSome + row[0] + "\n");
@@ -151,6 +177,9 @@ TEST(VcdChanges, AreToldWithWhatWasRepaired) {
         EXPECT_NE(Notes(*reader).find(row[1]), std::string::npos) << row[0] << "\n"
                                                                   << Notes(*reader);
     }
+    const auto zeros = OpenVcdText(kSome + "#0 0!\n" + std::string(4096, '\0') + "#9 1!\n");
+    zeros->EventCount();
+    EXPECT_EQ(Notes(*zeros).rfind("line 4, column 1: 4096 zero bytes stand from here on", 0), 0U);
     const auto clean = OpenVcdText(kSome + "#0 1! bx # r1 $ #1 0!\n#2\n");
     clean->EventCount();
     EXPECT_EQ(Notes(*clean), "");
@@ -252,6 +281,19 @@ const std::string kSomeChanges =
     "#0\n$dumpvars\n0! bx \"\n1&\n$end\nr1.5 $\n#5\n1!\nb10x1 \"\nsab %\n1&\n"
     "#12\nr-2 $\nb111 #\n1#1\nb1 bb\nb1 longcode\n#120\nbz bb\n0!\nb0 #\n#121\n";
 
+// All that could be missing is told, also where only words that are whole are left.
+TEST(VcdDamage, IsToldOfDeclarationsThatAreCut) {
+    const std::size_t end = kSome.find("$enddefinitions $end") + 20;
+    for (std::size_t length = 0; length < end; ++length) {
+        if (const auto reader = OpenVcdText(kSome.substr(0, length))) {
+            EXPECT_NE(Notes(*reader).find("the file ends among its declarations"),
+                      std::string::npos)
+                << length;
+        }
+    }
+    EXPECT_EQ(Notes(*OpenVcdText(kSome.substr(0, end))), "");
+}
+
 // What is read of a file that was cut is the beginning of what the whole file holds.
 TEST(VcdDamage, FilesOpenWhereverTheyAreCut) {
     const std::string text = kSome + kSomeChanges;
@@ -314,10 +356,10 @@ TEST(VcdDamage, HugeDeclarationsTakeLittleMemory) {
     vcd::Notes notes;
     recording::SignalTable texts;
     const vcd::Declarations declarations =
-        vcd::ReadDeclarations(bytes, bytes.data() + bytes.size(), notes, texts);
+        vcd::ReadDeclarations(content, bytes.data() + bytes.size(), notes, texts);
     EXPECT_GT(declarations.names.size(), 90U);
     EXPECT_LT(declarations.names.size(), 130U);
-    for (const std::string& note : notes.Sentences(bytes, [](platform::Bytes) {})) {
+    for (const std::string& note : notes.Sentences(content)) {
         EXPECT_TRUE(note.find("is too wide") != std::string::npos ||
                     note.find("is too long") != std::string::npos)
             << note;
