@@ -33,5 +33,7 @@ void AddSti(CLI::App& program, Action& chosen);
 void AddStates(CLI::App& program, Action& chosen);
 void AddMan(CLI::App& program, Action& chosen);
 void AddCompletion(CLI::App& program, Action& chosen);
+// The last one: it knows the commands before it.
+void AddHelp(CLI::App& program, Action& chosen);
 
 }  // namespace corv::cli

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 
 #include "cli/command.h"
@@ -50,6 +51,20 @@ std::vector<std::string> WordsOf(const CommandInfo& command) {
     return words;
 }
 
+bool TakesFile(const CommandInfo& command) {
+    return std::any_of(command.operands.begin(), command.operands.end(),
+                       [](const OptionInfo& operand) { return operand.IsFile(); });
+}
+
+std::string BashAction(const OptionInfo& option) {
+    const std::string words = Join(option.Choices(), " ");
+    return option.IsFile()             ? "_corv_files \"$cur\"; "
+           : option.IsSignal()         ? "_corv_signals \"$(_corv_file)\" \"$cur\"; "
+           : option.IsRecordedSignal() ? "_corv_files \"$cur\" :; "
+           : words.empty()             ? ""
+                                       : "COMPREPLY=($(compgen -W '" + words + "' -- \"$cur\")); ";
+}
+
 std::string BashValues(const CommandInfo& command) {
     std::string out;
     for (const OptionInfo& option : command.options) {
@@ -60,20 +75,50 @@ std::string BashValues(const CommandInfo& command) {
         for (const std::string& name : NamesOf(option)) {
             patterns.push_back("'" + command.path + " " + name + "'");
         }
-        const std::string words = Join(option.Choices(), " ");
-        out += "        " + Join(patterns, "|") + ")\n            " +
-               (option.IsFile()
-                    ? "compopt -o filenames; COMPREPLY=($(compgen -f -- \"$cur\"))\n            "
-                : words.empty()
-                    ? ""
-                    : "COMPREPLY=($(compgen -W '" + words + "' -- \"$cur\"))\n            ") +
-               "return ;;\n";
+        out += "        " + Join(patterns, "|") + ") " + BashAction(option) + "return ;;\n";
     }
     return out;
 }
 
+// What the completion for bash calls. Names of signals are never expanded by the shell; those of
+// files and of signals are quoted when they are inserted.
+constexpr std::string_view kBashHelpers = R"shell(# bash completion of corv
+_corv_files() {  # what they begin with; whether something follows them
+    local IFS=$'\n'
+    compopt -o filenames 2>/dev/null
+    [[ $2 ]] && compopt -o nospace 2>/dev/null
+    COMPREPLY+=($(compgen -f -- "$1"))
+}
+_corv_file() {  # the recording on the command line
+    local word
+    for word in "${COMP_WORDS[@]:2}"; do
+        word=${word//[\'\"\\]/}
+        [[ -f $word ]] && { printf %s "$word"; return; }
+    done
+}
+_corv_signals() {  # the recording; what their names begin with
+    local name begin=${2#[\'\"]}
+    begin=${begin//\\/}
+    [[ -f $1 ]] || return 0
+    compopt -o filenames 2>/dev/null
+    while IFS= read -r name; do
+        [[ ${name,,} == "${begin,,}"* ]] && COMPREPLY+=("$name")
+    done < <(command corv info --names -- "$1" 2>/dev/null)
+    return 0
+}
+)shell";
+
+// Behind "--replay FILE:" the shell sees the colon as a word of its own.
+constexpr std::string_view kBashReplay = R"shell(    if [[ $prev == : || $cur == : ]]; then
+        local at=$((COMP_CWORD - 1))
+        [[ $cur == : ]] && cur= || at=$((at - 1))
+        [[ ${COMP_WORDS[at-1]} == --replay ]] && _corv_signals "${COMP_WORDS[at]}" "$cur"
+        return
+    fi
+)shell";
+
 std::string Bash(const CommandInfo& program) {
-    std::string paths, values, words;
+    std::string paths, values, words, files;
     for (const CommandInfo* command : AllCommands(program)) {
         if (command != &program) {
             paths += (paths.empty() ? "'" : "|'") + command->path + "'";
@@ -81,8 +126,11 @@ std::string Bash(const CommandInfo& program) {
         values += BashValues(*command);
         words +=
             "        '" + command->path + "') words='" + Join(WordsOf(*command), " ") + "' ;;\n";
+        if (TakesFile(*command)) {
+            files += (files.empty() ? "'" : "|'") + command->path + "'";
+        }
     }
-    return "# bash completion of corv\n"
+    return std::string(kBashHelpers) +
            "_corv() {\n"
            "    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}\n"
            "    local command=corv words= i\n"
@@ -93,12 +141,16 @@ std::string Bash(const CommandInfo& program) {
            paths +
            ") command+=\" ${COMP_WORDS[i]}\" ;;\n"
            "        esac\n"
-           "    done\n"
-           "    case \"$command $prev\" in\n" +
-           values +
+           "    done\n" +
+           std::string(kBashReplay) + "    case \"$command $prev\" in\n" + values +
            "    esac\n"
            "    case \"$command\" in\n" +
            words +
+           "    esac\n"
+           "    case \"$command\" in\n"
+           "        " +
+           files +
+           ") [[ $cur == -* ]] || { _corv_files \"$cur\"; return; } ;;\n"
            "    esac\n"
            "    COMPREPLY=($(compgen -W \"$words\" -- \"$cur\"))\n"
            "}\n"
@@ -117,7 +169,11 @@ std::string ZshText(std::string_view text) {
 
 std::string ZshAction(const OptionInfo& option) {
     const std::string choices = Join(option.Choices(), " ");
-    return option.IsFile() ? "_files" : choices.empty() ? " " : "(" + choices + ")";
+    return option.IsFile()             ? "_files"
+           : option.IsSignal()         ? "_corv_names"
+           : option.IsRecordedSignal() ? "_corv_replay"
+           : choices.empty()           ? " "
+                                       : "(" + choices + ")";
 }
 
 std::string ZshArguments(const CommandInfo& command) {
@@ -164,8 +220,38 @@ std::string ZshFunction(const CommandInfo& command) {
            calls + "        esac ;;\n    esac\n}\n";
 }
 
+constexpr std::string_view kZshHelpers = R"shell(#compdef corv
+_corv_signals() {
+    local -a names
+    names=(${(f)" $(command corv info-- names-- $ { (Q)1 } 2 > / dev / null) "})
+                                         compadd -
+                                         M 'm:{a-zA-Z}={A-Za-z}' - a names
+}
+_corv_names() {
+    local word
+    for word in ${(Q)words[2,-1]};
+    do
+        [[-f $word]]&& {
+            _corv_signals $word;
+            return
+        }
+    done
+}
+_corv_replay() {
+    if compset
+        -P '*:';
+    then _corv_signals $ {
+        $ {
+            IPREFIX %:
+        }
+        ## *=
+    }
+    else _files - S : fi
+}
+)shell";
+
 std::string Zsh(const CommandInfo& program) {
-    std::string out = "#compdef corv\n";
+    std::string out(kZshHelpers);
     for (const CommandInfo* command : AllCommands(program)) {
         out += ZshFunction(*command);
     }
@@ -187,8 +273,43 @@ std::string FishCondition(const CommandInfo& command) {
     return "complete -c corv -n '" + seen + "'";
 }
 
+constexpr std::string_view kFishHelpers = R"shell(# fish completion of corv
+function __corv_signals
+    command corv info --names -- $argv[1] 2>/dev/null
+end
+function __corv_names
+    for word in (commandline -opc)[2..-1]
+        if test -f $word
+            __corv_signals $word
+            return
+        end
+    end
+end
+function __corv_replay
+    set -l parts (string split -m1 : -- (commandline -ct))
+    if test (count $parts) -gt 1
+        for name in (__corv_signals $parts[1])
+            echo $parts[1]:$name
+        end
+    else
+        __fish_complete_path $parts[1]
+    end
+end
+complete -c corv -f
+)shell";
+
+std::string FishValue(const OptionInfo& option) {
+    const std::string choices = Join(option.Choices(), " ");
+    return option.value.empty()        ? ""
+           : option.IsFile()           ? " -r -F"
+           : option.IsSignal()         ? " -x -a '(__corv_names)'"
+           : option.IsRecordedSignal() ? " -x -a '(__corv_replay)'"
+           : choices.empty()           ? " -x"
+                                       : " -x -a '" + choices + "'";
+}
+
 std::string Fish(const CommandInfo& program) {
-    std::string out = "# fish completion of corv\ncomplete -c corv -f\n";
+    std::string out(kFishHelpers);
     for (const CommandInfo* command : AllCommands(program)) {
         const std::string head = FishCondition(*command);
         for (const CommandInfo& inner : command->commands) {
@@ -196,20 +317,15 @@ std::string Fish(const CommandInfo& program) {
         }
         for (const OptionInfo& operand : command->operands) {
             const std::string choices = Join(operand.Choices(), " ");
-            if (!choices.empty()) {
+            if (!choices.empty() || operand.IsFile()) {
                 out += head;
-                out += " -a '" + choices + "'\n";
+                out += operand.IsFile() ? " -F\n" : " -a '" + choices + "'\n";
             }
         }
         for (const OptionInfo& option : command->options) {
-            const std::string choices = Join(option.Choices(), " ");
             out += head + " -l " + option.long_name.substr(2) +
                    (option.short_name.empty() ? "" : " -s " + option.short_name.substr(1)) +
-                   (option.value.empty() ? ""
-                    : option.IsFile()    ? " -r -F"
-                    : choices.empty()    ? " -x"
-                                         : " -x -a '" + choices + "'") +
-                   " -d " + Quote(option.text, "\\'") + "\n";
+                   FishValue(option) + " -d " + Quote(option.text, "\\'") + "\n";
         }
     }
     return out;

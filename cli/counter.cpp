@@ -47,7 +47,7 @@ std::string ReadNumber(const std::string& word, BasedNumber& number) {
     const std::size_t mark = word.find('#');
     if (mark == std::string::npos ? converter.Convert(word.c_str(), 10, &number.value) == 0
                                   : converter.Convert(word.c_str(), &number.value) == 0) {
-        return "`" + word + "` is no number; write it in decimal or with its radix, such as 16#FF";
+        return "`" + word + "` is not a number; write it in decimal or with its radix, such as 16#FF";
     }
     number.radix = mark == std::string::npos ? 10 : std::stoi(word.substr(0, mark));
     return {};
@@ -65,7 +65,7 @@ std::string Digits(std::int64_t value, int radix) {
 
 int RunCounter(const CounterOptions& options) {
     if (!options.period || *options.period < 1) {
-        throw Failure("--period: a count lasts 1ps or longer");
+        throw Failure("--period is required and must be at least 1ps");
     }
     const auto start = static_cast<std::uint64_t>(options.start.value);
     if (options.width && *options.width < 64 && start >> *options.width != 0) {

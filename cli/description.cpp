@@ -1,9 +1,13 @@
 #include "cli/description.h"
 
+#include <algorithm>
+#include <iterator>
 #include <sstream>
 
 namespace corv::cli {
 namespace {
+
+constexpr std::string_view kFiles[] = {"FILE", "IN", "OUT"};  // operands
 
 OptionInfo DescribeOption(const CLI::Option& option) {
     OptionInfo info;
@@ -13,6 +17,9 @@ OptionInfo DescribeOption(const CLI::Option& option) {
     info.long_name =
         option.get_positional() ? option.get_name(true) : "--" + option.get_lnames().front();
     info.value = option.get_items_expected_max() == 0 ? "" : option.get_type_name();
+    if (std::find(std::begin(kFiles), std::end(kFiles), info.long_name) != std::end(kFiles)) {
+        info.value = "FILE";
+    }
     info.text = option.get_description();
     info.required = option.get_required();
     info.repeatable = option.get_expected_max() > 1;

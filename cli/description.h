@@ -20,6 +20,9 @@ struct OptionInfo {
     // The words that the value is one of: value "a|b" names them, any other value names none.
     std::vector<std::string> Choices() const;
     bool IsFile() const { return value == "FILE"; }
+    // A signal of the recording among the operands, and one behind its recording.
+    bool IsSignal() const { return value == "GLOB"; }
+    bool IsRecordedSignal() const { return value == "FILE:SIGNAL"; }
     // Both names, "-f, --formula".
     std::string Names() const;
 };

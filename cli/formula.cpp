@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "cli/command.h"
+#include "cli/formulas.h"
 #include "cli/json.h"
 #include "cli/options.h"
 #include "cli/output.h"
@@ -10,6 +11,7 @@
 #include "corv/stimulus/check_formula.h"
 #include "corv/stimulus/formula_parser.h"
 #include "corv/stimulus/stimulus.h"
+#include "host/named_formula.h"
 #include "host/time_text.h"
 
 namespace corv::cli {
@@ -30,10 +32,30 @@ struct TextOptions {
     unsigned Unit() const { return default_unit.value_or(host::kPicosecond); }
 };
 
+// A formula with what stands in front of it, as -f takes it.
+struct Operand {
+    explicit Operand(const TextOptions& options)
+        : text(TextOperand(options.text, kName)), named(host::SplitNamedFormula(text, 1)) {}
+
+    std::string Prefix() const { return text.substr(0, text.size() - named.formula.size()); }
+
+    // The problems, with places in the whole text.
+    std::vector<FormulaProblem> Check(unsigned unit) const {
+        auto problems = CheckNamedFormula(named, ReadFormulaType(named.name, named.type), unit);
+        for (FormulaProblem& problem : problems) {
+            problem.position += Prefix().size();
+        }
+        return problems;
+    }
+
+    std::string text;
+    host::NamedFormula named;
+};
+
 int RunNormal(const TextOptions& options) {
-    const std::string formula = TextOperand(options.text, kName);
-    const auto problems = CheckFormula(formula.c_str(), options.Unit());
-    if (ReportProblems(kName, formula, problems, options.colour)) {
+    const Operand operand(options);
+    const std::string& formula = operand.named.formula;
+    if (ReportProblems(kName, operand.text, operand.Check(options.Unit()), options.colour)) {
         return kFailed;
     }
     CStimulus stimulus(options.Unit(), host::kPicosecond);
@@ -42,34 +64,33 @@ int RunNormal(const TextOptions& options) {
     }
     CString normal;
     stimulus.GenerateFormula(normal);
-    const std::string text(normal.View());
+    const std::string text = operand.Prefix() + std::string(normal.View());
     WriteOutput("", options.json ? JsonLine({{"schema", 1}, {"formula", text}}) : text + "\n");
     return kFine;
 }
 
 int RunCheck(const TextOptions& options) {
-    const std::string formula = TextOperand(options.text, kName);
-    const auto problems = CheckFormula(formula.c_str(), options.Unit());
+    const Operand operand(options);
+    const auto problems = operand.Check(options.Unit());
     if (options.json) {
         Json document = {{"schema", 1}};
-        AppendProblems(document, formula, problems);
+        AppendProblems(document, operand.text, problems);
         WriteOutput("", JsonLine(document));
     } else if (!options.quiet) {
         const bool colour = WithColour(options.colour, STDOUT_FILENO);
-        WriteOutput("", DescribeProblems(kName, formula, problems, colour));
+        WriteOutput("", DescribeProblems(kName, operand.text, problems, colour));
     }
     return problems.empty() ? kFine : kFound;
 }
 
 int RunSplit(const TextOptions& options) {
     const std::string formula = TextOperand(options.text, kName);
-    const auto problems =
-        CheckVectorFormula(formula.c_str(), *options.width, options.SplitMode(), host::kPicosecond);
-    if (ReportProblems(kName, formula, problems, options.colour)) {
+    const VectorText vector(formula, {{*options.width, options.words}, ""}, host::kPicosecond);
+    if (ReportProblems(kName, formula, vector.problems, options.colour)) {
         return kFailed;
     }
     CStringArray list;
-    if (!CFormulaParser().Run(formula.c_str(), list, *options.width, options.SplitMode())) {
+    if (!CFormulaParser().Run(vector.formula.c_str(), list, *options.width, options.SplitMode())) {
         throw Failure("the formula cannot be cut into elements");
     }
     std::string lines;
@@ -112,14 +133,17 @@ void AddFormula(CLI::App& program, Action& chosen) {
     command->callback([&chosen, normal] { chosen = [normal] { return RunNormal(*normal); }; });
 
     auto check = std::make_shared<TextOptions>();
-    command = AddTextCommand(*formula, "check",
-                             "tell what is wrong with a formula\n"
-                             "Writes every problem with its place. A text that begins with - goes "
-                             "behind --.",
-                             *check);
+    command =
+        AddTextCommand(*formula, "check",
+                       "tell what is wrong with a formula\n"
+                       "Writes every problem with its place. As after -f, NAME= may stand in "
+                       "front, or NAME:TYPE= for the formula of a vector or of a VHDL type. "
+                       "A text that begins with - goes behind --.",
+                       *check);
     command->add_flag("-q,--quiet", check->quiet, "Write nothing, only give the exit status");
     command->footer(
         "corv formula check '0 0, 1 10ns'\n"
+        "corv formula check 'bus:8=X\"A5\" 0, 255 10ns'\n"
         "corv formula check --json - < formula.txt");
     command->callback([&chosen, check] { chosen = [check] { return RunCheck(*check); }; });
 

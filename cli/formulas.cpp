@@ -7,13 +7,16 @@
 #include "cli/command.h"
 #include "cli/options.h"
 #include "cli/problems.h"
+#include "cli/recordings.h"
 #include "corv/stimulus/time_unit.h"
 #include "corv/typeinfo/type_info.h"
 #include "corv/typeinfo/vhdl_type.h"
 #include "corv/util/time_units.h"
+#include "host/bus_formula.h"
 #include "host/named_formula.h"
 #include "host/replay.h"
 #include "host/time_text.h"
+#include "host/value_type.h"
 #include "host/vector_source.h"
 
 namespace corv::cli {
@@ -44,7 +47,7 @@ unsigned UnitOf(const FormulaOptions& options) {
 bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
                 const FormulaType& type, std::vector<NamedSource>& sources) {
     const unsigned unit = UnitOf(options);
-    const auto problems = CheckFormula(named.formula.c_str(), unit);
+    const auto problems = CheckNamedFormula(named, type, unit);
     if (ReportProblems(named.name, named.formula, problems, options.colour)) {
         return false;
     }
@@ -67,13 +70,12 @@ bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
 // The same for a vector, with its elements where they are asked for.
 bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
                 const FormulaType& type, std::vector<NamedSource>& sources) {
-    const host::VectorFormula vector{named.formula,   type.shape.width,       type.shape.words,
-                                     UnitOf(options), options.at.value_or(0), !type.type.empty()};
-    const auto problems =
-        CheckVectorFormula(named.formula.c_str(), vector.width, vector.words ? 0 : 1, vector.unit);
-    if (ReportProblems(named.name, named.formula, problems, options.colour)) {
+    const VectorText text(named.formula, type, UnitOf(options));
+    if (ReportProblems(named.name, named.formula, text.problems, options.colour)) {
         return false;
     }
+    const host::VectorFormula vector{text.formula,    type.shape.width,       type.shape.words,
+                                     UnitOf(options), options.at.value_or(0), !type.type.empty()};
     auto bus = host::MakeVector(vector);
     if (!bus) {
         throw Failure("the formula of " + named.name + " cannot be cut into elements");
@@ -89,18 +91,35 @@ bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
     return true;
 }
 
+// What went wrong, with the nearest names where the recording has no such signal.
+std::string WhyNoReplay(const std::string& file, const std::string& signal,
+                        const std::string& error) {
+    try {
+        const host::Recording recording(file);
+        return host::SelectSignals(recording.Signals(), signal).empty()
+                   ? file + ": " + UnknownSignal(recording, signal)
+                   : error;
+    } catch (const std::runtime_error&) {
+        return error;
+    }
+}
+
 NamedSource LoadReplay(const FormulaOptions& options, const std::string& replay) {
-    const std::size_t colon = replay.rfind(':');
+    // a slice, a[7:4], has one of its own
+    const bool selects = replay.ends_with(']') || replay.ends_with(')');
+    const std::size_t colon =
+        replay.rfind(':', selects ? replay.find_last_of("[(") : std::string::npos);
     if (colon == std::string::npos || colon == 0 || colon + 1 == replay.size()) {
         throw Failure("--replay: `" + replay +
                       "` names no recording and signal; write FILE:SIGNAL");
     }
+    const std::string file = replay.substr(0, colon);
+    const std::string signal = replay.substr(colon + 1);
     try {
-        host::Replay made = host::MakeReplay(replay.substr(0, colon), replay.substr(colon + 1),
-                                             options.shift.value_or(0));
+        host::Replay made = host::MakeReplay(file, signal, options.shift.value_or(0));
         return {std::move(made.name), std::move(made.source), made.shape, std::move(made.type)};
     } catch (const std::runtime_error& error) {
-        throw Failure("--replay: " + std::string(error.what()));
+        throw Failure("--replay: " + WhyNoReplay(file, signal, error.what()));
     }
 }
 
@@ -111,7 +130,7 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
         .add_option(
             "-f,--formula", options.formulas,
             "A formula, named f1, f2 and so on unless NAME= stands before it; of a vector of WIDTH "
-            "elements behind NAME:WIDTH=, of a VHDL type behind NAME:TYPE=, such as "
+            "elements after NAME:WIDTH=, of a VHDL type after NAME:TYPE=, such as "
             "v:std_logic_vector(7 downto 0)=; may be given many times")
         ->type_name("[NAME[:TYPE]=]FORMULA")
         ->allow_extra_args(false);
@@ -123,12 +142,14 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
     AddTime(command, "--shift", options.shift,
             "How much later than in their recordings replayed signals change; 0 unless given");
     AddTime(command, "-s,--start", options.start, "Where the window starts; 0 unless given");
-    AddTime(command, "-e,--end", options.end,
-            "Where the window ends. Unless given: two periods behind the start for a formula that "
-            "repeats, an eighth behind the last event for one that does not, whichever is latest");
+    AddTime(
+        command, "-e,--end", options.end,
+        "Where the window ends. Unless given: the recording's last event, two periods after the "
+        "start for a formula that repeats, an eighth after the last event for one that does "
+        "not, whichever is latest");
     AddTime(command, "--at", options.at,
-            "When the stimuli begin; 0 unless given. Times behind @ stay where they are, and those "
-            "before it never come");
+            "When the stimuli begin; 0 unless given. Absolute times (@) are not shifted, and those "
+            "before it are dropped");
     AddTimeUnit(command, "--default-unit", options.default_unit,
                 "The unit of times written without one in a formula; ps unless given");
     AddTimeUnit(command, "--time-unit", options.time_unit,
@@ -150,11 +171,40 @@ void AddRecordingOptions(CLI::App& command, FormulaOptions& options) {
     command.add_option("FILE", options.file, "A recording to show instead of formulas or besides");
     command
         .add_option("-n,--name", options.names,
-                    "The signals of the recording to show, all unless given: names, elements "
-                    "a(3), slices a(7 downto 4), * within a level and ** across; may be given many "
-                    "times")
+                    "The signals of the recording to show, all unless given: names, fields rec.a "
+                    "or rec.*, elements a(3), slices a(7 downto 4), and patterns: * and ? stay "
+                    "within a level, ** goes across, [a-f] is one of these characters and [!a-f] "
+                    "another one; may be given many times")
         ->type_name("GLOB")
         ->allow_extra_args(false);
+}
+
+VectorText::VectorText(const std::string& written, const FormulaType& type, unsigned unit)
+    : formula(written) {
+    const int width = type.shape.width;
+    if (type.shape.words) {
+        problems = CheckVectorFormula(written.c_str(), width, 0, unit);
+        return;
+    }
+    host::BusType bus{width, "", host::BusType::Sign::Open};
+    if (!type.type.empty()) {
+        bus = host::BusTypeOf(KTypeInfo(CString(type.type)));
+    }
+    const host::BusFormula values(written, bus);
+    formula = values.Text();
+    problems = values.Problems(CheckVectorFormula(formula.c_str(), width, 1, unit));
+}
+
+std::vector<FormulaProblem> CheckNamedFormula(const host::NamedFormula& named,
+                                              const FormulaType& type, unsigned unit) {
+    if (type.shape.width > 0) {
+        return VectorText(named.formula, type, unit).problems;
+    }
+    auto problems = CheckFormula(named.formula.c_str(), unit);
+    if (type.type.empty() && problems.empty()) {
+        problems = host::StrayLetters(named.formula);
+    }
+    return problems;
 }
 
 FormulaType ReadFormulaType(const std::string& name, const std::string& text) {
@@ -214,6 +264,43 @@ std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
     return sources;
 }
 
+namespace {
+
+// FILE of "/custom FILE, SIGNAL"; empty for any other formula.
+std::string CustomFile(const std::string& formula) {
+    constexpr std::string_view kWord = "/custom";
+    CString lower(formula);
+    lower.MakeLower();
+    const int at = lower.Find(kWord.data());
+    const std::size_t comma = formula.rfind(',');
+    const std::size_t begin =
+        at < 0 ? std::string::npos
+               : formula.find_first_not_of(" \t", static_cast<std::size_t>(at) + kWord.size());
+    if (comma == std::string::npos || begin == std::string::npos || begin >= comma) {
+        return {};
+    }
+    const std::size_t last = formula.find_last_not_of(" \t", comma - 1);
+    return formula.substr(begin, last + 1 - begin);
+}
+
+}  // namespace
+
+std::vector<std::string> InputsOf(const FormulaOptions& options) {
+    std::vector<std::string> inputs;
+    for (const std::string& formula : options.formulas) {
+        if (std::string file = CustomFile(formula); !file.empty()) {
+            inputs.push_back(std::move(file));
+        }
+    }
+    if (!options.file.empty()) {
+        inputs.push_back(options.file);
+    }
+    for (const std::string& replay : options.replays) {
+        inputs.push_back(replay.substr(0, replay.rfind(':')));
+    }
+    return inputs;
+}
+
 host::Trace ShowDriven(const NamedSource& named, const host::Trace& recorded,
                        host::TimeWindow window, const host::BusFormat& format) {
     try {
@@ -248,7 +335,7 @@ std::int64_t NaturalEnd(const FormulaOptions& options, const std::vector<NamedSo
 host::TimeWindow ChooseWindow(const FormulaOptions& options, std::int64_t natural_end) {
     const host::TimeWindow window{options.start.value_or(0), options.end.value_or(natural_end)};
     if (window.end <= window.start) {
-        throw Failure("the end " + host::TimeText(window.end) + " does not lie behind the start " +
+        throw Failure("the end " + host::TimeText(window.end) + " is not after the start " +
                       host::TimeText(window.start));
     }
     return window;

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "corv/stimulus/check_formula.h"
 #include "host/bus_text.h"
 #include "host/colour.h"
 #include "host/driven_signal.h"
+#include "host/named_formula.h"
 #include "host/source.h"
 #include "host/trace.h"
 
@@ -46,6 +48,9 @@ enum class BusStyle { Digits, Literal };
 // when one has errors. Expanded vectors are followed by their elements.
 std::vector<NamedSource> LoadSources(const FormulaOptions& options);
 
+// The files that are read.
+std::vector<std::string> InputsOf(const FormulaOptions& options);
+
 host::BusFormat BusFormatOf(const FormulaOptions& options, BusStyle style);
 
 // What a signal does in a window that is driven with what was recorded from the source there.
@@ -60,6 +65,19 @@ struct FormulaType {
     std::string type;  // a type-description string, empty when only the width was told
 };
 FormulaType ReadFormulaType(const std::string& name, const std::string& text);
+
+// The formula of a vector as stimuli take it, with values such as X"A5" or 165 as characters, and
+// what is wrong with it as it was written.
+struct VectorText {
+    VectorText(const std::string& written, const FormulaType& type, unsigned unit);
+
+    std::string formula;
+    std::vector<FormulaProblem> problems;
+};
+
+// What is wrong with a formula for a signal of its type.
+std::vector<FormulaProblem> CheckNamedFormula(const host::NamedFormula& named,
+                                              const FormulaType& type, unsigned unit);
 
 // The window that the user asked for, or else one from the start to `natural_end`; throws Failure
 // when it is empty.

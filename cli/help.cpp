@@ -1,7 +1,11 @@
 #include <algorithm>
+#include <memory>
 #include <sstream>
 
+#include "cli/command.h"
 #include "cli/description.h"
+#include "cli/output.h"
+#include "cli/suggestion.h"
 
 namespace corv::cli {
 namespace {
@@ -67,6 +71,29 @@ std::string Options(const CommandInfo& command) {
     return out;
 }
 
+std::vector<std::string> NamesOf(const std::vector<CommandInfo>& commands) {
+    std::vector<std::string> names;
+    for (const CommandInfo& command : commands) {
+        names.push_back(command.name);
+    }
+    return names;
+}
+
+// The command that the words lead to; throws Failure.
+const CommandInfo& Find(const CommandInfo& program, const std::vector<std::string>& words) {
+    const CommandInfo* found = &program;
+    for (const std::string& word : words) {
+        const auto next = std::find_if(found->commands.begin(), found->commands.end(),
+                                       [&](const CommandInfo& c) { return c.name == word; });
+        if (next == found->commands.end()) {
+            throw Failure("unknown command `" + word + "`" +
+                          Suggestion(word, NamesOf(found->commands)));
+        }
+        found = &*next;
+    }
+    return *found;
+}
+
 }  // namespace
 
 const std::vector<Section>& CommonSections() {
@@ -76,11 +103,19 @@ const std::vector<Section>& CommonSections() {
          "`-r 20ns` in it repeats the whole with that period, `@100ns` is a time that takes no "
          "part "
          "in the repetition, `/vesk` introduces the compact notation of values and durations.\n"
+         "Values of vectors, `NAME:8=` or of a type, are written as VHDL does, `X\"A5\"`, "
+         "`O\"17\"`, "
+         "`B\"1010\"`, `16#A5#` or `(others => '0')`, as `0xA5`, as decimal numbers, `165` or "
+         "`-3`, "
+         "or letter by letter, `01XZ`. Letters of std_logic, exactly as many as the vector has "
+         "elements, are always its letters: `1010` is 10 for four elements and the decimal number "
+         "for twelve. Bits missing in front are zeros; a value that does not fit is refused.\n"
          "A time is a number and a unit, `10ns`, `10 ns` or `1.5us`; the units are fs, ps, ns, us, "
          "ms, sec, min and hr. A number alone counts picoseconds.\n"
          "Where a formula is expected, `-` reads it from standard input."},
         {"Exit status",
-         "0 when all is well, 1 when problems were found, 2 when the command could not do its "
+         "0 when the command did its work, also with notes or warnings; 1 when `corv formula "
+         "check`, `corv sti` or `corv states` found problems; 2 when the command could not do its "
          "work."},
         {"Environment",
          "CORV_COLORS (auto, always or never) and NO_COLOR decide about colours where --color does "
@@ -112,6 +147,28 @@ std::string FormatHelp(const CommandInfo& command) {
         ForEachLine(command.examples, [&](const std::string& line) { out += "  " + line + "\n"; });
     }
     return out;
+}
+
+void AddHelp(CLI::App& program, Action& chosen) {
+    std::string names;
+    for (const std::string& name : NamesOf(Describe(program).commands)) {
+        names += (names.empty() ? "" : "|") + name;
+    }
+    CLI::App* command = program.add_subcommand("help", "show the help of a command");
+    auto words = std::make_shared<std::vector<std::string>>();
+    command
+        ->add_option("COMMAND", *words,
+                     "The command, such as draw or formula check; the program "
+                     "unless given")
+        ->type_name(names);
+    command->footer("corv help draw\ncorv help formula check");
+    command->callback([&chosen, &program, words] {
+        chosen = [&program, words] {
+            const CommandInfo described = Describe(program);
+            WriteOutput("", FormatHelp(Find(described, *words)));
+            return kFine;
+        };
+    });
 }
 
 }  // namespace corv::cli

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <unordered_map>
 
@@ -6,8 +7,10 @@
 #include "cli/options.h"
 #include "cli/output.h"
 #include "cli/recordings.h"
+#include "corv/stremo/stream_details.h"
 #include "corv/typeinfo/vhdl_type.h"
 #include "host/fit_text.h"
+#include "host/signal_trace.h"
 #include "host/time_text.h"
 
 namespace corv::cli {
@@ -18,6 +21,7 @@ struct InfoOptions {
     std::vector<std::string> names;
     std::optional<unsigned> time_unit;
     bool json = false;
+    bool names_only = false;
 };
 
 struct SignalFacts {
@@ -45,23 +49,54 @@ std::string TypeText(ISignal& signal) {
     return type != nullptr ? type : "";
 }
 
-Facts FactsOf(const InfoOptions& options) {
-    const auto recording = OpenRecording(options.file, options.time_unit);
-    stremo::IEventsStreamRead& reader = recording->Reader();
-    Facts facts;
-    facts.format = reader.GetFormatName();
+// The scalars of the signals, each once.
+std::vector<int> HandlesOf(const std::vector<host::NamedSignal>& signals) {
+    std::vector<int> handles;
+    for (const host::NamedSignal& named : signals) {
+        for (ISignal* const leaf : host::LeavesOf(*named.signal)) {
+            handles.push_back(leaf->GetHandle());
+        }
+    }
+    std::erase(handles, -1);  // a scalar without events
+    std::sort(handles.begin(), handles.end());
+    handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
+    return handles;
+}
+
+// Counts the events of scalars by handle; `selected` tells that they are not all.
+std::unordered_map<int, std::uint64_t> CountEvents(const host::Recording& recording,
+                                                   const std::vector<int>& handles, bool selected,
+                                                   Facts& facts) {
+    stremo::IEventsStreamRead& reader = recording.Reader();
+    if (selected) {
+        SelectStreamSignals(reader, handles.data(), static_cast<int>(handles.size()));
+    }
     std::unordered_map<int, std::uint64_t> counts;
+    for (const int handle : handles) {
+        counts[handle] = 0;
+    }
     const std::int64_t start = 0;
-    if (reader.Seek(&start)) {
-        for (int handle = reader.Next(); handle != -1; handle = reader.Next()) {
+    for (int handle = reader.Seek(&start) ? reader.Next() : -1; handle != -1;
+         handle = reader.Next()) {
+        const auto count = counts.find(handle);
+        if (count != counts.end()) {
             facts.last = *reader.GetCurrentTime();
             facts.first = facts.events == 0 ? facts.last : facts.first;
             ++facts.events;
-            ++counts[handle];
+            ++count->second;
         }
     }
-    facts.problem = recording->Problem();
-    for (const host::NamedSignal& named : SelectNamed(*recording, options.names)) {
+    facts.problem = recording.Problem();
+    return counts;
+}
+
+Facts FactsOf(const InfoOptions& options) {
+    const auto recording = OpenRecording(options.file, options.time_unit);
+    const auto selected = SelectNamed(*recording, options.names);
+    Facts facts;
+    facts.format = recording->Reader().GetFormatName();
+    const auto counts = CountEvents(*recording, HandlesOf(selected), !options.names.empty(), facts);
+    for (const host::NamedSignal& named : selected) {
         SignalFacts signal{host::CleanText(named.name), TypeText(*named.signal), 0};
         for (ISignal* const leaf : host::LeavesOf(*named.signal)) {
             const auto count = counts.find(leaf->GetHandle());
@@ -125,9 +160,23 @@ std::string InfoJson(const Facts& facts) {
                      {"signals", std::move(signals)}});
 }
 
+// The names alone; the events are not read for them.
+int WriteNames(const InfoOptions& options) {
+    const auto recording = OpenRecording(options.file, options.time_unit);
+    std::string names;
+    for (const host::NamedSignal& named : SelectNamed(*recording, options.names)) {
+        names += host::CleanText(named.name) + "\n";
+    }
+    WriteOutput(options.output, names);
+    return kFine;
+}
+
 int RunInfo(const InfoOptions& options) {
+    if (options.names_only) {
+        return WriteNames(options);
+    }
     const Facts facts = FactsOf(options);
-    WriteOutput(options.output, options.json ? InfoJson(facts) : InfoText(facts));
+    WriteOutput(options.output, options.json ? InfoJson(facts) : InfoText(facts), {options.file});
     if (!facts.problem.empty()) {
         WriteMessage("error", facts.problem);
         return kFailed;
@@ -145,12 +194,15 @@ void AddInfo(CLI::App& program, Action& chosen) {
         "and numbers of events, and what had to be repaired or was lost when it was read.");
     auto options = std::make_shared<InfoOptions>();
     command->add_option("FILE", options->file, "The recording")->required();
-    command->add_option("-n,--name", options->names, "Only signals of that name or pattern")
+    command
+        ->add_option("-n,--name", options->names,
+                     "Only signals of that name or pattern; the events and their times are theirs")
         ->type_name("GLOB")
         ->allow_extra_args(false);
     AddRecordingUnit(*command, options->time_unit);
     AddText(*command, "-o,--output", "FILE", options->output, "Write to FILE");
     command->add_flag("--json", options->json, "Write JSON, times in picoseconds");
+    command->add_flag("--names", options->names_only, "Write the names alone, a line each");
     command->footer("corv info run.evt\ncorv info run.evt -n 'tb.u1.**' --json");
     command->callback([&chosen, options] { chosen = [options] { return RunInfo(*options); }; });
 }

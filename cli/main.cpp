@@ -6,6 +6,7 @@
 #include "cli/output.h"
 #include "cli/program.h"
 #include "cli/suggestion.h"
+#include "cli/wrong_words.h"
 
 namespace corv::cli {
 namespace {
@@ -20,6 +21,9 @@ namespace {
 }
 
 int Run(int argc, const char* const* argv) {
+    if (std::string cut = CutIntoWords({argv, static_cast<std::size_t>(argc)}); !cut.empty()) {
+        throw Failure(cut);
+    }
     CLI::App program;
     Action chosen;
     DescribeProgram(program, chosen);
@@ -46,6 +50,7 @@ int Run(int argc, const char* const* argv) {
 int main(int argc, char** argv) {
     using namespace corv::cli;
     std::signal(SIGPIPE, SIG_DFL);  // a reader that stops reading ends the program quietly
+    std::signal(SIGXFSZ, SIG_IGN);  // a limit on files is told as a full disk is
     try {
         return Run(argc, argv);
     } catch (const Failure& failure) {

@@ -1,9 +1,8 @@
 #include "cli/program.h"
 
-#include <algorithm>
-
 #include "cli/description.h"
 #include "cli/suggestion.h"
+#include "cli/wrong_words.h"
 #include "corv/version.h"
 
 namespace corv::cli {
@@ -11,7 +10,7 @@ namespace {
 
 constexpr void (*kCommands[])(CLI::App&, Action&) = {
     AddDraw,  AddEvents,  AddRun, AddInfo,   AddValueAt, AddConvert,    AddFormula,
-    AddClock, AddCounter, AddSti, AddStates, AddMan,     AddCompletion,
+    AddClock, AddCounter, AddSti, AddStates, AddMan,     AddCompletion, AddHelp,
 };
 
 // The first argument that no command took.
@@ -31,24 +30,15 @@ std::string UnknownOption(const CommandInfo& command, const std::string& word) {
         names.push_back(option.long_name);
     }
     if (name.find(' ') != std::string::npos) {
-        return "`" + name + "` is no option; a text that begins with - goes behind --";
+        return "`" + name + "` is not an option; write -- before a text that begins with -";
     }
     return "unknown option `" + name + "`" + Suggestion(name, names);
 }
 
-std::string UnknownWord(const CommandInfo& command, const std::string& word) {
-    std::vector<std::string> names;
-    for (const CommandInfo& inner : command.commands) {
-        names.push_back(inner.name);
-    }
-    if (!names.empty()) {
-        return "unknown command `" + word + "`" + Suggestion(word, names);
-    }
-    const bool formulas =
-        std::any_of(command.options.begin(), command.options.end(), [](const OptionInfo& option) {
-            return option.long_name == "--formula" && !option.value.empty();
-        });
-    return "unexpected `" + word + "`" + (formulas ? "; a formula goes behind -f" : "");
+// What the command takes as its recording.
+std::string FileOf(const CLI::App& command) {
+    const CLI::Option* const file = command.get_option_no_throw("FILE");
+    return file != nullptr && file->count() > 0 ? file->results().front() : "";
 }
 
 }  // namespace
@@ -63,6 +53,7 @@ void DescribeProgram(CLI::App& program, Action& chosen) {
         "corv events -f '0 0, 1 10ns -r 20ns' -e 100ns --csv\n"
         "corv formula check '0 0, 1 10ns'\n"
         "corv clock --freq 100MHz");
+    program.require_subcommand(0, 1);  // further words are operands, also those that name commands
     for (const auto add : kCommands) {
         add(program, chosen);
     }
@@ -81,7 +72,7 @@ std::string ArgumentComplaint(const CLI::App& program, const CLI::ParseError& er
         return UnknownOption(command, word);
     }
     if (!word.empty()) {
-        return UnknownWord(command, word);
+        return UnknownWord(command, word, FileOf(ChosenCommand(program)));
     }
     std::string what = error.what();
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {

@@ -1,20 +1,18 @@
 #include "cli/recordings.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
-#include <utility>
 
 #include "cli/command.h"
+#include "cli/output.h"
 #include "cli/progress.h"
-#include "cli/suggestion.h"
 #include "corv/stremo/stream_progress.h"
 #include "host/driver.h"
 #include "host/fit_text.h"
 
 namespace corv::cli {
 namespace {
-
-constexpr std::size_t kMostSuggested = 10'000;  // names that are compared with an unknown one
 
 template <class Work>
 auto OrFailure(Work work) {
@@ -45,30 +43,13 @@ std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
     host::OpenOptions options{time_unit,
                               [&, progress = std::make_shared<Progress>("unpacking " + file_name)](
                                   double part) { progress->Tell(part, 1); }};
-    return OrFailure([&] { return std::make_unique<host::Recording>(file_name, options); });
-}
-
-std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
-                                           const std::vector<std::string>& patterns) {
-    std::vector<host::NamedSignal> selected;
-    if (patterns.empty()) {
-        ISignal* signal = nullptr;
-        for (std::uint32_t i = 0; SUCCEEDED(recording.Signals().GetAt(i, &signal)); ++i) {
-            const char* const name = signal->GetName();
-            selected.push_back({host::ShownName(name != nullptr ? name : ""), signal, {}});
-        }
-        return selected;
+    try {
+        return std::make_unique<host::Recording>(file_name, options);
+    } catch (const std::runtime_error& error) {
+        const bool formula = file_name.find(' ') != std::string::npos &&
+                             !std::filesystem::exists(std::filesystem::path(file_name));
+        throw Failure(error.what() + std::string(formula ? "; a formula goes after -f" : ""));
     }
-    for (const std::string& pattern : patterns) {
-        auto found = host::SelectSignals(recording.Signals(), pattern);
-        if (found.empty()) {
-            const auto names = host::AllNames(recording.Signals(), kMostSuggested);
-            throw Failure("the recording has no signal `" + pattern + "`" +
-                          Suggestion(pattern, names));
-        }
-        std::move(found.begin(), found.end(), std::back_inserter(selected));
-    }
-    return selected;
 }
 
 Shown::Shown(const FormulaOptions& options) : options_(options), sources_(LoadSources(options)) {
@@ -102,6 +83,18 @@ host::TimeWindow Shown::Window() const {
     return ChooseWindow(options_, end);
 }
 
+void Shown::TellNotes() const {
+    auto notes = notes_told_ ? std::vector<std::string>() : recording_->Notes();
+    notes_told_ = true;
+    std::erase_if(notes, [](const std::string& note) { return note.ends_with(" assumed"); });
+    if (!notes.empty()) {
+        const std::size_t more = notes.size() - 1;
+        WriteMessage(
+            "note", options_.file + ": " + notes.front() +
+                        (more == 0 ? "" : "; `corv info` lists " + std::to_string(more) + " more"));
+    }
+}
+
 std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style) const {
     std::vector<host::Trace> traces;
     if (selected_.empty()) {
@@ -115,6 +108,7 @@ std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style
         recording_->Load(signals, window);
         return 0;
     });
+    TellNotes();
     const host::BusFormat format = BusFormatOf(options_, style);
     for (const host::NamedSignal& named : selected_) {
         traces.push_back(host::ReadTrace(*named.signal, window, format));

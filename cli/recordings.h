@@ -17,10 +17,13 @@ namespace corv::cli {
 std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
                                                std::optional<unsigned> time_unit = {});
 
-// The signals that the patterns name, the top-level ones without any; throws Failure for a pattern
-// that names none.
+// The signals that the patterns name, each once, the top-level ones without any; throws Failure for
+// a pattern that names none.
 std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
                                            const std::vector<std::string>& patterns);
+
+// A sentence about a name or pattern that stands for no signal, with what would do.
+std::string UnknownSignal(const host::Recording& recording, const std::string& name);
 
 // What a command shows: signals of a recording, and what formulas and replayed signals do.
 class Shown {
@@ -30,18 +33,21 @@ public:
 
     std::vector<std::string> Names() const;
     host::TimeWindow Window() const;
-    // What each does in a window: every event, at most `max` of each.
+    // What each does in a window: every event, at most `max` of each. What was repaired or lost
+    // in the recording is told on standard error, once; what was assumed of a whole one is not.
     std::vector<host::Trace> Events(host::TimeWindow window, std::size_t max) const;
     // The same as far as a drawing on the grid can show it.
     std::vector<host::Trace> ForGrid(const host::TimeGrid& grid) const;
 
 private:
     std::vector<host::Trace> Recorded(host::TimeWindow window, BusStyle style) const;
+    void TellNotes() const;
 
     const FormulaOptions& options_;
     std::unique_ptr<host::Recording> recording_;
     std::vector<host::NamedSignal> selected_;
     std::vector<NamedSource> sources_;
+    mutable bool notes_told_ = false;
 };
 
 }  // namespace corv::cli

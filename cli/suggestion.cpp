@@ -28,21 +28,33 @@ std::size_t Distance(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-std::string Suggestion(std::string_view word, const std::vector<std::string>& known) {
-    constexpr std::size_t kLongest = 40;
-    std::string nearest;
-    std::size_t least = word.size() <= kLongest ? 1 + std::max<std::size_t>(1, word.size() / 3) : 0;
-    for (const std::string& candidate : known) {
-        const std::size_t distance = least > 0 ? Distance(word, candidate) : 0;
-        const bool same_start = distance == least && !nearest.empty() &&
-                                nearest.front() != word.front() &&
+std::size_t NearestWord(std::string_view word, const std::vector<std::string>& known) {
+    constexpr std::size_t kLongest = 80;
+    std::size_t nearest = known.size();
+    std::size_t least =
+        word.size() <= kLongest ? 1 + std::clamp<std::size_t>(word.size() / 3, 1, 5) : 0;
+    for (std::size_t i = 0; i < known.size(); ++i) {
+        const std::string& candidate = known[i];
+        const std::size_t between =
+            std::max(candidate.size(), word.size()) - std::min(candidate.size(), word.size());
+        if (between > least || candidate.empty()) {
+            continue;
+        }
+        const std::size_t distance = Distance(word, candidate);
+        const bool same_start = distance == least && nearest < known.size() &&
+                                known[nearest].front() != word.front() &&
                                 candidate.front() == word.front();
         if ((distance < least || same_start) && distance < candidate.size()) {
             least = distance;
-            nearest = candidate;
+            nearest = i;
         }
     }
-    return nearest.empty() ? "" : "; did you mean `" + nearest + "`?";
+    return nearest;
+}
+
+std::string Suggestion(std::string_view word, const std::vector<std::string>& known) {
+    const std::size_t nearest = NearestWord(word, known);
+    return nearest == known.size() ? "" : "; did you mean `" + known[nearest] + "`?";
 }
 
 std::string Alternatives(const std::vector<std::string>& words) {

@@ -10,6 +10,9 @@ namespace corv::cli {
 // words is near, else empty.
 std::string Suggestion(std::string_view word, const std::vector<std::string>& known);
 
+// The index of the known word that is nearest; their number when none is near.
+std::size_t NearestWord(std::string_view word, const std::vector<std::string>& known);
+
 // "draw, events or clock".
 std::string Alternatives(const std::vector<std::string>& words);
 

@@ -8,6 +8,9 @@ constexpr std::string_view kNoName = " \t\r\n,\"'";
 // Where the name at the front of the text ends: at its "=" or at the ":" of its type; npos when
 // there is no name.
 std::size_t NameEnd(std::string_view text) {
+    if (text.starts_with('(')) {
+        return std::string_view::npos;
+    }
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '=' || text[at] == ':') {
             return at;

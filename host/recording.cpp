@@ -43,7 +43,9 @@ Recording::Recording(const std::string& file_name, const OpenOptions& options)
     : file_name_(file_name), stream_(OpenStream(file_name, options)) {
     if (FAILED(CreateSignalContainer(signals_.Out(), nullptr)) ||
         FAILED(signals_->LoadFromReader(&Reader()))) {
-        throw std::runtime_error(file_name + ": its signals can't be read");
+        const std::string why = Problem();
+        throw std::runtime_error(file_name + ": its signals can't be read" +
+                                 (why.empty() ? "" : ": " + why));
     }
 }
 

@@ -1,13 +1,14 @@
 #include "host/replay.h"
 
 #include <algorithm>
-#include <array>
+#include <new>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
+#include "corv/stimulus/custom_stimulus.h"
 #include "corv/stremo/stream_details.h"
-#include "corv/stremo/stream_registry.h"
+#include "corv/typeinfo/type_info.h"
 #include "host/recording.h"
 #include "host/signal_name.h"
 #include "host/signal_trace.h"
@@ -24,7 +25,7 @@ std::int64_t Moved(std::int64_t time, std::int64_t by) {
 // The stimulus of a recorded signal, later by a shift.
 class ReplaySource final : public Source {
 public:
-    ReplaySource(std::unique_ptr<CStimulus> stimulus, std::int64_t shift, std::int64_t last)
+    ReplaySource(std::unique_ptr<CCustomStimulus> stimulus, std::int64_t shift, std::int64_t last)
         : stimulus_(std::move(stimulus)), shift_(shift), last_(last) {}
 
     std::int64_t NextEvent(std::int64_t time) override {
@@ -49,55 +50,65 @@ public:
 private:
     static constexpr std::int64_t kBefore = -1;
 
-    std::unique_ptr<CStimulus> stimulus_;
+    std::unique_ptr<CCustomStimulus> stimulus_;
     std::int64_t shift_;
     std::int64_t last_;
 };
 
-// The stimuli of all elements read the one recording, which is open until the end.
-std::string Register(const std::shared_ptr<Recording>& recording) {
-    static int number = 0;
-    const std::string name = "corv:replay:" + std::to_string(++number);
-    stremo::RegisterStream(name.c_str(), [recording] { return ShareStream(recording->Reader()); });
-    return name;
+// The source of one scalar. All those of a replay share what is read of the recording. An array
+// without elements, which is no scalar, and what the recording has no values of stay empty.
+std::unique_ptr<Source> MakeLeaf(const Recording& recording, ISignal& leaf, std::int64_t shift) {
+    auto stimulus = std::make_unique<CCustomStimulus>();
+    const int handle = leaf.GetHandle();
+    const KTypeInfo type{CString(leaf.GetTypeInfo())};
+    const bool scalar =
+        type.GetKind() != KTypeInfo::KindArray && type.GetKind() != KTypeInfo::KindRecord;
+    if (scalar && handle != -1 &&
+        stimulus->CreateFrom(ShareStream(recording.Reader()), handle) == 0) {
+        throw std::bad_alloc();
+    }
+    return std::make_unique<ReplaySource>(std::move(stimulus), shift, recording.LatestTime());
 }
 
-std::string NameOf(ISignal& signal) {
-    std::array<char, 4096> name{};
-    signal.GetFullName(name.data(), name.size());
-    return name.data();
+// Interest is told first, so that one reading serves all of them.
+std::vector<std::unique_ptr<Source>> MakeLeaves(const Recording& recording, ISignal& signal,
+                                                std::int64_t shift) {
+    const std::vector<ISignal*> leaves = LeavesOf(signal);
+    std::vector<int> handles;
+    for (ISignal* const leaf : leaves) {
+        handles.push_back(leaf->GetHandle());
+    }
+    SelectStreamSignals(recording.Reader(), handles.data(), static_cast<int>(handles.size()));
+    std::vector<std::unique_ptr<Source>> sources;
+    for (ISignal* const leaf : leaves) {
+        sources.push_back(MakeLeaf(recording, *leaf, shift));
+    }
+    return sources;
+}
+
+NamedSignal SelectOne(const Recording& recording, const std::string& file_name,
+                      const std::string& signal) {
+    auto selected = SelectSignals(recording.Signals(), signal);
+    if (selected.empty()) {
+        throw std::runtime_error(file_name + " has no signal `" + signal + "`");
+    }
+    if (selected.size() > 1) {
+        throw std::runtime_error("`" + signal + "` names " + std::to_string(selected.size()) +
+                                 " signals of " + file_name + "; name one signal, such as `" +
+                                 selected[0].name + "`");
+    }
+    return std::move(selected[0]);
 }
 
 }  // namespace
 
 Replay MakeReplay(const std::string& file_name, const std::string& signal, std::int64_t shift,
                   const OpenOptions& options) {
-    const auto recording = std::make_shared<Recording>(file_name, options);
-    const auto selected = SelectSignals(recording->Signals(), signal);
-    if (selected.size() != 1 || selected[0].slice) {
-        throw std::runtime_error(file_name + " has no signal `" + signal + "`");
-    }
-    ISignal& recorded = *selected[0].signal;
-    const std::vector<ISignal*> leaves = LeavesOf(recorded);
-    std::vector<int> handles;
-    for (ISignal* const leaf : leaves) {
-        handles.push_back(leaf->GetHandle());
-    }
-    SelectStreamSignals(recording->Reader(), handles.data(), static_cast<int>(handles.size()));
-    const std::string stream = Register(recording);
-    std::vector<std::unique_ptr<Source>> sources;
-    for (ISignal* const leaf : leaves) {
-        auto stimulus = std::make_unique<CStimulus>();
-        const std::string formula = "/custom " + stream + ", " + NameOf(*leaf);
-        if (stimulus->Create(formula.c_str(), 0) == 0) {
-            throw std::runtime_error(file_name + ": the signal `" + NameOf(*leaf) +
-                                     "` can't be replayed");
-        }
-        sources.push_back(
-            std::make_unique<ReplaySource>(std::move(stimulus), shift, recording->LatestTime()));
-    }
-    Replay replay{selected[0].name, nullptr, {}, recorded.GetTypeInfo()};
-    if (recorded.GetSubSignals() == nullptr) {
+    const Recording recording(file_name, options);
+    const NamedSignal selected = SelectOne(recording, file_name, signal);
+    auto sources = MakeLeaves(recording, *selected.signal, shift);
+    Replay replay{selected.name, nullptr, {}, selected.signal->GetTypeInfo()};
+    if (selected.signal->GetSubSignals() == nullptr) {
         replay.source = std::move(sources.at(0));
     } else {
         replay.shape = {static_cast<int>(sources.size()), true};

@@ -10,9 +10,9 @@
 
 namespace corv::host {
 
-// A recorded signal as a source of events, through a custom formula. The recording is registered
-// under a name of its own, so that the formula names no file: the user's is neither copied nor
-// deleted.
+// A recorded signal as a source of events, through custom stimuli. They are made from the open
+// recording and not from a name, so that the user's file is neither opened again nor deleted, and
+// that no name is taken for another signal's.
 struct Replay {
     std::string name;  // the signal's full name, as shown
     std::unique_ptr<Source> source;
@@ -22,8 +22,8 @@ struct Replay {
 
 // Events come `shift` picoseconds later than in the recording, those before 0 not at all.
 //
-// Throws std::runtime_error, with a sentence, when the recording can't be opened or has no such
-// signal.
+// Throws std::runtime_error, with a sentence, when the recording can't be opened, has no such
+// signal or the name is a pattern of several.
 Replay MakeReplay(const std::string& file_name, const std::string& signal, std::int64_t shift,
                   const OpenOptions& options = {});
 

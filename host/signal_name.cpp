@@ -3,90 +3,46 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdlib>
 #include <utility>
 
-#include "corv/signals/hierarchy_separator.h"
 #include "corv/typeinfo/type_builders.h"
 #include "corv/typeinfo/type_info.h"
-#include "corv/util/extended_id.h"
+#include "host/name_pattern.h"
+#include "host/name_symbols.h"
+#include "host/signal_trace.h"
 
 namespace corv::host {
 namespace {
 
-constexpr std::size_t kLongestName = 4096;
-
-char Lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// A backslash begins an extended identifier at the start of a level when another one closes it; the
-// separator may be a backslash too.
-std::size_t ExtendedLength(std::string_view rest, bool level_start) {
-    if (!level_start || !rest.starts_with('\\')) {
-        return 0;
-    }
-    for (std::size_t at = 1; at < rest.size(); ++at) {
-        if (rest[at] == '\\') {
-            if (at + 1 < rest.size() && rest[at + 1] == '\\') {
-                ++at;
-                continue;
-            }
-            return at > 1 ? at + 1 : 0;
-        }
-    }
-    return 0;
-}
-
-bool IsSeparator(char c) {
-    return c == '.' || c == '/' || c == HierarchySeparator();
-}
+constexpr std::size_t kUsualName = 512;         // most names are shorter
+constexpr std::size_t kLongestName = 1U << 24;  // nothing reads longer ones
 
 std::string Normal(std::string_view name, bool lower) {
     std::string out;
-    while (!name.empty() && IsSeparator(name[0]) && ExtendedLength(name, true) == 0) {
-        name.remove_prefix(1);
-    }
-    bool level_start = true;
-    while (!name.empty()) {
-        if (const std::size_t length = ExtendedLength(name, level_start)) {
-            out += name.substr(0, length);
-            name.remove_prefix(length);
-            level_start = false;
-            continue;
-        }
-        const char c = name[0];
-        name.remove_prefix(1);
-        level_start = IsSeparator(c);
-        out += level_start ? '.' : c == '[' ? '(' : c == ']' ? ')' : lower ? Lower(c) : c;
-    }
+    ForEachSymbol(WithoutLeadingSeparators(name), true,
+                  [&](char c, bool extended) { out += lower && !extended ? LowerCase(c) : c; });
     return out;
 }
 
 std::string FullName(ISignal& signal) {
-    std::array<char, kLongestName> name{};
-    return SUCCEEDED(signal.GetFullName(name.data(), name.size())) ? name.data() : "";
-}
-
-// Calls an action with each signal, members below their composite, until it gives false.
-template <class Action>
-bool Walk(ISignalContainer& signals, Action& action) {
-    ISignal* signal = nullptr;
-    for (std::uint32_t i = 0; SUCCEEDED(signals.GetAt(i, &signal)); ++i) {
-        if (!action(*signal)) {
-            return false;
-        }
-        if (ISignalContainer* const members = signal->GetSubSignals()) {
-            if (!Walk(*members, action)) {
-                return false;
-            }
+    std::array<char, kUsualName> name;
+    if (SUCCEEDED(signal.GetFullName(name.data(), name.size()))) {
+        return name.data();
+    }
+    for (std::size_t size = kUsualName * 8; size <= kLongestName; size *= 8) {
+        std::string longer(size, '\0');
+        if (SUCCEEDED(signal.GetFullName(longer.data(), static_cast<std::uint32_t>(size)))) {
+            return longer.c_str();
         }
     }
-    return true;
+    return {};
 }
 
-// "a(7 downto 4)" as its parts.
+// "a(7 downto 4)" or "a[7:4]" as its parts.
 struct SliceName {
     std::string base;
+    std::string text;  // what stands behind it, "(7 downto 4)"
     int left = 0;
     int right = 0;
 };
@@ -105,63 +61,190 @@ std::optional<int> Number(std::string_view text) {
                : std::nullopt;
 }
 
-std::optional<SliceName> ReadSlice(std::string_view plain) {
-    const std::size_t open = plain.rfind('(');
-    if (!plain.ends_with(')') || open == std::string_view::npos) {
+std::optional<SliceName> ReadSlice(std::string_view name) {
+    const std::string shown = ShownName(name);
+    const std::size_t open = shown.rfind('(');
+    const std::size_t begin = name.find_last_of("([");
+    if (!shown.ends_with(')') || open == std::string::npos || begin == std::string_view::npos) {
         return std::nullopt;
     }
-    const std::string_view inside = plain.substr(open + 1, plain.size() - open - 2);
+    const std::string inside = PlainName(shown.substr(open + 1, shown.size() - open - 2));
     for (const std::string_view between : {":", " downto ", " to "}) {
         const std::size_t at = inside.find(between);
-        if (at == std::string_view::npos) {
+        if (at == std::string::npos) {
             continue;
         }
-        const auto left = Number(inside.substr(0, at));
-        const auto right = Number(inside.substr(at + between.size()));
-        return left && right
-                   ? std::optional(SliceName{std::string(plain.substr(0, open)), *left, *right})
-                   : std::nullopt;
+        const auto left = Number(std::string_view(inside).substr(0, at));
+        const auto right = Number(std::string_view(inside).substr(at + between.size()));
+        return left && right ? std::optional(SliceName{std::string(name.substr(0, begin)),
+                                                       shown.substr(open), *left, *right})
+                             : std::nullopt;
     }
     return std::nullopt;
+}
+
+// Gives the scalars of one signal the waves of another one of the same type.
+bool ShareWaves(ISignal& signal, ISignal& original) {
+    const std::vector<ISignal*> leaves = LeavesOf(signal);
+    const std::vector<ISignal*> originals = LeavesOf(original);
+    bool shared = leaves.size() == originals.size();
+    for (std::size_t i = 0; shared && i < leaves.size(); ++i) {
+        shared = SUCCEEDED(leaves[i]->SetWave(originals[i]->GetWave()));
+        leaves[i]->SetHandle(originals[i]->GetHandle());
+    }
+    return shared;
 }
 
 // A signal of some elements of an array, which has their waves.
 frame::ComPtr<ISignal> MakeSlice(ISignal& array, const SliceName& slice) {
     const KTypeInfo type{CString(array.GetTypeInfo())};
+    const std::int64_t count = std::abs(std::int64_t{slice.left} - slice.right) + 1;
+    if (array.GetSubSignals() == nullptr || type.GetNbOfDimensions() != 1 ||
+        count > static_cast<std::int64_t>(type.GetNbOfElements())) {
+        return {};
+    }
     const TArrayRange range{slice.left, slice.right};
     CString base = type.GetTypeIdentifier();
     base = base.Left(std::max(base.Find('('), 0));
-    std::array<char, 2048> text{};
-    std::uint32_t size = text.size();
+    const auto build = [&](char* buffer, std::uint32_t* size) {
+        return CreateArrayTypeInfo(base, &range, 1, type.GetArrayElementTypeInfo(), buffer, size);
+    };
+    std::uint32_t size = 0;
+    build(nullptr, &size);
+    std::string text(size, '\0');
     frame::ComPtr<ISignal> made;
-    if (type.GetNbOfDimensions() != 1 ||
-        FAILED(CreateArrayTypeInfo(base, &range, 1, type.GetArrayElementTypeInfo(), text.data(),
-                                   &size)) ||
-        FAILED(CreateSignal(text.data(), nullptr, made.Out()))) {
+    if (size == 0 || FAILED(build(text.data(), &size)) ||
+        FAILED(CreateSignal(text.c_str(), nullptr, made.Out()))) {
         return {};
     }
     ISignal* element = nullptr;
     for (std::uint32_t i = 0; SUCCEEDED(made->GetSubSignals()->GetAt(i, &element)); ++i) {
         ISignal* original = nullptr;
         if (FAILED(array.GetSubSignals()->FindSignal(element->GetName(), &original)) ||
-            FAILED(element->SetWave(original->GetWave()))) {
+            !ShareWaves(*element, *original)) {
             return {};
         }
-        element->SetHandle(original->GetHandle());
     }
     return made;
 }
 
-ISignal* FindPlain(ISignalContainer& signals, std::string_view plain) {
-    ISignal* found = nullptr;
-    auto look = [&](ISignal& signal) {
-        if (PlainName(FullName(signal)) == plain) {
-            found = &signal;
+// Searches for a name, written exactly so first, among the signals of a container before among
+// their members.
+class NameSearch {
+public:
+    explicit NameSearch(std::string_view name) : shown_(ShownName(name)), plain_(PlainName(name)) {}
+
+    ISignal* In(ISignalContainer& signals) {
+        Look(signals, true);
+        return *std::find_if(found_.begin(), found_.end() - 1,
+                             [](const ISignal* signal) { return signal != nullptr; });
+    }
+
+private:
+    void Look(ISignalContainer& signals, bool declared) {
+        ISignal* signal = nullptr;
+        for (std::uint32_t i = 0; SUCCEEDED(signals.GetAt(i, &signal)); ++i) {
+            const std::string shown = ShownName(FullName(*signal));
+            const std::string plain = PlainName(shown);
+            if (plain == plain_) {
+                ISignal*& place = found_[(shown == shown_ ? 0 : 2) + (declared ? 0 : 1)];
+                place = place != nullptr ? place : signal;
+            } else if (signal->GetSubSignals() != nullptr && plain_.starts_with(plain)) {
+                Look(*signal->GetSubSignals(), false);
+            }
         }
-        return found == nullptr;
-    };
-    Walk(signals, look);
-    return found;
+    }
+
+    std::string shown_;
+    std::string plain_;
+    std::array<ISignal*, 4> found_{};
+};
+
+// Takes the signals that match a pattern; below one that does not, its members that do.
+class PatternSearch {
+public:
+    explicit PatternSearch(const NamePattern& pattern) : pattern_(pattern) {}
+
+    std::vector<NamedSignal> In(ISignalContainer& signals) {
+        ISignal* signal = nullptr;
+        for (std::uint32_t i = 0; SUCCEEDED(signals.GetAt(i, &signal)); ++i) {
+            const std::string name = FullName(*signal);
+            NamePattern::State state = pattern_.Start();
+            pattern_.Advance(state, name, false);
+            Take(*signal, name, state);
+        }
+        return std::move(selected_);
+    }
+
+private:
+    void Take(ISignal& signal, const std::string& name, const NamePattern::State& state) {
+        if (pattern_.Accepts(state)) {
+            selected_.push_back({ShownName(name), &signal, {}});
+        } else if (signal.GetSubSignals() != nullptr && !state.empty()) {
+            TakeMembers(*signal.GetSubSignals(), name, state);
+        }
+    }
+
+    void TakeMembers(ISignalContainer& members, const std::string& parent,
+                     const NamePattern::State& before) {
+        ISignal* member = nullptr;
+        for (std::uint32_t i = 0; SUCCEEDED(members.GetAt(i, &member)); ++i) {
+            const std::string name = FullName(*member);
+            const std::string_view own =
+                std::string_view(name).substr(std::min(parent.size(), name.size()));
+            NamePattern::State state = before;
+            pattern_.Advance(state, own.substr(0, 1), true);
+            if (state.empty()) {
+                return;  // as for all of them
+            }
+            state = before;
+            pattern_.Advance(state, own, true);
+            Take(*member, name, state);
+        }
+    }
+
+    const NamePattern& pattern_;
+    std::vector<NamedSignal> selected_;
+};
+
+std::vector<NamedSignal> FindMatching(ISignalContainer& signals, std::string_view name,
+                                      NamePattern::Brackets brackets) {
+    const NamePattern pattern(name, brackets);
+    if (pattern.HasWildcards()) {
+        return PatternSearch(pattern).In(signals);
+    }
+    std::vector<NamedSignal> selected;
+    if (ISignal* const found = NameSearch(name).In(signals)) {
+        selected.push_back({ShownName(FullName(*found)), found, {}});
+    }
+    return selected;
+}
+
+// Names of signals, each followed by those of its fields.
+void AddNames(ISignalContainer& signals, std::size_t most, std::vector<std::string>& names) {
+    ISignal* signal = nullptr;
+    for (std::uint32_t i = 0; SUCCEEDED(signals.GetAt(i, &signal)) && names.size() < most; ++i) {
+        const std::string name = FullName(*signal);
+        if (name.ends_with(')') && signal->GetParent() != nullptr) {
+            return;  // elements
+        }
+        names.push_back(ShownName(name));
+        if (signal->GetSubSignals() != nullptr) {
+            AddNames(*signal->GetSubSignals(), most, names);
+        }
+    }
+}
+
+// The same slice of each array.
+std::vector<NamedSignal> SlicesOf(const std::vector<NamedSignal>& arrays, const SliceName& slice) {
+    std::vector<NamedSignal> slices;
+    for (const NamedSignal& array : arrays) {
+        if (auto made = MakeSlice(*array.signal, slice)) {
+            ISignal* const signal = made.get();
+            slices.push_back({array.name + slice.text, signal, std::move(made)});
+        }
+    }
+    return slices;
 }
 
 }  // namespace
@@ -173,62 +256,37 @@ std::string ShownName(std::string_view name) {
     return Normal(name, false);
 }
 
-bool FitsGlob(std::string_view name, std::string_view pattern) {
-    if (pattern.empty()) {
-        return name.empty();
-    }
-    if (pattern[0] != '*') {
-        return !name.empty() && name[0] == pattern[0] &&
-               FitsGlob(name.substr(1), pattern.substr(1));
-    }
-    const bool across = pattern.starts_with("**");
-    const std::string_view rest = pattern.substr(across ? 2 : 1);
-    for (std::size_t taken = 0;; ++taken) {
-        if (FitsGlob(name.substr(taken), rest)) {
-            return true;
-        }
-        if (taken == name.size() || (!across && (name[taken] == '.' || name[taken] == '('))) {
-            return false;
-        }
-    }
+bool IsPattern(std::string_view name) {
+    return NamePattern(name).HasWildcards();
 }
 
 std::vector<NamedSignal> SelectSignals(ISignalContainer& signals, const std::string& pattern) {
-    const std::string plain = PlainName(pattern);
-    std::vector<NamedSignal> selected;
-    if (plain.find('*') != std::string::npos) {
-        auto take = [&](ISignal& signal) {
-            const std::string name = FullName(signal);
-            if (FitsGlob(PlainName(name), plain)) {
-                selected.push_back({ShownName(name), &signal, {}});
-            }
-            return true;
-        };
-        Walk(signals, take);
-        return selected;
-    }
-    if (ISignal* const found = FindPlain(signals, plain)) {
+    if (ISignal* const found = NameSearch(pattern).In(signals)) {
+        std::vector<NamedSignal> selected;
         selected.push_back({ShownName(FullName(*found)), found, {}});
         return selected;
     }
-    const auto slice = ReadSlice(plain);
-    ISignal* const array = slice ? FindPlain(signals, slice->base) : nullptr;
-    if (array != nullptr && array->GetSubSignals() != nullptr) {
-        if (auto made = MakeSlice(*array, *slice)) {
-            ISignal* const signal = made.get();
-            selected.push_back({ShownName(pattern), signal, std::move(made)});
+    if (const auto slice = ReadSlice(pattern)) {
+        auto slices =
+            SlicesOf(FindMatching(signals, slice->base, NamePattern::Brackets::Elements), *slice);
+        if (!slices.empty()) {
+            return slices;
         }
     }
-    return selected;
+    for (const auto brackets : {NamePattern::Brackets::Elements, NamePattern::Brackets::Sets}) {
+        const NamePattern compiled(pattern, brackets);
+        auto selected = compiled.HasWildcards() ? PatternSearch(compiled).In(signals)
+                                                : std::vector<NamedSignal>();
+        if (!selected.empty()) {
+            return selected;
+        }
+    }
+    return {};
 }
 
-std::vector<std::string> AllNames(ISignalContainer& signals, std::size_t most) {
+std::vector<std::string> DeclaredNames(ISignalContainer& signals, std::size_t most) {
     std::vector<std::string> names;
-    auto take = [&](ISignal& signal) {
-        names.push_back(ShownName(FullName(signal)));
-        return names.size() < most;
-    };
-    Walk(signals, take);
+    AddNames(signals, most, names);
     return names;
 }
 

@@ -8,6 +8,7 @@
 
 #include "corv/platform/cstring.h"
 #include "corv/typeinfo/type_builders.h"
+#include "host/formula_words.h"
 
 namespace corv::host {
 namespace {
@@ -100,6 +101,25 @@ std::optional<std::string> InferType(const std::set<std::string>& values) {
     return all(IsIdentifier) && names.size() == values.size()
                ? std::optional(EnumType({values.begin(), values.end()}))
                : std::nullopt;
+}
+
+std::vector<FormulaProblem> StrayLetters(const std::string& formula) {
+    std::vector<FormulaProblem> stray;
+    std::set<std::string> values;
+    bool bits = false;
+    for (const WordPlace place : ValueWords(formula)) {
+        const std::string word = formula.substr(place.position, place.length);
+        const std::string_view letter = WithoutQuotes(word);
+        values.insert(word);
+        bits |= letter == "0" || letter == "1";
+        if (letter.size() == 1 && !IsLogic(word)) {
+            stray.push_back({place.position, place.length, FormulaProblem::Severity::Warning,
+                             "`" + word +
+                                 "` is not a value of std_logic, which has U, X, 0, 1, "
+                                 "Z, W, L, H and -"});
+        }
+    }
+    return bits && !InferType(values) ? stray : std::vector<FormulaProblem>();
 }
 
 std::string CharacterType(std::string_view characters) {

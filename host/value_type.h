@@ -4,13 +4,20 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "corv/stimulus/check_formula.h"
 
 namespace corv::host {
 
 // The type-description string of the values that a formula has, when it doesn't say a type:
 // std_logic where all of them are one of its letters, else integer, real, or an enumeration of
-// identifiers. Nothing when they are values of no one of these.
+// identifiers. Nothing when none of these fits.
 std::optional<std::string> InferType(const std::set<std::string>& values);
+
+// Warnings about single characters that are no values of std_logic, where others of the formula's
+// values are 0 or 1 and all of them together have no type: "0 0, Q 5ns".
+std::vector<FormulaProblem> StrayLetters(const std::string& formula);
 
 // An enumeration with a literal for each character.
 std::string CharacterType(std::string_view characters);

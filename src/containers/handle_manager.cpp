@@ -1,15 +1,13 @@
 #include "containers/handle_manager.h"
 
+#include <bit>
+
 #include "corv/signals/signal.h"
+#include "frame/com_class.h"
 #include "platform/guard.h"
+#include "signals/signal.h"
 
 namespace corv::containers {
-namespace {
-
-// A handle with more signals becomes crowded.
-constexpr std::size_t kMostLookedThrough = 16;
-
-}  // namespace
 
 int CORV_CALL HandleManager::GetFirstHandle() noexcept {
     next_handle_ = std::numeric_limits<int>::min();
@@ -17,16 +15,21 @@ int CORV_CALL HandleManager::GetFirstHandle() noexcept {
 }
 
 int CORV_CALL HandleManager::GetNextHandle() noexcept {
-    const auto next = next_handle_ == kNoHandle
-                          ? entries_.end()
-                          : entries_.lower_bound({static_cast<int>(next_handle_), 0});
-    if (next == entries_.end()) {
-        next_handle_ = kNoHandle;
+    if (next_handle_ == kNoHandle) {
         return -1;
     }
-    const int handle = next->first.first;
-    next_handle_ = std::int64_t{handle} + 1;
-    return handle;
+    const int from = static_cast<int>(next_handle_);
+    for (auto page = pages_.lower_bound(from >> kPageBits); page != pages_.end(); ++page) {
+        const bool is_first = page->first == from >> kPageBits;
+        const std::uint32_t left = page->second.used & (is_first ? ~(BitOf(from) - 1) : ~0U);
+        if (left != 0) {
+            const int handle = page->first * kPageSize + std::countr_zero(left);
+            next_handle_ = std::int64_t{handle} + 1;
+            return handle;
+        }
+    }
+    next_handle_ = kNoHandle;
+    return -1;
 }
 
 ISignal* CORV_CALL HandleManager::GetFirstSignal(int handle) noexcept {
@@ -35,17 +38,14 @@ ISignal* CORV_CALL HandleManager::GetFirstSignal(int handle) noexcept {
 }
 
 ISignal* CORV_CALL HandleManager::GetNextSignal() noexcept {
-    for (;;) {
-        const auto next = entries_.lower_bound(next_signal_);
-        if (next == entries_.end() || next->first.first != next_signal_.first) {
-            next_signal_.second = kPastLast;
-            return nullptr;
-        }
-        next_signal_.second = next->first.second + 1;
-        if (next->second->GetHandle() != -1) {
-            return next->second;
+    while (ISignal* const signal = FindFrom(next_signal_)) {
+        ++next_signal_.second;
+        if (signal->GetHandle() != -1) {
+            return signal;
         }
     }
+    next_signal_.second = kPastLast;
+    return nullptr;
 }
 
 HRESULT CORV_CALL HandleManager::AddSignal(ISignal* signal) noexcept {
@@ -53,98 +53,170 @@ HRESULT CORV_CALL HandleManager::AddSignal(ISignal* signal) noexcept {
     if (handle == -1 || signal->GetWave() == nullptr) {
         return E_INVALIDARG;
     }
-    const Group group = FindGroup(handle, signal);
-    if (group.found != entries_.end()) {
+    if (FindListing(*signal, handle) != nullptr) {
         return S_OK;
     }
-    return platform::Done([&] { Append(handle, signal, group); }) ? S_OK : E_OUTOFMEMORY;
+    return platform::Done([&] { List(*signal, handle); }) ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT CORV_CALL HandleManager::RemoveSignal(ISignal* signal) noexcept {
     const int handle = signal != nullptr ? signal->GetHandle() : -1;
-    const Group group = FindGroup(handle, signal);
-    if (group.found == entries_.end()) {
+    const Listing* const listing = handle != -1 ? FindListing(*signal, handle) : nullptr;
+    if (listing == nullptr) {
         return E_FAIL;
     }
-    if (group.is_crowded) {
-        crowded_.erase({handle, signal});
-    }
-    entries_.erase(group.found);
+    Drop(*listing);
+    Unlist(*signal, handle);
     return S_OK;
 }
 
 HRESULT CORV_CALL HandleManager::RemoveHandle(int handle) noexcept {
-    const auto first = entries_.lower_bound({handle, 0});
-    const auto last = entries_.upper_bound({handle, kPastLast});
-    if (first == last) {
-        return E_FAIL;
+    HRESULT result = E_FAIL;
+    Place first{handle, 0};
+    while (ISignal* const signal = FindFrom(first)) {
+        Drop(*FindListing(*signal, handle));
+        Unlist(*signal, handle);
+        result = S_OK;
     }
-    ForgetCrowd(handle);
-    entries_.erase(first, last);
-    return S_OK;
+    return result;
 }
 
+// Signals of other makes leave first: what is known of them is enough for that.
 void CORV_CALL HandleManager::RemoveAll() noexcept {
+    strangers_.clear();
+    for (auto& [number, page] : pages_) {
+        for (ISignal* const signal : page.signals) {
+            if (signal != nullptr) {
+                static_cast<CSignal*>(signal)->Listed().Forget(*this);
+            }
+        }
+    }
+    for (const auto& [place, signal] : crowded_) {
+        static_cast<CSignal*>(signal)->Listed().Forget(*this);
+    }
+    pages_.clear();
     crowded_.clear();
-    entries_.clear();
+    last_page_.second = nullptr;
 }
 
-bool HandleManager::IsCrowded(int handle) const noexcept {
-    if (crowded_.empty()) {
-        return false;
-    }
-    const auto first = crowded_.lower_bound({handle, nullptr});
-    return first != crowded_.end() && first->first.first == handle;
+HandleManager* HandleManager::FromOwn(IHandleManager& manager) noexcept {
+    static const void* const own_class = frame::ClassOf(HandleManager());
+    return frame::ClassOf(manager) == own_class ? static_cast<HandleManager*>(&manager) : nullptr;
 }
 
-HandleManager::Group HandleManager::FindGroup(int handle, ISignal* signal) noexcept {
-    Group group{entries_.end(), entries_.end()};
-    group.is_crowded = IsCrowded(handle);
-    if (group.is_crowded) {
-        const auto found = crowded_.find({handle, signal});
-        group.found = found != crowded_.end() ? found->second : entries_.end();
-        group.end = entries_.upper_bound({handle, kPastLast});
-        return group;
+void HandleManager::Forget(ISignal& signal) noexcept {
+    if (Listings* const listings = FindListings(signal)) {
+        listings->Leave(*this);
     }
-    group.end = entries_.lower_bound({handle, 0});
-    for (; group.end != entries_.end() && group.end->first.first == handle; ++group.end) {
-        group.found = group.end->second == signal ? group.end : group.found;
-        ++group.size;
-    }
-    return group;
+    strangers_.erase(&signal);
 }
 
-void HandleManager::Append(int handle, ISignal* signal, const Group& group) {
-    const auto added = entries_.emplace_hint(group.end, Place{handle, last_number_ + 1}, signal);
-    ++last_number_;
-    try {
-        if (group.is_crowded) {
-            crowded_.emplace(SignalKey{handle, signal}, added);
-        } else if (group.size >= kMostLookedThrough) {
-            Crowd(handle);
+void HandleManager::Drop(const Listing& listing) noexcept {
+    const int handle = listing.handle;
+    Page& page = *FindPage(handle);
+    if (page.At(handle) == nullptr) {
+        crowded_.erase({handle, listing.number});
+        const auto left = crowded_.lower_bound({handle, 0});
+        if (left != crowded_.end() && left->first.first == handle) {
+            return;
         }
+    }
+    page.At(handle) = nullptr;
+    page.used &= ~BitOf(handle);
+    EndPage(handle);
+}
+
+HandleManager::Page* HandleManager::FindPage(int handle) noexcept {
+    const int number = handle >> kPageBits;
+    if (last_page_.second == nullptr || last_page_.first != number) {
+        const auto found = pages_.find(number);
+        if (found == pages_.end()) {
+            return nullptr;
+        }
+        last_page_ = {number, &found->second};
+    }
+    return last_page_.second;
+}
+
+ISignal* HandleManager::FindFrom(Place& place) noexcept {
+    Page* const page = FindPage(place.first);
+    if (page == nullptr || (page->used & BitOf(place.first)) == 0) {
+        return nullptr;
+    }
+    if (ISignal* const only = page->At(place.first)) {
+        const std::uint64_t number = FindListing(*only, place.first)->number;
+        const bool is_to_come = number >= place.second;
+        place.second = is_to_come ? number : place.second;
+        return is_to_come ? only : nullptr;
+    }
+    const auto next = crowded_.lower_bound(place);
+    if (next == crowded_.end() || next->first.first != place.first) {
+        return nullptr;
+    }
+    place = next->first;
+    return next->second;
+}
+
+// Nothing is asked of a signal of another make.
+Listings* HandleManager::FindListings(ISignal& signal) noexcept {
+    const auto stranger = strangers_.empty() ? strangers_.end() : strangers_.find(&signal);
+    if (stranger != strangers_.end()) {
+        return &stranger->second;
+    }
+    CSignal* const own = CSignal::FromOwn(signal);
+    return own != nullptr ? &own->Listed() : nullptr;
+}
+
+const Listing* HandleManager::FindListing(ISignal& signal, int handle) noexcept {
+    const Listings* const listings = FindListings(signal);
+    return listings != nullptr ? listings->Find(*this, handle) : nullptr;
+}
+
+void HandleManager::List(ISignal& signal, int handle) {
+    Listings* const known = FindListings(signal);
+    Listings& listings = known != nullptr ? *known : strangers_[&signal];
+    const Listing listing{this, handle, last_number_ + 1};
+    try {
+        listings.Add(listing);
+        Enter(signal, listing);
     } catch (...) {
-        entries_.erase(added);
+        Unlist(signal, handle);
+        EndPage(handle);
         throw;
     }
+    last_number_ = listing.number;
 }
 
-void HandleManager::Crowd(int handle) {
-    try {
-        const auto end = entries_.upper_bound({handle, kPastLast});
-        for (auto at = entries_.lower_bound({handle, 0}); at != end; ++at) {
-            crowded_.emplace(SignalKey{handle, at->second}, at);
-        }
-    } catch (...) {
-        ForgetCrowd(handle);
-        throw;
+void HandleManager::Enter(ISignal& signal, const Listing& listing) {
+    const int handle = listing.handle;
+    Page& page = pages_[handle >> kPageBits];
+    if ((page.used & BitOf(handle)) == 0) {
+        page.At(handle) = &signal;
+        page.used |= BitOf(handle);
+        return;
+    }
+    if (ISignal* const only = page.At(handle)) {
+        crowded_.emplace(Place{handle, FindListing(*only, handle)->number}, only);
+        page.At(handle) = nullptr;
+    }
+    crowded_.emplace(Place{handle, listing.number}, &signal);
+}
+
+void HandleManager::Unlist(ISignal& signal, int handle) noexcept {
+    Listings& listings = *FindListings(signal);
+    if (const Listing* const listing = listings.Find(*this, handle)) {
+        listings.Remove(*listing);
+    }
+    if (listings.IsEmpty()) {
+        strangers_.erase(&signal);
     }
 }
 
-void HandleManager::ForgetCrowd(int handle) noexcept {
-    auto at = crowded_.lower_bound({handle, nullptr});
-    while (at != crowded_.end() && at->first.first == handle) {
-        at = crowded_.erase(at);
+void HandleManager::EndPage(int handle) noexcept {
+    const Page* const page = FindPage(handle);
+    if (page != nullptr && page->used == 0) {
+        last_page_.second = nullptr;
+        pages_.erase(handle >> kPageBits);
     }
 }
 

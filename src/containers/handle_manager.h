@@ -1,28 +1,32 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <map>
 #include <utility>
 
+#include "containers/listings.h"
 #include "corv/containers/handle_manager.h"
 #include "corv/frame/interface_ids.h"
 #include "frame/com_object.h"
 
 namespace corv::containers {
 
-// All registrations stand in one map, by handle and within a handle by the number that each gets
-// when it is made. The few signals that a handle usually has are looked through one by one; a
-// handle with more of them is crowded: its signals are found through a second map.
+// The only signal of a handle stands in a page of neighbouring handles. A handle that gets a second
+// one is crowded, until it has none: its signals stand in one map with those of the other crowded
+// handles, by handle and within a handle by the number that each gets when it is listed.
 //
-// The cursors are places in the order of the map, not in its nodes, and so mean something after any
-// change.
+// Each signal knows where it is listed, so that none outlives itself here; for signals that others
+// have made, which don't, the manager keeps that.
+//
+// The cursors are a handle and a number, and so mean something after any change.
 class HandleManager final
     : public frame::ComObject<HandleManager, IHandleManager, IID_IHandleManager> {
 public:
     HandleManager() noexcept = default;
+    ~HandleManager() { RemoveAll(); }
 
     int CORV_CALL GetFirstHandle() noexcept override;
     int CORV_CALL GetNextHandle() noexcept override;
@@ -33,41 +37,54 @@ public:
     HRESULT CORV_CALL RemoveHandle(int handle) noexcept override;
     void CORV_CALL RemoveAll() noexcept override;
 
+    // A manager as one of this class; null when others have made it.
+    static HandleManager* FromOwn(IHandleManager& manager) noexcept;
+
+    // Removes a signal from the lists of all handles.
+    void Forget(ISignal& signal) noexcept;
+    // Removes one entry, of which the signal itself is not told.
+    void Drop(const Listing& listing) noexcept;
+
 private:
+    static constexpr int kPageBits = 5;
+    static constexpr int kPageSize = 1 << kPageBits;
+    // Neighbouring handles of which one at least is in use.
+    struct Page {
+        ISignal*& At(int handle) noexcept {
+            return signals[static_cast<std::size_t>(handle) % kPageSize];
+        }
+        std::array<ISignal*, kPageSize> signals{};  // null for a handle that is crowded or unused
+        std::uint32_t used = 0;                     // a bit for each handle
+    };
     // Ordered by handle, then by number; numbers rise from 1 and never come again.
     using Place = std::pair<int, std::uint64_t>;
-    using Entries = std::map<Place, ISignal*>;
-    using SignalKey = std::pair<int, ISignal*>;
-    struct SignalOrder {
-        bool operator()(const SignalKey& a, const SignalKey& b) const noexcept {
-            return a.first != b.first ? a.first < b.first
-                                      : std::less<ISignal*>()(a.second, b.second);
-        }
-    };
-    using Crowded = std::map<SignalKey, Entries::iterator, SignalOrder>;
 
     static constexpr std::uint64_t kPastLast = std::numeric_limits<std::uint64_t>::max();
     static constexpr std::int64_t kNoHandle = std::int64_t{std::numeric_limits<int>::max()} + 1;
 
-    // A handle's registrations, and where one of its signals was found (the end: nowhere).
-    struct Group {
-        Entries::iterator end;
-        Entries::iterator found;
-        std::size_t size = 0;  // not counted when crowded
-        bool is_crowded = false;
-    };
-    Group FindGroup(int handle, ISignal* signal) noexcept;
-    bool IsCrowded(int handle) const noexcept;
-    void Append(int handle, ISignal* signal, const Group& group);
-    // Gives a handle with too many signals its second map, or leaves all as it was and throws.
-    void Crowd(int handle);
-    void ForgetCrowd(int handle) noexcept;
+    static std::uint32_t BitOf(int handle) noexcept {
+        return std::uint32_t{1} << (static_cast<std::uint32_t>(handle) % kPageSize);
+    }
+    // Null when none of its handles is in use.
+    Page* FindPage(int handle) noexcept;
+    // The entry of the place or the next of that handle, to which the place is moved; null: none.
+    ISignal* FindFrom(Place& place) noexcept;
+    // Null when the signal has none.
+    Listings* FindListings(ISignal& signal) noexcept;
+    const Listing* FindListing(ISignal& signal, int handle) noexcept;
+    // Throws, with nothing changed, without memory.
+    void List(ISignal& signal, int handle);
+    void Enter(ISignal& signal, const Listing& listing);
+    void Unlist(ISignal& signal, int handle) noexcept;
+    void EndPage(int handle) noexcept;
 
-    Entries entries_;
+    std::map<int, Page> pages_;             // by their handles but for the last bits
     std::int64_t next_handle_ = kNoHandle;  // the smallest that GetNextHandle may give
     Place next_signal_{0, kPastLast};       // of the handle's, the first that is to come
-    Crowded crowded_;                       // all signals of the crowded handles
+    std::map<Place, ISignal*> crowded_;
+    std::map<ISignal*, Listings> strangers_;  // signals of other makes that are listed
     std::uint64_t last_number_ = 0;
+    std::pair<int, Page*> last_page_{0, nullptr};  // of all that are in use
 };
 
 }  // namespace corv::containers

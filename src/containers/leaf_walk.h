@@ -12,7 +12,7 @@ namespace corv::containers {
 // itself: it goes only so deep and visits only so many signals.
 class LeafWalk {
 public:
-    // Calls `enter` with each container of members before these are visited, and `leaf` with each
+    // Calls `enter` with each composite signal before its members are visited, and `leaf` with each
     // leaf until that gives false. Gives whether it never did.
     template <class Enter, class Leaf>
     bool Visit(ISignal& signal, const Enter& enter, const Leaf& leaf) {
@@ -24,7 +24,7 @@ public:
             return true;
         }
         ++depth_;
-        enter(*members);
+        enter(signal);
         ISignal* member = nullptr;
         bool more = true;
         for (std::uint32_t i = 0; more && left_ > 0 && SUCCEEDED(members->GetAt(i, &member)); ++i) {

@@ -11,9 +11,6 @@
 namespace corv::containers {
 namespace {
 
-// Signals of a long list.
-constexpr std::size_t kLong = 4096;
-
 bool IsNamed(ISignal& signal, std::string_view text) noexcept {
     const char* name = signal.GetName();
     if (name == nullptr) {
@@ -49,14 +46,8 @@ void NameIndex::Watch(ISignal& signal) noexcept {
 }
 
 void NameIndex::Follow(const SignalList& signals) noexcept {
-    if (!is_watching_) {
-        return;
-    }
-    const bool is_filled = indexed_ > 0 && renamings_ == Renamings();
-    Reserve(signals.size());
-    if (IsUsable(signals) && (is_filled ? signals.size() > kLong : signals.size() == kLong)) {
-        renamings_ = Renamings();
-        Fill(signals);
+    if (is_watching_) {
+        Reserve(signals.size());
     }
 }
 

@@ -17,9 +17,8 @@ ISignal* FindByLooking(const SignalList& signals, std::string_view name) noexcep
 // Finds the signals of one list by name, without a look at each, as long as all of them let their
 // names be watched. Finding takes no memory.
 //
-// The index of a long list is kept filled while signals are only appended. After any other change,
-// and for shorter lists always, it is filled when that pays: the list is looked through until this
-// has cost as much.
+// The index is filled when that pays: the list is looked through until this has cost as much.
+// Signals that are appended afterwards are filled in; any other change empties it.
 class NameIndex {
 public:
     // A shorter list is looked through faster.

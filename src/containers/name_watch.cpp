@@ -1,30 +1,30 @@
 #include "containers/name_watch.h"
 
-#include "frame/com_class.h"
+#include <atomic>
+
 #include "signals/signal.h"
 
 namespace corv::containers {
 namespace {
 
-constinit std::uint64_t renamings = 0;
+constinit std::atomic<std::uint64_t> renamings = 0;
 
 }  // namespace
 
 std::uint64_t Renamings() noexcept {
-    return renamings;
+    return renamings.load(std::memory_order_relaxed);
 }
 
 void CountRenaming() noexcept {
-    ++renamings;
+    renamings.fetch_add(1, std::memory_order_relaxed);
 }
 
 bool WatchName(ISignal& signal) noexcept {
-    static const void* const own_class = frame::ClassOf(CSignal(nullptr));
-    if (frame::ClassOf(signal) != own_class) {
-        return false;
+    CSignal* const own = CSignal::FromOwn(signal);
+    if (own != nullptr) {
+        own->WatchName();
     }
-    static_cast<CSignal&>(signal).WatchName();
-    return true;
+    return own != nullptr;
 }
 
 }  // namespace corv::containers

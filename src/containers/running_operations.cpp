@@ -1,18 +1,19 @@
 #include "containers/running_operations.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
 #include "frame/com_object.h"
 #include "signals/signal.h"
+#include "stremo/stream_error.h"
 
 namespace corv::containers {
 namespace {
 
-constexpr int kMostSignals = 1'048'576;  // of one load from a recording
-constexpr std::uint32_t kStdLogic = 1;   // the number of the standard type
+constexpr std::uint32_t kStdLogic = 1;  // the number of the standard type
 
-constinit RunningOperations running;
+constinit thread_local RunningOperations running;
 
 }  // namespace
 
@@ -27,8 +28,15 @@ HRESULT StdLogicMaker::Make(ISignal** signal) noexcept {
     if (SUCCEEDED(result)) {
         result = static_cast<CSignal&>(*made).ApplyTypeOf(static_cast<CSignal&>(*first_));
     }
+    if (SUCCEEDED(result) && properties_.GetCount() > 0) {
+        static_cast<CSignal&>(*made).ShareProperties(properties_);
+    }
     *signal = SUCCEEDED(result) ? made.Detach() : nullptr;
     return result;
+}
+
+void StdLogicMaker::ContinueFrom(ISignal& signal) noexcept {
+    properties_ = static_cast<CSignal&>(signal).Properties();
 }
 
 LoadStream::LoadStream(IByteStream& stream) noexcept
@@ -61,9 +69,27 @@ HRESULT CORV_CALL LoadStream::Write(const void* buffer, std::uint32_t length) {
 ReaderLoad::ReaderLoad(stremo::IEventsStreamRead& reader) noexcept
     : reader_(reader), outer_(std::exchange(running.reader_load, this)) {}
 
-bool ReaderLoad::CountSignal() noexcept {
-    signals_ += signals_ <= kMostSignals ? 1 : 0;
-    return signals_ <= kMostSignals;
+bool ReaderLoad::Enter(int depth, int handle) noexcept {
+    const auto end = way_.begin() + depth;
+    const char* const problem = depth == signals::kMostNesting ? "signals are nested too deep"
+                                : std::find(way_.begin(), end, handle) != end
+                                    ? "a signal is a member of itself"
+                                : signals_ == kMostSignals ? "there are too many signals"
+                                                           : nullptr;
+    if (problem != nullptr) {
+        Refuse(problem);
+        return false;
+    }
+    *end = handle;
+    ++signals_;
+    return true;
+}
+
+void ReaderLoad::Refuse(const char* why) noexcept {
+    if (!is_refused_) {
+        recording::SetError("", why);
+    }
+    is_refused_ = true;
 }
 
 }  // namespace corv::containers

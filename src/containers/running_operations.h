@@ -8,6 +8,7 @@
 #include "corv/containers/signal_container.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/signals/byte_stream.h"
+#include "corv/signals/property_map.h"
 #include "corv/signals/signal.h"
 #include "signals/nesting.h"
 
@@ -23,7 +24,7 @@ namespace corv::containers {
 class LoadStream;
 class ReaderLoad;
 
-// The library's one state of the operations that are running now.
+// The state of the operations that are running now on a thread.
 struct RunningOperations {
     LoadStream* load = nullptr;
     ReaderLoad* reader_load = nullptr;
@@ -75,8 +76,13 @@ public:
     // As CreateStdSignal.
     HRESULT Make(ISignal** signal) noexcept;
 
+    // The signals that are made from now on begin with the properties of one that was made here:
+    // what they have in common is kept once.
+    void ContinueFrom(ISignal& signal) noexcept;
+
 private:
     frame::ComPtr<ISignal> first_;
+    CPropertyMap properties_;  // of the signal to continue from
 };
 
 // A load from a byte stream, from the outermost container's on, for as long as it lives. It is the
@@ -99,7 +105,8 @@ public:
 
     std::uint64_t BytesRead() const noexcept { return bytes_read_; }
     int& Depth() noexcept { return depth_; }
-    // Once members were nested too deep the place in the stream means nothing: all containers end.
+    // Once members were nested too deep or memory ran out the place in the stream means nothing:
+    // all containers end.
     void GiveUp() noexcept { given_up_ = true; }
     bool HasGivenUp() const noexcept { return given_up_; }
 
@@ -130,9 +137,15 @@ public:
     bool IsOf(const stremo::IEventsStreamRead& reader) const noexcept {
         return &reader == &reader_;
     }
+    // What a recording may have at most, members counted: more than memory holds, so that only a
+    // reader without end comes to it.
+    static constexpr int kMostSignals = 1 << 26;
+
+    // A signal with that many others around it comes next. False when it must not be loaded.
+    bool Enter(int depth, int handle) noexcept;
+    // Tells by LastStreamError why the load fails; the first reason counts.
+    void Refuse(const char* why) noexcept;
     int& Depth() noexcept { return depth_; }
-    // Counts a signal; false when there are too many.
-    bool CountSignal() noexcept;
     StdLogicMaker& Signals() noexcept { return maker_; }
 
 private:
@@ -141,6 +154,8 @@ private:
     StdLogicMaker maker_;
     int depth_ = 0;
     int signals_ = 0;
+    bool is_refused_ = false;
+    std::array<int, signals::kMostNesting> way_{};  // the handles of the signals that are loaded
 };
 
 }  // namespace corv::containers

@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "containers/handle_manager.h"
 #include "containers/leaf_walk.h"
 #include "containers/signal_enumerator.h"
 #include "corv/signals/signal.h"
@@ -39,9 +40,11 @@ HRESULT CORV_CALL SignalContainer::Add(ISignal* signal) noexcept {
 }
 
 HRESULT CORV_CALL SignalContainer::Remove(ISignal* signal) noexcept {
-    if (!TakeOut(signal)) {
+    const auto place = std::find(signals_.begin(), signals_.end(), signal);
+    if (place == signals_.end()) {
         return E_FAIL;
     }
+    TakeOut(static_cast<std::size_t>(place - signals_.begin()));
     Unregister(*signal);
     signal->Release();
     return S_OK;
@@ -111,20 +114,16 @@ HRESULT SignalContainer::Put(std::size_t place, ISignal& signal) noexcept {
         members->SetHandleManager(manager_.get());
     }
     const HRESULT result = manager_ ? manager_->AddSignal(&signal) : S_OK;
-    if (result == E_OUTOFMEMORY && TakeOut(&signal)) {
+    if (result == E_OUTOFMEMORY) {
+        TakeOut(place);
         signal.Release();
     }
     return result;
 }
 
-bool SignalContainer::TakeOut(const ISignal* signal) noexcept {
-    const auto place = std::find(signals_.begin(), signals_.end(), signal);
-    if (place == signals_.end()) {
-        return false;
-    }
-    signals_.erase(place);
+void SignalContainer::TakeOut(std::size_t place) noexcept {
+    signals_.erase(signals_.begin() + static_cast<std::ptrdiff_t>(place));
     NoteChange();
-    return true;
 }
 
 void SignalContainer::Clear() noexcept {
@@ -148,18 +147,21 @@ bool SignalContainer::HoldsManagerAlone() noexcept {
     return is_alone;
 }
 
-// Leaves too deep for the walk are unregistered by their own container when that ends.
+// All signals below leave, also composite ones: they may have been leaves when they came. Signals
+// too deep for the walk are unregistered by their own container when that ends.
 void SignalContainer::Unregister(ISignal& signal) noexcept {
-    if (manager_) {
-        LeafWalk().Visit(
-            signal, [](ISignalContainer&) {},
-            [&](ISignal& leaf) {
-                if (leaf.GetHandle() != -1) {
-                    manager_->RemoveSignal(&leaf);
-                }
-                return true;
-            });
+    if (!manager_) {
+        return;
     }
+    const auto forget = [&](ISignal& left) {
+        if (HandleManager* const own = HandleManager::FromOwn(*manager_)) {
+            own->Forget(left);
+        } else if (left.GetHandle() != -1) {
+            manager_->RemoveSignal(&left);
+        }
+        return true;
+    };
+    LeafWalk().Visit(signal, forget, forget);
 }
 
 void SignalContainer::NoteJoined(ISignal& signal) noexcept {

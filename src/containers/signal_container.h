@@ -56,15 +56,14 @@ private:
     void NoteChange() noexcept;
 
     HRESULT Put(std::size_t place, ISignal& signal) noexcept;
-    bool TakeOut(const ISignal* signal) noexcept;
+    void TakeOut(std::size_t place) noexcept;
     void Clear() noexcept;
     bool HoldsManagerAlone() noexcept;
     void Unregister(ISignal& signal) noexcept;
 
     ISignal* FindNamed(std::string_view name) const noexcept;
-    // Makes a container below use this one's handle manager.
-    void ShareManagerWith(ISignalContainer& members) noexcept;
 
+    HRESULT SaveSignals(IByteStream& stream) noexcept;
     HRESULT LoadSignals(LoadStream& stream, ISignal* parent) noexcept;
     bool LoadSignal(LoadStream& stream, ISignal* parent) noexcept;
     HRESULT LoadAll(ReaderLoad& load, stremo::IEventsStreamRead& reader);

@@ -79,11 +79,38 @@ void SignalData::ClearHandles() noexcept {
 }
 
 ISignalData* SignalData::FindByName(const char* name) noexcept {
-    if (name == nullptr || platform::EqualNoCase(name_.View(), name)) {
-        return name != nullptr ? this : nullptr;
+    if (name == nullptr) {
+        return nullptr;
+    }
+    SignalData* const found = FindNamed(name);
+    return found != nullptr ? found : FindBySelection(name);
+}
+
+SignalData* SignalData::FindNamed(const char* name) noexcept {
+    if (platform::EqualNoCase(name_.View(), name)) {
+        return this;
     }
     for (const auto& child : children_) {
-        if (ISignalData* const found = child->FindByName(name)) {
+        if (SignalData* const found = child->FindNamed(name)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+// The sub-signals of most recordings are called by what selects them alone, "(3)" or ".a".
+SignalData* SignalData::FindBySelection(std::string_view path) noexcept {
+    const std::string_view name = name_.View();
+    if (!platform::EqualNoCase(path.substr(0, name.size()), name)) {
+        return nullptr;
+    }
+    const std::string_view rest = path.substr(name.size());
+    if (rest.empty()) {
+        return this;
+    }
+    for (const auto& child : children_) {
+        SignalData* const found = child->name_.IsEmpty() ? nullptr : child->FindBySelection(rest);
+        if (found != nullptr) {
             return found;
         }
     }
@@ -131,7 +158,7 @@ HRESULT SignalData::LoadNode(ReaderLoad& load, IEventsStreamRead& reader, int ha
                              SignalData& root) {
     Reset();
     const Level level(load.Depth());
-    if (handle == -1 || !level.IsAllowed() || !load.CountSignal()) {
+    if (handle == -1 || !load.Enter(load.Depth() - 1, handle)) {
         return E_FAIL;
     }
     int child_count = 0;
@@ -159,7 +186,7 @@ HRESULT SignalData::LoadFields(IEventsStreamRead& reader, int handle, int& child
     if (const HRESULT named = SetName(name); FAILED(named)) {
         return named;
     }
-    if (FAILED(SetTypeInfo(reader.GetTypeString(handle))) || child_count < 0) {
+    if (FAILED(SetTypeInfo(reader.GetTypeString(handle)))) {
         return E_FAIL;
     }
     for (const char* const key : kReaderProperties) {

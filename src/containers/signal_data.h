@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "containers/handle_list.h"
@@ -44,6 +45,8 @@ public:
     const char* GetProperty(const char* key) noexcept override;
 
 private:
+    SignalData* FindNamed(const char* name) noexcept;
+    SignalData* FindBySelection(std::string_view path) noexcept;
     void Reset() noexcept;
     // Read the object as a node of the tree below the root.
     HRESULT LoadNode(ReaderLoad& load, stremo::IEventsStreamRead& reader, int handle,

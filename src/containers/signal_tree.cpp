@@ -1,5 +1,6 @@
 // Handles and the ways down the tree of signals.
 
+#include <atomic>
 #include <cstring>
 #include <span>
 #include <string_view>
@@ -49,8 +50,11 @@ void AssignHandle(ISignal& leaf, int handle, IHandleManager* manager) noexcept {
 class PassOn {
 public:
     explicit PassOn(std::uint64_t& passed_on) noexcept : level_(Running().pass_on_depth) {
+        static std::atomic<std::uint64_t> last_number = 0;  // a container may change its thread
         RunningOperations& running = Running();
-        running.pass_on_number += running.pass_on_depth == 1 ? 1 : 0;
+        if (running.pass_on_depth == 1) {
+            running.pass_on_number = last_number.fetch_add(1, std::memory_order_relaxed) + 1;
+        }
         goes_on_ = level_.IsAllowed() && passed_on != running.pass_on_number;
         passed_on = running.pass_on_number;
     }
@@ -68,23 +72,13 @@ HRESULT CORV_CALL SignalContainer::AssignHandles(const char* path, const int* ha
     if (count < 1 || handles == nullptr) {
         return E_INVALIDARG;
     }
-    const Level level(Running().find_depth);
-    if (path == nullptr || !level.IsAllowed()) {
-        return E_FAIL;
-    }
-    const SplitPath parts(path);
-    ISignal* const found = FindNamed(parts.component);
-    if (found == nullptr) {
-        return E_FAIL;
-    }
-    ISignalContainer* const members = found->GetSubSignals();
-    if (parts.rest != nullptr && members != nullptr) {
-        ShareManagerWith(*members);
-        return members->AssignHandles(parts.rest, handles, count);
+    ISignal* found = nullptr;
+    if (const HRESULT result = FindSignal(path, &found); FAILED(result)) {
+        return result;
     }
     std::span<const int> left(handles, static_cast<std::size_t>(count));
     LeafWalk().Visit(
-        *found, [&](ISignalContainer& below) { ShareManagerWith(below); },
+        *found, [](ISignal&) {},
         [&](ISignal& leaf) {
             AssignHandle(leaf, left.front(), manager_.get());
             left = left.subspan(1);
@@ -132,15 +126,6 @@ HRESULT CORV_CALL SignalContainer::SetHandleManager(IHandleManager* manager) noe
 
 ISignal* SignalContainer::FindNamed(std::string_view name) const noexcept {
     return names_ ? names_->Find(signals_, name) : FindByLooking(signals_, name);
-}
-
-// They differ when a signal's type and with it its members have changed since it was put in.
-void SignalContainer::ShareManagerWith(ISignalContainer& members) noexcept {
-    ComPtr<IHandleManager> theirs;
-    members.GetHandleManager(theirs.Out());
-    if (theirs.get() != manager_.get()) {
-        members.SetHandleManager(manager_.get());
-    }
 }
 
 }  // namespace corv::containers

@@ -1,8 +1,6 @@
-// Trees in byte streams and recordings. A list of signals in a byte stream:
-//
-//     count (2 bytes, little-endian), then that many signals, each with its members
-//
-// What a signal writes of itself is told in signal_persistence.cpp.
+// Trees in byte streams (docs/formats/signal-tree.md) and recordings. A list of signals in a byte
+// stream is their count and the signals, each with its members; what a signal writes of itself is
+// in signal_persistence.cpp.
 
 #include <algorithm>
 #include <array>
@@ -10,6 +8,7 @@
 #include <cstring>
 #include <limits>
 
+#include "containers/save_check.h"
 #include "containers/signal_container.h"
 #include "containers/stream_number.h"
 #include "corv/platform/cstring.h"
@@ -46,29 +45,44 @@ bool IsText(const char* text, const char* wanted) noexcept {
     return text != nullptr && std::strcmp(text, wanted) == 0;
 }
 
+// False when it could not be stored.
+bool Store(ISignal& signal, const char* key, const char* value) noexcept {
+    if (!IsText(signal.GetProperty(key), value)) {
+        signal.SetProperty(key, value);
+    }
+    return IsText(signal.GetProperty(key), value);
+}
+
+template <class Number>
+bool StoreNumber(ISignal& signal, const char* key, Number number) noexcept {
+    std::array<char, 24> text{};
+    std::to_chars(text.data(), text.data() + text.size() - 1, number);
+    return Store(signal, key, text.data());
+}
+
 // False when a property could not be stored.
 bool Describe(ISignal& signal, int handle, const SignalInfo& info) noexcept {
-    std::array<char, 24> time{};
-    std::to_chars(time.data(), time.data() + time.size() - 1, info.max_time);
-    signal.SetName(info.name);
     signal.SetHandle(handle);
-    signal.SetMode(info.mode);
-    signal.SetProperty("MaxTime", time.data());
-    signal.SetProperty("Type Info", info.type);
-    return IsText(signal.GetName(), info.name) && signal.GetMode() == info.mode &&
-           signal.GetMaxTime() == info.max_time && IsText(signal.GetTypeInfo(), info.type);
+    return Store(signal, "Name", info.name) && StoreNumber(signal, "Mode", info.mode) &&
+           StoreNumber(signal, "MaxTime", info.max_time) && Store(signal, "Type Info", info.type);
 }
 
 }  // namespace
 
 HRESULT CORV_CALL SignalContainer::Save(IByteStream* stream) noexcept {
+    const bool is_outermost = Running().save_depth == 0;
     const Level level(Running().save_depth);
-    if (stream == nullptr || signals_.size() > kMostSaved || !level.IsAllowed()) {
+    if (stream == nullptr || !level.IsAllowed()) {
         return E_FAIL;
     }
-    HRESULT result = WriteNumber(*stream, signals_.size());
+    const HRESULT checked = is_outermost ? SaveSignals(SaveCheck::Get()) : S_OK;
+    return SUCCEEDED(checked) ? SaveSignals(*stream) : checked;
+}
+
+HRESULT SignalContainer::SaveSignals(IByteStream& stream) noexcept {
+    HRESULT result = signals_.size() <= kMostSaved ? WriteNumber(stream, signals_.size()) : E_FAIL;
     for (std::size_t i = 0; SUCCEEDED(result) && i < signals_.size(); ++i) {
-        result = signals_[i]->Save(stream);
+        result = signals_[i]->Save(&stream);
     }
     return result;
 }
@@ -104,14 +118,18 @@ HRESULT SignalContainer::LoadSignals(LoadStream& stream, ISignal* parent) noexce
     return stream.HasGivenUp() ? E_FAIL : S_OK;
 }
 
-// False when nothing is left to read.
+// False when nothing is left to read. Where memory runs out in a record its rest stays unread, and
+// what follows would not be read as what it is: the load ends.
 bool SignalContainer::LoadSignal(LoadStream& stream, ISignal* parent) noexcept {
     ComPtr<ISignal> signal;
-    if (FAILED(stream.Signals().Make(signal.Out()))) {
-        return true;
-    }
     const std::uint64_t place = stream.BytesRead();
-    if (FAILED(signal->Load(&stream, this, parent))) {
+    const HRESULT result = FAILED(stream.Signals().Make(signal.Out()))
+                               ? E_OUTOFMEMORY
+                               : signal->Load(&stream, this, parent);
+    if (result == E_OUTOFMEMORY) {
+        stream.GiveUp();
+    }
+    if (FAILED(result)) {
         return stream.BytesRead() > place && !stream.HasGivenUp();
     }
     max_time_ = std::max(max_time_, signal.Detach()->GetMaxTime());
@@ -123,7 +141,11 @@ HRESULT CORV_CALL SignalContainer::LoadFromReader(IEventsStreamRead* reader) noe
         return E_FAIL;
     }
     ReaderLoad load(*reader);
-    return platform::Guarded(E_FAIL, [&] { return LoadAll(load, *reader); });
+    const HRESULT result = platform::Guarded(E_OUTOFMEMORY, [&] { return LoadAll(load, *reader); });
+    if (result == E_OUTOFMEMORY) {
+        load.Refuse("memory has run out");
+    }
+    return SUCCEEDED(result) ? S_OK : E_FAIL;
 }
 
 HRESULT SignalContainer::LoadAll(ReaderLoad& load, IEventsStreamRead& reader) {
@@ -159,20 +181,28 @@ HRESULT CORV_CALL SignalContainer::CreateFromReader(IEventsStreamRead* reader, I
 HRESULT SignalContainer::LoadOne(ReaderLoad& load, IEventsStreamRead& reader, ISignal* parent,
                                  int index, ISignal** signal) {
     const Level level(load.Depth());
-    if (!level.IsAllowed() || !load.CountSignal()) {
-        return E_FAIL;
-    }
     const int handle = parent != nullptr ? reader.GetSubSignalHandle(parent->GetHandle(), index)
                                          : reader.GetSignalHandle(index);
     if (handle == -1) {
+        load.Refuse("a signal is missing");
+        return E_FAIL;
+    }
+    if (!load.Enter(load.Depth() - 1, handle)) {
         return E_FAIL;
     }
     const SignalInfo info(reader, handle);
-    ComPtr<ISignal> made;
-    if (info.type == nullptr || FAILED(load.Signals().Make(made.Out())) ||
-        !Describe(*made, handle, info) ||
-        FAILED(made->LoadFromReader(&reader, this, parent, info.member_count))) {
+    if (info.type == nullptr) {
+        load.Refuse("a signal has no type");
         return E_FAIL;
+    }
+    ComPtr<ISignal> made;
+    if (FAILED(load.Signals().Make(made.Out())) || !Describe(*made, handle, info) ||
+        FAILED(made->LoadFromReader(&reader, this, parent, info.member_count))) {
+        load.Refuse("memory has run out");
+        return E_FAIL;
+    }
+    if (info.member_count == 0) {
+        load.Signals().ContinueFrom(*made);
     }
     *signal = made.Detach();
     return S_OK;

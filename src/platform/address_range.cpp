@@ -1,5 +1,6 @@
 #include "platform/address_range.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <bit>
@@ -8,6 +9,7 @@
 
 #if defined(__unix__) || defined(__APPLE__)
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 #define CORV_HAS_MMAP 1
 #else
@@ -37,6 +39,21 @@ bool MakeUsable(void* data, std::size_t bytes) noexcept {
 void DropContent(void* data, std::size_t bytes) noexcept {
     madvise(data, bytes, MADV_DONTNEED);
 }
+// Asks for pages of kLargePage bytes, which are taken with far fewer faults.
+void PreferLargePages(void* data, std::size_t bytes) noexcept {
+#if defined(MADV_HUGEPAGE)
+    madvise(data, bytes, MADV_HUGEPAGE);
+#else
+    static_cast<void>(data);
+    static_cast<void>(bytes);
+#endif
+}
+// The addresses that the process may have, SIZE_MAX without a limit.
+std::size_t AddressLimit() noexcept {
+    rlimit limit{};
+    const bool is_limited = getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+    return is_limited ? static_cast<std::size_t>(limit.rlim_cur) : SIZE_MAX;
+}
 
 #else
 
@@ -51,18 +68,37 @@ bool MakeUsable(void*, std::size_t) noexcept {
     return false;
 }
 void DropContent(void*, std::size_t) noexcept {}
+void PreferLargePages(void*, std::size_t) noexcept {}
+constexpr std::size_t AddressLimit() noexcept {
+    return SIZE_MAX;
+}
 
 #endif
 
-std::size_t WholePages(std::size_t bytes) noexcept {
-    const std::size_t page = PageSize();
+std::size_t Whole(std::size_t bytes, std::size_t page) noexcept {
     return (bytes + page - 1) / page * page;
 }
+std::size_t WholePages(std::size_t bytes) noexcept {
+    return Whole(bytes, PageSize());
+}
+
+// Ranges of many addresses are for long lists, where large pages waste little. The front of such a
+// range gets them; a system that has to look for very many of them becomes slow.
+constexpr std::size_t kLargePage = std::size_t{2} << 20;
+constexpr std::size_t kLargeRange = 8 * kLargePage;
+constexpr std::size_t kMostLarge = 32 * kLargePage;
 
 // A process has a limited number of memory areas (65,530 where nothing else is set), and a range
 // takes two; most are left to the host.
 constexpr int kMostRanges = 8192;
 std::atomic<int> range_count{0};
+std::atomic<std::size_t> reserved_bytes{0};
+
+// Up to here ranges are set aside as large as they are wanted, further on as large as they must be.
+// Under a limit the larger part of the addresses is the host's.
+constexpr std::size_t kMostGenerous = std::size_t{2} << 30;
+constexpr std::size_t kGenerousPart = 8;
+constexpr std::size_t kLargestPart = 2;
 
 // Owners may be on different threads. There is no lock: whoever finds the ranges in use by another
 // does without.
@@ -76,6 +112,20 @@ public:
         }
         bytes_ += range.usable();
         kept_[count_++] = std::move(range);
+    }
+
+    // Drops what is too much to leave behind when no range is in use any more; the largest first.
+    void DropUnlessUsed() noexcept {
+        const Use use(in_use_);
+        while (use && bytes_ > AddressRange::kMostLeftBytes &&
+               range_count.load(std::memory_order_relaxed) == static_cast<int>(count_)) {
+            const auto largest = std::max_element(
+                kept_.begin(), kept_.begin() + static_cast<std::ptrdiff_t>(count_),
+                [](const auto& a, const auto& b) { return a.usable() < b.usable(); });
+            const AddressRange dropped = std::move(*largest);
+            *largest = std::move(kept_[--count_]);
+            bytes_ -= dropped.usable();
+        }
     }
 
     // The one put last of those of a size (of any, for 0); an empty one when there is none.
@@ -134,16 +184,31 @@ KeptRanges& Kept() noexcept {
 
 }  // namespace
 
-AddressRange AddressRange::Reserve(std::size_t bytes) noexcept {
-    if (sizeof(void*) < 8 || bytes > (SIZE_MAX >> 1)) {
+AddressRange AddressRange::Reserve(std::size_t least, std::size_t wanted) noexcept {
+    if (sizeof(void*) < 8 || std::max(least, wanted) > (SIZE_MAX >> 1)) {
         return {};
     }
-    bytes = std::bit_ceil(WholePages(bytes));
+    const std::size_t limit = AddressLimit();
+    const std::size_t in_use = reserved_bytes.load(std::memory_order_relaxed);
+    const auto is_within = [&](std::size_t bytes, std::size_t most) {
+        return in_use <= most && bytes <= most - in_use;
+    };
+    wanted = std::bit_ceil(WholePages(wanted));
+    const bool is_generous = is_within(wanted, std::min(kMostGenerous, limit / kGenerousPart));
+    const std::size_t bytes = is_generous ? wanted : std::bit_ceil(WholePages(least));
     if (AddressRange kept = Kept().Take(bytes)) {
         return kept;
     }
+    return is_within(bytes, limit / kLargestPart) ? Map(bytes) : AddressRange();
+}
+
+AddressRange AddressRange::Map(std::size_t bytes) noexcept {
     if (range_count.fetch_add(1, std::memory_order_relaxed) < kMostRanges) {
         if (void* const data = MapAddresses(bytes)) {
+            reserved_bytes.fetch_add(bytes, std::memory_order_relaxed);
+            if (bytes >= kLargeRange) {
+                PreferLargePages(data, std::min(bytes, kMostLarge));
+            }
             return {data, bytes, 0};
         }
     }
@@ -153,6 +218,7 @@ AddressRange AddressRange::Reserve(std::size_t bytes) noexcept {
 
 void AddressRange::Keep(AddressRange range) noexcept {
     Kept().Put(range);
+    Kept().DropUnlessUsed();
 }
 
 void AddressRange::ReleaseKept() noexcept {
@@ -163,12 +229,14 @@ void AddressRange::ReleaseKept() noexcept {
 AddressRange::~AddressRange() {
     if (data_ != nullptr) {
         UnmapAddresses(data_, reserved_);
+        reserved_bytes.fetch_sub(reserved_, std::memory_order_relaxed);
         range_count.fetch_sub(1, std::memory_order_relaxed);
+        Kept().DropUnlessUsed();
     }
 }
 
 bool AddressRange::Commit(std::size_t bytes) noexcept {
-    bytes = WholePages(bytes);
+    bytes = reserved_ >= kLargeRange ? Whole(bytes, kLargePage) : WholePages(bytes);
     if (bytes <= usable_) {
         return true;
     }

@@ -15,15 +15,18 @@ class AddressRange {
 public:
     // Below this many bytes a block of the heap serves better.
     static constexpr std::size_t kWorthwhile = std::size_t{128} << 10;
-    // The most memory that kept ranges hold in all.
+    // The most memory that kept ranges hold in all: while others are in use and when none is.
     static constexpr std::size_t kMostKeptBytes = std::size_t{32} << 20;
+    static constexpr std::size_t kMostLeftBytes = std::size_t{4} << 20;
 
-    // Sets aside that many bytes or up to twice as many, none of them usable yet (or some, in a
-    // kept range).
-    // Empty when the system has no more addresses to give or enough ranges are in use.
-    static AddressRange Reserve(std::size_t bytes) noexcept;
+    // Sets aside `wanted` bytes, or `least` when ranges have many addresses already or the process
+    // has few, or up to twice as many; none of them usable yet (or some, in a kept range). Empty
+    // when the system has no more addresses to give, enough ranges are in use, or they would have
+    // more than half of the addresses that the process is limited to.
+    static AddressRange Reserve(std::size_t least, std::size_t wanted) noexcept;
 
-    // Keeps a range for a later Reserve, unless enough memory is kept already. Its content is lost.
+    // Keeps a range that is not in use any more for a later Reserve, unless enough memory is kept
+    // already. Its content is lost.
     static void Keep(AddressRange range) noexcept;
     // Gives the kept ranges back to the system.
     static void ReleaseKept() noexcept;
@@ -55,6 +58,8 @@ public:
     void Trim(std::size_t used) noexcept;
 
 private:
+    static AddressRange Map(std::size_t bytes) noexcept;
+
     AddressRange(void* data, std::size_t reserved, std::size_t usable) noexcept
         : data_(data), reserved_(reserved), usable_(usable) {}
 

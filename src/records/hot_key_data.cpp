@@ -1,7 +1,9 @@
 #include "corv/records/hot_key_data.h"
 
 #include <cstdint>
+#include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/guard.h"
@@ -12,13 +14,21 @@ namespace {
 
 constexpr char kSeparator = '/';
 
+// Keys have 32 bits and may be written with or without a sign. What fits in neither way is read as
+// the nearest number with one.
+std::uint32_t ReadKey(std::string_view text) noexcept {
+    const std::int64_t number = corv::util::LeadingInteger(text);
+    const bool fits = number >= 0 && number <= std::numeric_limits<std::uint32_t>::max();
+    return static_cast<std::uint32_t>(fits ? number : corv::util::LeadingInt(text));
+}
+
 }  // namespace
 
 bool ParseHotKeyData(const char* text, unsigned long* key, CString& result) noexcept {
     corv::util::FieldReader fields(text != nullptr ? text : "", kSeparator);
     const auto number = fields.Next();
     if (number && key != nullptr) {
-        *key = static_cast<std::uint32_t>(corv::util::LeadingInt(*number));
+        *key = ReadKey(*number);
     }
     const auto hot_key = fields.Next();
     CString found;  // the text may be the result's own

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "containers/listings.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/frame/interface_ids.h"
 #include "corv/signals/property_map.h"
@@ -84,6 +85,16 @@ public:
     // E_OUTOFMEMORY.
     HRESULT ApplyTypeOf(const CSignal& scalar) noexcept;
 
+    // The signal as one of this class; null when others have made it.
+    static CSignal* FromOwn(ISignal& signal) noexcept;
+
+    const CPropertyMap& Properties() const noexcept { return properties_; }
+    // Gives a new signal the properties of another one, which are the same until either changes.
+    void ShareProperties(const CPropertyMap& properties) noexcept { properties_ = properties; }
+
+    // The handle managers that list the signal.
+    corv::containers::Listings& Listed() noexcept { return listings_; }
+
     // From now on each change of the name is counted, see containers/name_watch.h.
     void WatchName() noexcept { is_name_watched_ = true; }
 
@@ -107,6 +118,8 @@ private:
     void SetType(const corv::signals::TypePtr& type) noexcept;
     // What loading does once the properties and members have been read.
     HRESULT FinishLoading(ISignalContainer& owner, ISignal* parent) noexcept;
+    // Takes the wave of the first signal that its handle manager lists under its handle.
+    void ShareWave(ISignalContainer& owner) noexcept;
     void TakeMembers(corv::frame::ComPtr<ISignalContainer> members) noexcept;
     void StoreFormula(const char* formula, int type, int strength) noexcept;
 
@@ -122,4 +135,5 @@ private:
     corv::frame::ComPtr<ISignalContainer> members_;
     bool is_name_watched_ = false;
     bool is_descending_ = false;  // an operation is being passed on to the members
+    corv::containers::Listings listings_;
 };

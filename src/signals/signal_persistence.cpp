@@ -1,18 +1,15 @@
-// Signal trees in byte streams and recordings. One signal in a byte stream, numbers of 2 bytes,
-// little-endian:
-//
-//     property count, then each key length, key, value length, value; in the order of the keys
-//     member count (0 without members), then the members
-//
-// The member count and what follows it belong to the container of the members.
+// Signal trees in byte streams (docs/formats/signal-tree.md) and recordings. Here is one signal's
+// part; the count of the members and what follows it belong to the container of the members.
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string_view>
 
 #include "containers/running_operations.h"
+#include "containers/save_check.h"
 #include "containers/stream_number.h"
 #include "corv/signals/byte_stream.h"
 #include "corv/stremo/events_stream_read.h"
@@ -29,6 +26,7 @@ namespace {
 
 using Limits16 = std::numeric_limits<std::uint16_t>;
 
+// What loading takes; longer texts are not saved.
 constexpr std::size_t kLongestKey = 127;
 constexpr std::size_t kLongestValue = corv::signals::kTextBufferSize - 1;
 
@@ -63,7 +61,7 @@ bool WriteProperties(IByteStream& stream, const CPropertyMap& properties) {
     const auto count = static_cast<std::size_t>(properties.GetCount());
     const bool fits = count <= Limits16::max() &&
                       ForEachEntry(properties, [](std::string_view key, std::string_view value) {
-                          return std::max(key.size(), value.size()) <= Limits16::max();
+                          return key.size() <= kLongestKey && value.size() <= kLongestValue;
                       });
     return fits && SUCCEEDED(WriteNumber(stream, count)) &&
            ForEachEntry(properties, [&](std::string_view key, std::string_view value) {
@@ -82,16 +80,18 @@ bool ReadText(IByteStream& stream, char* buffer, std::size_t longest) {
     return true;
 }
 
-bool ReadProperties(IByteStream& stream, CPropertyMap& properties) {
+HRESULT ReadProperties(IByteStream& stream, CPropertyMap& properties) {
     std::array<char, kLongestKey + 1> key;
     char* const value = corv::signals::SharedValueTexts().text.data();
     std::size_t count = 0;
     bool good = SUCCEEDED(ReadNumber(stream, count));
     for (std::size_t i = 0; good && i < count; ++i) {
-        good = ReadText(stream, key.data(), kLongestKey) &&
-               ReadText(stream, value, kLongestValue) && properties.Set(key.data(), value);
+        good = ReadText(stream, key.data(), kLongestKey) && ReadText(stream, value, kLongestValue);
+        if (good && !properties.Set(key.data(), value)) {
+            return E_OUTOFMEMORY;
+        }
     }
-    return good;
+    return good ? S_OK : E_FAIL;
 }
 
 // An empty container for the members of a signal that is loaded: it has its owner's handle manager.
@@ -114,6 +114,11 @@ bool WriteStreamProperties(IEventsStreamWrite& writer, int handle, const CProper
 }  // namespace
 
 HRESULT CSignal::Save(IByteStream* stream) noexcept {
+    corv::containers::SaveCheck& check = corv::containers::SaveCheck::Get();
+    const bool is_outermost = corv::containers::Running().save_depth == 0 && stream != &check;
+    if (is_outermost && FAILED(Save(&check))) {
+        return E_FAIL;
+    }
     if (!WriteProperties(*stream, properties_)) {
         return E_FAIL;
     }
@@ -121,10 +126,10 @@ HRESULT CSignal::Save(IByteStream* stream) noexcept {
 }
 
 HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* parent) noexcept {
-    const bool is_read = ReadProperties(*stream, properties_);
+    const HRESULT read = ReadProperties(*stream, properties_);
     NoteNewName();
-    if (!is_read) {
-        return E_FAIL;
+    if (FAILED(read)) {
+        return read;
     }
     // most signals have no members: within a load that is seen before a container is made
     corv::containers::LoadStream* const load = corv::containers::Running().load;
@@ -144,7 +149,11 @@ HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* par
 HRESULT CSignal::LoadFromReader(stremo::IEventsStreamRead* reader, ISignalContainer* owner,
                                 ISignal* parent, int member_count) noexcept {
     for (const char* const key : kStreamProperties) {
-        properties_.Set(key, reader->GetSignalProperty(handle_, key));
+        const char* const value = reader->GetSignalProperty(handle_, key);
+        const char* const there = properties_.Get(key);
+        if (there == nullptr || std::strcmp(there, value != nullptr ? value : "") != 0) {
+            properties_.Set(key, value);
+        }
     }
     if (member_count != 0) {
         ComPtr<ISignalContainer> members;
@@ -180,6 +189,15 @@ HRESULT CSignal::FinishLoading(ISignalContainer& owner, ISignal* parent) noexcep
     if (type_) {
         SetType(type_);
     }
+    // a record without fields has members all the same: none
+    if (type_ && type_->GetKind() == KTypeInfo::KindRecord && type_->GetNbOfFields() == 0 &&
+        !members_) {
+        ComPtr<ISignalContainer> none;
+        if (const HRESULT made = MakeMembers(owner, none); FAILED(made)) {
+            return made;
+        }
+        TakeMembers(std::move(none));
+    }
     ComPtr<ISignalWave> wave;
     if (type_ && !members_ && MakeWave(*type_, wave) && wave) {
         wave_ = std::move(wave);
@@ -192,10 +210,20 @@ HRESULT CSignal::FinishLoading(ISignalContainer& owner, ISignal* parent) noexcep
         return E_OUTOFMEMORY;
     }
     Release();
-    if (handle_ != -1) {
-        owner.AssignHandles(GetName(), &handle_, 1);
-    }
+    ShareWave(owner);
     return S_OK;
+}
+
+// The container has registered the signal behind the others of its handle.
+void CSignal::ShareWave(ISignalContainer& owner) noexcept {
+    ComPtr<IHandleManager> manager;
+    if (handle_ == -1 || FAILED(owner.GetHandleManager(manager.Out()))) {
+        return;
+    }
+    ISignal* const first = manager->GetFirstSignal(handle_);
+    if (first != nullptr && first != this) {
+        SetWave(first->GetWave());
+    }
 }
 
 HRESULT CSignal::WriteToWriter(IEventsStreamWrite* writer, int index) noexcept {

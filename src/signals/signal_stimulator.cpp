@@ -1,10 +1,11 @@
 // The stimulator that a signal carries, in its properties.
 
 #include <cstring>
+#include <utility>
 
 #include "containers/running_operations.h"
+#include "corv/stimulus/stim_iterator.h"
 #include "corv/stimulus/stimulus.h"
-#include "platform/guard.h"
 #include "signals/members.h"
 #include "signals/signal.h"
 
@@ -13,12 +14,19 @@ namespace {
 // "Stimulator Type"; the first two are formulas.
 enum StimulatorType : int { kNone = -1, kFormula = 0, kOtherFormula = 1, kHotKey = 2, kClock = 3 };
 
-void SetOrErase(CPropertyMap& properties, const char* key, int value) noexcept {
-    if (value == -1) {
-        properties.Erase(key);
-    } else {
-        properties.SetInteger(key, value);
+bool SetOrErase(CPropertyMap& properties, const char* key, int value) noexcept {
+    return value == -1 ? properties.Erase(key) : properties.SetInteger(key, value);
+}
+
+// The formula as stimuli write it: empty for one that has no elements of its own. False when it
+// can't be read and when memory runs out.
+bool NormalForm(const char* formula, CString& normal) noexcept {
+    CStimulus stimulus(1, 1);
+    if (stimulus.Create(formula, 0) == 0) {
+        return false;
     }
+    stimulus.GenerateFormula(normal);
+    return !normal.IsEmpty() || stimulus.IsCustom() || CStimIterator(&stimulus).Next() == nullptr;
 }
 
 }  // namespace
@@ -44,44 +52,37 @@ HRESULT CSignal::GetStimulatorInfo(int* type, int* strength, char* formula,
     return S_OK;
 }
 
+// The text may be one of the signal's own, the hot key's too: that one is erased after all else.
 void CSignal::SetStimulatorInfo(int type, int strength, const char* text) noexcept {
-    properties_.Erase("Hot-Key");
-    if (type == kNone || text == nullptr || *text == '\0') {
+    const bool is_none = type == kNone || text == nullptr || *text == '\0';
+    if (is_none) {
         StoreFormula("", kNone, -1);
-        return;
-    }
-    switch (type) {
-        case kFormula:
-        case kOtherFormula: {
-            CStimulus stimulus(1, 1);
-            CString normal;
-            if (stimulus.Create(text, 0) != 0) {
-                stimulus.GenerateFormula(normal);
-                StoreFormula(normal, type, strength);
-            }
-            break;
+    } else if (type == kFormula || type == kOtherFormula) {
+        CString normal;
+        if (NormalForm(text, normal)) {
+            StoreFormula(normal, type, strength);
         }
-        case kHotKey:
-            SetHotKey(static_cast<signed char>(*text));
-            break;
-        case kClock:
-            properties_.Set("Stimulator Clock", text);
-            properties_.SetInteger("Stimulator Type", kClock);
-            properties_.SetInteger("Stimulator Strength", strength);
-            break;
-        default:
-            break;
+    } else if (type == kClock) {
+        properties_.Set("Stimulator Clock", text);
+        properties_.SetInteger("Stimulator Type", kClock);
+        properties_.SetInteger("Stimulator Strength", strength);
+    }
+    if (type == kHotKey && !is_none) {
+        SetHotKey(static_cast<signed char>(*text));
+    } else {
+        properties_.Erase("Hot-Key");
     }
 }
 
+// All three change or, when memory runs out, none.
 void CSignal::StoreFormula(const char* formula, int type, int strength) noexcept {
-    if (*formula == '\0') {
-        properties_.Erase("Stimulator Formula");
-    } else {
-        properties_.Set("Stimulator Formula", formula);
+    CPropertyMap changed = properties_;
+    const bool is_stored = *formula != '\0' ? changed.Set("Stimulator Formula", formula)
+                                            : changed.Erase("Stimulator Formula");
+    if (is_stored && SetOrErase(changed, "Stimulator Type", type) &&
+        SetOrErase(changed, "Stimulator Strength", strength)) {
+        properties_ = std::move(changed);
     }
-    SetOrErase(properties_, "Stimulator Type", type);
-    SetOrErase(properties_, "Stimulator Strength", strength);
 }
 
 int CSignal::GetHotKey() noexcept {

@@ -69,8 +69,9 @@ public:
     // False when it has no room for an index more; the name is not usable then.
     bool Append(int index) noexcept {
         char* const end = text_.data() + text_.size() - 2;  // room for the end and the zero
-        const auto written = std::to_chars(text_.data() + length_, end, index);
-        if (written.ec != std::errc() || written.ptr == end) {
+        char* const place = text_.data() + length_;
+        const auto written = std::to_chars(place, std::max(place, end), index);
+        if (place >= end || written.ec != std::errc()) {
             return false;
         }
         *written.ptr = ',';
@@ -218,9 +219,10 @@ HRESULT CSignal::ApplyType(const TypePtr& type) noexcept {
 
 // Members mostly have the type of the one before; its texts are copied instead of made again.
 HRESULT CSignal::ApplyTypeOf(const CSignal& scalar) noexcept {
-    if (!properties_.CopyFrom(scalar.properties_) || !MakeWave(*scalar.type_, wave_)) {
+    if (!MakeWave(*scalar.type_, wave_)) {
         return E_OUTOFMEMORY;
     }
+    properties_ = scalar.properties_;
     type_ = scalar.type_;
     std_logic_class_ = scalar.std_logic_class_;
     return S_OK;

@@ -4,9 +4,8 @@
 #include <bit>
 #include <string>
 
-#include "corv/stimulus/time_unit.h"
-#include "corv/util/dec_converter.h"
 #include "platform/guard.h"
+#include "stimulators/counter_text.h"
 #include "util/saturate.h"
 #include "util/time_text.h"
 
@@ -62,19 +61,14 @@ unsigned NeighbourOfLowest(std::uint64_t bits, bool up, unsigned width) noexcept
     return lowest == 0 ? width - 1 : lowest - 1;
 }
 
-constexpr std::size_t kTextRoom = 1024;  // for a starting value, increment or period
-
 using TextGetter = bool (CCounterStimulusInfo::*)(char*, int) const;
 
 std::optional<std::int64_t> ReadNumber(const CCounterStimulusInfo& settings,
                                        TextGetter get) noexcept {
-    char text[kTextRoom];
-    std::int64_t number = 0;
-    if (!(settings.*get)(text, static_cast<int>(kTextRoom)) ||
-        c_decConverter().Convert(text, settings.GetDisplayRadix(), &number) == 0) {
-        return std::nullopt;
-    }
-    return number;
+    char text[corv::stimulators::kNumberRoom];
+    return (settings.*get)(text, static_cast<int>(sizeof text))
+               ? corv::stimulators::ReadCountNumber(text, settings.GetDisplayRadix())
+               : std::nullopt;
 }
 
 std::int64_t AsSigned(std::uint64_t value) noexcept {
@@ -117,17 +111,12 @@ bool CCounterState::Init(const char* formula, unsigned width, int split_mode) no
 }
 
 bool CCounterState::ReadPeriod() noexcept {
-    char text[1000];
+    char text[corv::stimulators::kPeriodRoom];
     if (!settings_.GetCountPeriod(text, sizeof text)) {
         return false;
     }
-    const auto time = corv::util::ReadTime(text);
-    if (!time) {
-        return false;
-    }
-    const unsigned unit =
-        time->unit < 0 ? corv::util::kBaseUnit : static_cast<unsigned>(time->unit);
-    period_ = corv::ConvertTime(time->whole, unit, corv::util::kBaseUnit);
+    const auto period = corv::stimulators::ReadCountPeriod(text);
+    period_ = period.value_or(0);
     return period_ >= 1;
 }
 
@@ -182,7 +171,7 @@ bool CCounterState::Advance() noexcept {
     }
     const Shown shown = StepShown();
     const auto end = corv::util::CheckedAdd(segment_end_, period_);
-    if (!end || *end > kMaxTime) {
+    if (segment_end_ < 0 || !end || *end > kMaxTime) {
         return false;
     }
     segment_ = Segment{segment_end_, *end, shown};

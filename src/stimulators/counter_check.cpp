@@ -1,11 +1,8 @@
 #include "stimulators/counter_check.h"
 
 #include "corv/stimulators/counter.h"
-#include "corv/stimulus/time_unit.h"
-#include "corv/util/dec_converter.h"
 #include "stimulators/counter_text.h"
 #include "util/fields.h"
-#include "util/time_text.h"
 
 namespace corv::stimulators {
 namespace {
@@ -30,22 +27,20 @@ std::optional<CounterProblem> CheckReference(std::string_view formula, CounterRe
 }
 
 std::optional<CounterProblem> CheckNumber(std::string_view text, int radix) {
-    std::int64_t number = 0;
-    if (c_decConverter().Convert(std::string(text).c_str(), radix, &number) != 0) {
+    if (ReadCountNumber(text, radix)) {
         return std::nullopt;
     }
     return CounterProblem{text, Quote(text) + " is no number in radix " + std::to_string(radix)};
 }
 
 std::optional<CounterProblem> CheckPeriod(std::string_view text) {
-    const auto time = util::ReadTime(text);
-    if (!time) {
+    const auto period = ReadCountPeriod(text);
+    if (!period) {
         return CounterProblem{text, Quote(text) +
                                         " is not a time; write the count period as a "
                                         "number with an optional unit, such as `10ns`"};
     }
-    const unsigned unit = time->unit < 0 ? util::kBaseUnit : static_cast<unsigned>(time->unit);
-    if (ConvertTime(time->whole, unit, util::kBaseUnit) < 1) {
+    if (*period < 1) {
         return CounterProblem{text, "the count period has to be 1 ps or longer"};
     }
     return std::nullopt;

@@ -88,6 +88,7 @@ std::int64_t CCounterRef::GetNextEventTime(std::int64_t time) const noexcept {
     return counter ? counter->GetNextEventTime(static_cast<unsigned>(wire), time) : -1;
 }
 
+// Stands here and not beside the other parsers, since it takes back what it has registered.
 int CCounterFormulaParser::Run(const char* formula, CStringArray& list, int width,
                                int split_mode) noexcept {
     if (!formula || !*formula || width > kMaxVectorWidth) {

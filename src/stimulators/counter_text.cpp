@@ -1,9 +1,12 @@
 #include "stimulators/counter_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 
+#include "corv/stimulus/time_unit.h"
+#include "corv/util/dec_converter.h"
 #include "platform/ascii.h"
 #include "util/time_text.h"
 
@@ -37,6 +40,23 @@ bool CounterReader::ReadWord(std::string_view expected) noexcept {
 
 std::optional<std::string_view> CounterReader::Value(std::string_view key) noexcept {
     return ReadWord(key) ? Next() : std::nullopt;
+}
+
+std::optional<std::int64_t> ReadCountPeriod(std::string_view text) noexcept {
+    const auto time = util::ReadTime(text.substr(0, kPeriodRoom - 1));
+    if (!time) {
+        return std::nullopt;
+    }
+    const unsigned unit = time->unit < 0 ? util::kBaseUnit : static_cast<unsigned>(time->unit);
+    return ConvertTime(time->whole, unit, util::kBaseUnit);
+}
+
+std::optional<std::int64_t> ReadCountNumber(std::string_view text, int radix) noexcept {
+    std::array<char, kNumberRoom> zero_ended{};
+    text.substr(0, kNumberRoom - 1).copy(zero_ended.data(), kNumberRoom - 1);
+    std::int64_t number = 0;
+    return c_decConverter().Convert(zero_ended.data(), radix, &number) != 0 ? std::optional(number)
+                                                                            : std::nullopt;
 }
 
 std::optional<CounterReference> ReadCounterReference(std::string_view text) noexcept {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,6 +47,13 @@ private:
     util::FieldReader fields_;
     std::string_view at_;
 };
+
+// What of a period, and of a starting value or increment, is read, with its terminating zero.
+inline constexpr std::size_t kPeriodRoom = 1000;
+inline constexpr std::size_t kNumberRoom = 1024;
+// In picoseconds; nothing when the text is not a time.
+std::optional<std::int64_t> ReadCountPeriod(std::string_view text) noexcept;
+std::optional<std::int64_t> ReadCountNumber(std::string_view text, int radix) noexcept;
 
 struct CounterReference {
     int wire;

@@ -31,8 +31,10 @@ void CheckKind(std::string_view formula, const CheckedAs& as, ProblemList& probl
             }
             break;
         case FormulaKind::Custom:
-            if (auto problem = stimulus::CheckCustomFormula(formula)) {
-                problems.Error(problems.PlaceOf(problem->place), std::move(problem->sentence));
+            if (auto problem = stimulus::CheckCustomFormula(formula, !as.vector)) {
+                const auto place = problems.PlaceOf(problem->place);
+                problem->warning ? problems.Warn(place, std::move(problem->sentence))
+                                 : problems.Error(place, std::move(problem->sentence));
             }
             break;
     }

@@ -11,12 +11,8 @@ namespace {
 constexpr std::string_view kBlanks = " \n\t";
 constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
-// The text behind the mark, cut at its first comma; nothing without a mark or comma.
-struct Halves {
-    std::string_view file;
-    std::string_view rest;
-};
-std::optional<Halves> Cut(std::string_view formula) noexcept {
+// The text after the mark, cut at its first comma; nothing without a mark or comma.
+std::optional<CustomParts> Cut(std::string_view formula) noexcept {
     const std::size_t mark = platform::FindNoCase(formula, kCustomMark);
     if (mark == std::string_view::npos) {
         return std::nullopt;
@@ -26,7 +22,7 @@ std::optional<Halves> Cut(std::string_view formula) noexcept {
     if (comma == std::string_view::npos) {
         return std::nullopt;
     }
-    return Halves{text.substr(0, comma), text.substr(comma + 1)};
+    return CustomParts{text.substr(0, comma), text.substr(comma + 1)};
 }
 
 std::optional<CustomFormula> InLowerCase(std::string_view file, std::string_view signal) {
@@ -42,13 +38,18 @@ std::optional<CustomFormula> InLowerCase(std::string_view file, std::string_view
 
 }  // namespace
 
-std::optional<CustomFormula> ReadCustomFormula(std::string_view formula) {
-    const auto halves = Cut(formula);
-    if (!halves) {
-        return std::nullopt;
+std::optional<CustomParts> FindCustomParts(std::string_view formula) noexcept {
+    auto parts = Cut(formula);
+    if (parts) {
+        parts->file = util::TrimEnds(parts->file, kWhiteSpace);
+        parts->signal = util::TrimEnds(parts->signal, kWhiteSpace);
     }
-    return InLowerCase(util::TrimEnds(halves->file, kWhiteSpace),
-                       util::TrimEnds(halves->rest, kWhiteSpace));
+    return parts;
+}
+
+std::optional<CustomFormula> ReadCustomFormula(std::string_view formula) {
+    const auto parts = FindCustomParts(formula);
+    return parts ? InLowerCase(parts->file, parts->signal) : std::nullopt;
 }
 
 std::optional<CustomFormula> ReadCustomToSplit(std::string_view formula) {
@@ -56,7 +57,7 @@ std::optional<CustomFormula> ReadCustomToSplit(std::string_view formula) {
     if (!halves) {
         return std::nullopt;
     }
-    const std::string_view signal = halves->rest.substr(0, halves->rest.find(','));
+    const std::string_view signal = halves->signal.substr(0, halves->signal.find(','));
     return InLowerCase(util::SkipFront(halves->file, kBlanks), util::SkipFront(signal, kBlanks));
 }
 

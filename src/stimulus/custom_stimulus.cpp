@@ -3,6 +3,7 @@
 #include <array>
 #include <limits>
 
+#include "corv/stremo/stream_details.h"
 #include "platform/guard.h"
 #include "stimulus/event_files.h"
 #include "stimulus/recorded_signals.h"
@@ -44,7 +45,9 @@ CCustomStimulus& CCustomStimulus::operator=(const CCustomStimulus& other) noexce
             file_name_ = other.file_name_;
             signal_name_ = other.signal_name_;
         });
-        if (!copied || !other.reader_ || !Open()) {
+        if (other.given_handle_ != -1) {
+            CreateFrom(corv::ShareStream(*other.reader_), other.given_handle_);
+        } else if (!copied || !other.reader_ || !Open()) {
             Destroy();
         }
     }
@@ -57,7 +60,9 @@ CCustomStimulus::~CCustomStimulus() {
 
 void CCustomStimulus::Destroy() noexcept {
     cursor_.reset();
+    own_reader_ = nullptr;
     reader_.reset();
+    given_handle_ = -1;
     signal_ = nullptr;
     container_ = {};
 }
@@ -76,6 +81,21 @@ int CCustomStimulus::Create(const char* event_file, const char* signal) noexcept
     return open ? 1 : 0;
 }
 
+int CCustomStimulus::CreateFrom(stremo::IEventsStreamRead* reader, int handle) noexcept {
+    Destroy();
+    reader_.reset(reader);
+    signal_ = reader != nullptr && handle != -1
+                  ? corv::stimulus::LoadRecordedScalar(*reader, handle, container_)
+                  : nullptr;
+    if (signal_ == nullptr) {
+        Destroy();
+        return 0;
+    }
+    given_handle_ = handle;
+    Begin();
+    return 1;
+}
+
 bool CCustomStimulus::Open() noexcept {
     reader_.reset(stremo::CreateStreamRead(file_name_));
     if (!reader_) {
@@ -85,15 +105,29 @@ bool CCustomStimulus::Open() noexcept {
     if (signal_ == nullptr) {
         return false;
     }
-    ClearHandleMan(signal_);
-    if (auto* const own = corv::recording::OwnReader(reader_.get())) {
-        const int handle = signal_->GetHandle();
-        own->SetInterest({&handle, 1});
-        cursor_ = own->OpenSignal(handle);
-    }
-    reader_->Seek(&start_time_);
-    reader_->MarkStart(&start_time_);
+    Begin();
     return true;
+}
+
+void CCustomStimulus::Begin() noexcept {
+    ClearHandleMan(signal_);
+    own_reader_ = corv::recording::OwnReader(reader_.get());
+    if (own_reader_ != nullptr) {
+        const int handle = signal_->GetHandle();
+        own_reader_->SetInterest({&handle, 1});
+    } else {
+        reader_->Seek(&start_time_);
+        reader_->MarkStart(&start_time_);
+    }
+}
+
+// Events are read with the first question, so that one reading serves all elements of a vector:
+// until then each of them has told its interest.
+corv::recording::SignalCursor* CCustomStimulus::Cursor() noexcept {
+    if (cursor_ == nullptr) {
+        cursor_ = own_reader_->OpenSignal(signal_->GetHandle());
+    }
+    return cursor_.get();
 }
 
 // Leaves nothing but the signal's handle in the handle manager, so that events of the others are
@@ -148,9 +182,9 @@ bool CCustomStimulus::TakeEvents(IHandleManager* manager, std::int64_t time) noe
 
 // Puts the value at a time into the signal's wave.
 bool CCustomStimulus::TakeValue(std::int64_t time) noexcept {
-    if (cursor_) {
+    if (own_reader_ != nullptr) {
         ValueBuffer value{};
-        if (!cursor_->Value(time, value.data())) {
+        if (Cursor() == nullptr || !cursor_->Value(time, value.data())) {
             return false;
         }
         PutValue(*signal_, value);
@@ -179,8 +213,8 @@ std::int64_t CCustomStimulus::GetNextEventTime(std::int64_t time) noexcept {
     if (!reader_ || time == std::numeric_limits<std::int64_t>::max()) {
         return -1;
     }
-    if (cursor_) {
-        return cursor_->NextTime(time);
+    if (own_reader_ != nullptr) {
+        return Cursor() != nullptr ? cursor_->NextTime(time) : -1;
     }
     const std::int64_t target = time + 1;
     const ComPtr<IHandleManager> manager = ManagerOf(*container_);

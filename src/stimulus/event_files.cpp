@@ -1,7 +1,9 @@
 #include "stimulus/event_files.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "platform/files.h"
@@ -12,14 +14,28 @@
 namespace corv {
 namespace {
 
+struct EventFile {
+    std::string name;
+    bool exact;  // how the file is written on the disk; else it was not there yet
+};
+
 struct EventFiles {
-    std::vector<std::string> names;
+    std::vector<EventFile> files;
     bool deletion = true;
 };
 
 EventFiles& State() noexcept {
     static platform::Immortal<EventFiles> files;
     return *files;
+}
+
+// Without success there is nothing to be done about it. Folders are no files, which the C library
+// does not tell apart everywhere.
+void Delete(const std::string& name) {
+    std::error_code error;
+    if (!name.empty() && !std::filesystem::is_directory(name, error)) {
+        std::remove(name.c_str());
+    }
 }
 
 }  // namespace
@@ -30,16 +46,19 @@ void SetEventFileDeletion(bool enabled) noexcept {
 
 void stimulus::RememberEventFile(const char* name) noexcept {
     if (name != nullptr && *name != '\0' && !recording::IsRegisteredStream(name)) {
-        platform::Done([&] { State().names.emplace_back(name); });
+        platform::Done([&] {
+            std::string found = platform::FindFile(name).name;
+            const bool exact = !found.empty();
+            State().files.push_back({exact ? std::move(found) : std::string(name), exact});
+        });
     }
 }
 
 void stimulus::DeleteEventFiles() noexcept {
-    for (const std::string& name : State().names) {
+    for (const EventFile& file : State().files) {
         platform::Done([&] {
-            const platform::FoundFile found = platform::FindFile(name);
-            if (State().deletion && !found.name.empty()) {
-                std::remove(found.name.c_str());  // without success: nothing to be done about it
+            if (State().deletion) {
+                Delete(file.exact ? file.name : platform::FindFile(file.name).name);
             }
         });
     }

@@ -141,12 +141,12 @@ VeskExtent CVeskGroup::Measure() const noexcept {
     if (once.front == Front::Nothing && (children_.size() > 1 || repeat_count_ > 1)) {
         once.front = Front::Comma;
     }
-    const std::int64_t before_last =
-        corv::util::SaturatingMultiply(once.length, std::int64_t{repeat_count_});
-    if (once.last_start >= 0) {
-        once.last_start = corv::util::SaturatingAdd(before_last - once.length, once.last_start);
+    if (once.last_start >= 0 && repeat_count_ > 1) {
+        once.last_start = corv::util::SaturatingAdd(
+            corv::util::SaturatingMultiply(once.length, std::int64_t{repeat_count_} - 1),
+            once.last_start);
     }
-    once.length = before_last;
+    once.length = corv::util::SaturatingMultiply(once.length, std::int64_t{repeat_count_});
     return once;
 }
 

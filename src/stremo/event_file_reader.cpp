@@ -21,6 +21,7 @@ public:
     std::unique_ptr<BlockStore> OpenBlocks(std::span<const std::uint32_t>) override {
         return std::move(blocks_);
     }
+    bool LeavesOut() const noexcept override { return false; }
 
     // False with the stream error set.
     bool Open();

@@ -16,6 +16,25 @@ constexpr Format kFormats[] = {
     {kVcdName, IsVcd, OpenVcd},
 };
 
+// Whether a file begins as FST files do: with a header of 329 bytes, or with all of it packed.
+bool IsFst(platform::Bytes bytes) noexcept {
+    constexpr unsigned char kHeader[] = {0, 0, 0, 0, 0, 0, 0, 1, 0x49};
+    constexpr std::size_t kPacked = 17;  // where the packed part begins
+    return std::equal(std::begin(kHeader), std::end(kHeader), bytes.begin(),
+                      bytes.begin() + std::min(bytes.size(), std::size(kHeader))) ||
+           (bytes.size() > kPacked + 1 && bytes[0] == 0xFE && bytes[kPacked] == 0x1F &&
+            bytes[kPacked + 1] == 0x8B);
+}
+
+const char* WhyUnknown(platform::Bytes beginning) noexcept {
+    if (beginning.empty()) {
+        return "it is empty";
+    }
+    return IsFst(beginning)
+               ? "it is an FST file, which is not read; convert it with fst2vcd first"
+               : "it is not a recording of a known format: corv event file, VCD or GHW";
+}
+
 }  // namespace
 
 std::span<const Format> Formats() noexcept {
@@ -35,7 +54,7 @@ std::unique_ptr<Recording> OpenRecording(platform::Files& files, const std::stri
             return format.open(file_name, std::move(opened.file));
         }
     }
-    SetError(file_name, bytes.empty() ? "it is empty" : "it is no recording of a known format");
+    SetError(file_name, WhyUnknown(beginning));
     return nullptr;
 }
 

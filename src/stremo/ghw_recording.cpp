@@ -66,7 +66,7 @@ private:
         TellProgress(static_cast<std::uint64_t>(part.data() + part.size() - in_.file().data()),
                      in_.file().size());
     }
-    void TellNotes() { notes_ = remarks_.Sentences(); }
+    void TellNotes(const ghw::Notes& remarks) { notes_ = remarks.Sentences(); }
     bool Refuse(std::size_t offset, std::string_view why) const {
         SetError(file_name(), offset, why);
         return false;
@@ -93,7 +93,7 @@ bool GhwRecording::Open(int time_unit) {
     }
     signals_.Finish();
     FindLastTime();
-    TellNotes();
+    TellNotes(remarks_);
     return true;
 }
 
@@ -221,11 +221,12 @@ void GhwRecording::FindLastTime() {
 
 std::unique_ptr<BlockStore> GhwRecording::OpenBlocks(std::span<const std::uint32_t> leaves) {
     auto blocks = std::make_unique<MemoryBlocks>();
-    if (changes_ != 0 && !ghw::ReadChanges(Source(), signals_, leaves, *blocks, remarks_)) {
+    ghw::Notes remarks = remarks_;
+    if (changes_ != 0 && !ghw::ReadChanges(Source(), signals_, leaves, *blocks, remarks)) {
         SetError(file_name(), "memory has run out");
         return nullptr;
     }
-    TellNotes();
+    TellNotes(remarks);
     return blocks;
 }
 

@@ -2,14 +2,17 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "platform/guard.h"
 #include "stremo/stream_error.h"
 
 namespace corv::recording {
 
-LeafCursor::LeafCursor(BlockStore& blocks, const SignalTable& signals, std::uint32_t leaf) noexcept
-    : blocks_(blocks),
+LeafCursor::LeafCursor(std::shared_ptr<BlockStore> blocks, const SignalTable& signals,
+                       std::uint32_t leaf) noexcept
+    : held_blocks_(std::move(blocks)),
+      blocks_(*held_blocks_),
       signals_(signals),
       number_(signals.LeafChannel(leaf)),
       count_(signals.channel(number_).count),

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -15,7 +16,8 @@ namespace corv::recording {
 // not change is passed by at the look of one bit.
 class LeafCursor final : public SignalCursor {
 public:
-    LeafCursor(BlockStore& blocks, const SignalTable& signals, std::uint32_t leaf) noexcept;
+    LeafCursor(std::shared_ptr<BlockStore> blocks, const SignalTable& signals,
+               std::uint32_t leaf) noexcept;
 
     std::int64_t NextTime(std::int64_t time) override;
     bool Value(std::int64_t time, void* value) override;
@@ -35,6 +37,7 @@ private:
     bool LoadAround(std::int64_t time);
     std::size_t CountUpTo(std::int64_t time) noexcept;
 
+    const std::shared_ptr<BlockStore> held_blocks_;
     BlockStore& blocks_;
     const SignalTable& signals_;
     const std::uint32_t number_;  // of the channel

@@ -29,10 +29,14 @@ public:
     // As GetFormatName gives it, such as "corv event file".
     virtual const char* FormatName() const noexcept = 0;
 
-    // The changes. Asked once, with the first question about values or events, so that a reader
-    // that lists signals only need not read them. `leaves` are those of interest, in rising order;
-    // none named: all. The others may be left out. Null on failure, with the stream error set.
+    // The changes. Asked with the first question about values or events, so that a reader that
+    // lists signals only need not read them. `leaves` are those of interest, in rising order; none
+    // named: all. The others may be left out; it is asked again when they turn out to be of
+    // interest. Null on failure, with the stream error set.
     virtual std::unique_ptr<BlockStore> OpenBlocks(std::span<const std::uint32_t> leaves) = 0;
+
+    // Whether leaves of no interest are left out. If not, the changes are asked for once.
+    virtual bool LeavesOut() const noexcept { return true; }
 
     // Whether the latest times of the table are true. If not, a reader looks for the last event.
     virtual bool KnowsLatestTimes() const noexcept { return true; }

@@ -10,24 +10,19 @@
 #include "platform/guard.h"
 #include "stremo/block_view.h"
 #include "stremo/leaf_cursor.h"
+#include "stremo/shared_recording.h"
 #include "stremo/stream_error.h"
 
 namespace corv::recording {
 namespace {
 
-// What the readers of one recording share.
-struct Shared {
-    std::unique_ptr<Recording> recording;
-    std::vector<std::uint32_t> interest;
-    std::unique_ptr<BlockStore> blocks;  // once they have been asked for
-};
-
 class RecordingReader final : public SignalReader {
 public:
-    explicit RecordingReader(std::shared_ptr<Shared> shared) noexcept
+    RecordingReader(std::shared_ptr<SharedRecording> shared, Leaves interest) noexcept
         : shared_(std::move(shared)),
-          recording_(shared_->recording.get()),
-          signals_(recording_->signals()) {}
+          recording_(&shared_->recording()),
+          signals_(recording_->signals()),
+          interest_(std::move(interest)) {}
 
     const char* GetFormatName() override { return recording_->FormatName(); }
     int GetSignalCount() override { return static_cast<int>(signals_.TopLevel().size()); }
@@ -48,6 +43,7 @@ public:
     std::unique_ptr<SignalReader> Share() noexcept override;
     void SetInterest(std::span<const int> handles) override;
     std::unique_ptr<SignalCursor> OpenSignal(int handle) noexcept override;
+    std::string_view SignalName(int index) noexcept override;
     std::uint64_t EventCount() noexcept override;
     int NoteCount() noexcept override { return static_cast<int>(recording_->notes().size()); }
     const char* Note(int index) noexcept override;
@@ -72,10 +68,12 @@ private:
     bool LoadEvents();
     void StartAt(std::uint32_t moment) noexcept;
 
-    const std::shared_ptr<Shared> shared_;
+    const std::shared_ptr<SharedRecording> shared_;
     Recording* const recording_;
     const SignalTable& signals_;
-    BlockStore* blocks_ = nullptr;  // the shared ones, once this reader has asked for them
+    Leaves interest_;
+    std::shared_ptr<BlockStore> blocks_;  // once they have been asked for
+    bool other_interest_ = false;         // than when they were
     // The signal whose handle was given last: a handle may stand for several names.
     std::uint32_t given_ = kNone;
 
@@ -163,7 +161,7 @@ std::int64_t RecordingReader::LatestTime(std::uint32_t signal) {
 
 void RecordingReader::SetInterest(std::span<const int> handles) {
     platform::Done([&] {
-        std::vector<std::uint32_t> leaves;
+        Leaves leaves;
         for (const int handle : handles) {
             if (const std::uint32_t leaf = signals_.FindLeaf(handle); leaf != kNone) {
                 leaves.push_back(leaf);
@@ -171,22 +169,27 @@ void RecordingReader::SetInterest(std::span<const int> handles) {
         }
         std::sort(leaves.begin(), leaves.end());
         leaves.erase(std::unique(leaves.begin(), leaves.end()), leaves.end());
-        shared_->interest = std::move(leaves);
+        shared_->Announce(leaves);
+        interest_ = std::move(leaves);
+        other_interest_ = true;
     });
 }
 
 bool RecordingReader::OpenBlocks() noexcept {
     ClearError();
-    auto& blocks = shared_->blocks;
-    if (blocks == nullptr &&
-        !platform::Done([&] { blocks = recording_->OpenBlocks(shared_->interest); })) {
-        SetError(recording_->file_name(), "memory has run out");
+    if (blocks_ == nullptr) {
+        blocks_ = shared_->Blocks(interest_);
+        other_interest_ = false;
     }
-    blocks_ = blocks.get();
     return blocks_ != nullptr;
 }
 
+// A place belongs to the blocks in which it was found, so others are taken only here.
 bool RecordingReader::Seek(const std::int64_t* time) {
+    if (other_interest_) {
+        blocks_ = nullptr;
+        loaded_ = false;
+    }
     return time != nullptr && OpenBlocks() &&
            platform::Guarded(false, [&] { return FindPlace(*time); });
 }
@@ -344,16 +347,28 @@ bool RecordingReader::ReadValue(void* value) {
 
 std::unique_ptr<SignalReader> RecordingReader::Share() noexcept {
     return platform::Guarded<std::unique_ptr<SignalReader>>(
-        nullptr, [&] { return std::make_unique<RecordingReader>(shared_); });
+        nullptr, [&] { return std::make_unique<RecordingReader>(shared_, interest_); });
 }
 
 std::unique_ptr<SignalCursor> RecordingReader::OpenSignal(int handle) noexcept {
     const std::uint32_t leaf = signals_.FindLeaf(handle);
-    if (leaf == kNone || !OpenBlocks()) {
+    if (leaf == kNone) {
         return nullptr;
     }
+    ClearError();
     return platform::Guarded<std::unique_ptr<SignalCursor>>(
-        nullptr, [&] { return std::make_unique<LeafCursor>(*blocks_, signals_, leaf); });
+        nullptr, [&]() -> std::unique_ptr<SignalCursor> {
+            auto blocks = shared_->Blocks(interest_.empty() ? Leaves() : Leaves{leaf});
+            return blocks ? std::make_unique<LeafCursor>(std::move(blocks), signals_, leaf)
+                          : nullptr;
+        });
+}
+
+std::string_view RecordingReader::SignalName(int index) noexcept {
+    const auto list = signals_.TopLevel();
+    return index >= 0 && static_cast<std::size_t>(index) < list.size()
+               ? signals_[list[static_cast<std::size_t>(index)]].name
+               : std::string_view();
 }
 
 std::uint64_t RecordingReader::EventCount() noexcept {
@@ -369,9 +384,8 @@ const char* RecordingReader::Note(int index) noexcept {
 }  // namespace
 
 std::unique_ptr<SignalReader> MakeReader(std::unique_ptr<Recording> recording) {
-    auto shared = std::make_shared<Shared>();
-    shared->recording = std::move(recording);
-    return std::make_unique<RecordingReader>(std::move(shared));
+    return std::make_unique<RecordingReader>(
+        std::make_shared<SharedRecording>(std::move(recording)), Leaves());
 }
 
 SignalReader* OwnReader(stremo::IEventsStreamRead* reader) noexcept {

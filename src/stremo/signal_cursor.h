@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string_view>
 
 #include "corv/stremo/events_stream_read.h"
 
@@ -36,14 +37,18 @@ public:
     // Each may end before the others. Null when memory runs out.
     virtual std::unique_ptr<SignalReader> Share() noexcept = 0;
 
-    // Tells the scalars of interest before the first question about events; the others may then
-    // have no events and no values. No handles: all, as if never told. A hint, by which large files
-    // of other formats are read faster and in less memory.
+    // Tells the scalars of interest of this reader and of those shared from it later, from the next
+    // Seek on; the others may then have no events and no values. No handles: all, as if never told.
+    // A hint, by which large files of other formats are read faster and in less memory. Signals
+    // outside of it can be opened all the same.
     virtual void SetInterest(std::span<const int> handles) = 0;
 
     // A cursor for a scalar's handle; it must not be used after the reader's end. Null for other
     // handles and when the events can't be read or memory runs out.
     virtual std::unique_ptr<SignalCursor> OpenSignal(int handle) noexcept = 0;
+
+    // The name of a top-level signal, without a look at anything else; empty outside.
+    virtual std::string_view SignalName(int index) noexcept = 0;
 
     // The number of events of all signals, as far as they can be read.
     virtual std::uint64_t EventCount() noexcept = 0;

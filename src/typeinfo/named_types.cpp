@@ -79,7 +79,7 @@ constexpr std::array<NamedScalar, 12> kScalars{{
     {"severity_level", "e#14#severity_levels4 note warning error failure "},
 }};
 
-constexpr std::array<NamedArray, 13> kArrays{{
+constexpr std::array<NamedArray, 23> kArrays{{
     {"std_logic_vector", "std_logic", 0, kStandardTypes[7]},
     {"std_ulogic_vector", "std_ulogic", 0, kStandardTypes[8]},
     {"bit_vector", "bit", 0, kStandardTypes[6]},
@@ -89,10 +89,36 @@ constexpr std::array<NamedArray, 13> kArrays{{
     {"ufixed", "std_logic", kLowestIndex, {}},
     {"sfixed", "std_logic", kLowestIndex, {}},
     {"float", "std_logic", kLowestIndex, {}},
+    {"u_unsigned", "std_ulogic", 0, {}},
+    {"u_signed", "std_ulogic", 0, {}},
+    {"u_ufixed", "std_ulogic", kLowestIndex, {}},
+    {"u_sfixed", "std_ulogic", kLowestIndex, {}},
+    {"u_float", "std_ulogic", kLowestIndex, {}},
+    {"unresolved_unsigned", "std_ulogic", 0, {}},
+    {"unresolved_signed", "std_ulogic", 0, {}},
+    {"unresolved_ufixed", "std_ulogic", kLowestIndex, {}},
+    {"unresolved_sfixed", "std_ulogic", kLowestIndex, {}},
+    {"unresolved_float", "std_ulogic", kLowestIndex, {}},
     {"boolean_vector", "boolean", 0, {}},
     {"integer_vector", "integer", 0, {}},
     {"real_vector", "real", 0, {}},
     {"time_vector", "time", 0, {}},
+}};
+
+constexpr std::array<NamedSubtype, 13> kSubtypes{{
+    {"x01", "std_logic"},
+    {"x01z", "std_logic"},
+    {"ux01", "std_logic"},
+    {"ux01z", "std_logic"},
+    {"float32", "float", 8, -23},
+    {"float64", "float", 11, -52},
+    {"float128", "float", 15, -112},
+    {"u_float32", "u_float", 8, -23},
+    {"u_float64", "u_float", 11, -52},
+    {"u_float128", "u_float", 15, -112},
+    {"unresolved_float32", "unresolved_float", 8, -23},
+    {"unresolved_float64", "unresolved_float", 11, -52},
+    {"unresolved_float128", "unresolved_float", 15, -112},
 }};
 
 // What VHDL has under another name.
@@ -136,6 +162,10 @@ const NamedArray* FindNamedArray(std::string_view name) noexcept {
     return FindRow(kArrays, name);
 }
 
+const NamedSubtype* FindNamedSubtype(std::string_view name) noexcept {
+    return FindRow(kSubtypes, name);
+}
+
 std::string_view NearestTypeName(std::string_view word) noexcept {
     for (const Alias& alias : kAliases) {
         if (platform::EqualNoCase(alias.word, word)) {
@@ -147,6 +177,9 @@ std::string_view NearestTypeName(std::string_view word) noexcept {
         nearest.Offer(row.name);
     }
     for (const NamedArray& row : kArrays) {
+        nearest.Offer(row.name);
+    }
+    for (const NamedSubtype& row : kSubtypes) {
         nearest.Offer(row.name);
     }
     nearest.Offer("array");

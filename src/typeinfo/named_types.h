@@ -27,12 +27,21 @@ struct NamedArray {
     std::string_view unlimited;  // the string without constraint, when it is a standard type
 };
 
+// Subtypes with a name of their own. The range of an enumeration is not kept: its values have the
+// positions and texts of the whole.
+struct NamedSubtype {
+    std::string_view name;
+    std::string_view base;
+    std::int32_t left = 0;  // of an array; the bounds of a scalar are equal
+    std::int32_t right = 0;
+};
 inline constexpr std::int32_t kLowestIndex = std::numeric_limits<std::int32_t>::min();
 inline constexpr std::int32_t kLastIndex = std::numeric_limits<std::int32_t>::max();
 
 // The row of a name in any letter case, null when there is none.
 const NamedScalar* FindNamedScalar(std::string_view name) noexcept;
 const NamedArray* FindNamedArray(std::string_view name) noexcept;
+const NamedSubtype* FindNamedSubtype(std::string_view name) noexcept;
 
 // The named type, or the word that a written type begins with, that a misspelt word was most likely
 // meant to be; empty when none is near.

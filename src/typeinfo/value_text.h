@@ -13,7 +13,7 @@
 //                | characters                             01XZ
 //                | '"' { character | '""' } '"'           "01XZ"
 //                | radix '"' digits '"'                   X"1F"
-//                | "(" [ scalar { "," scalar } ] ")"      (1,2,3)
+//                | "(" scalar { "," scalar } ")"          (1,2,3)
 //
 // All but the first are arrays; each must give as many values as the array has elements. The
 // characters are one-character literals. The radix letter is X, O or B in any case, a single

@@ -39,6 +39,11 @@ bool VhdlCursor::FailAtNext(std::string_view expected, std::string_view hint) {
     NearestWord nearest(next.text);
     nearest.Offer(hint);
     sentence += ", found " + Quote(next.text);
+    if (next.kind == WordKind::Name && nearest.Found().empty()) {
+        sentence += IsReserved(next.text)           ? ", a reserved word"
+                    : HasWrongUnderscore(next.text) ? ", whose underscores no name may have"
+                                                    : "";
+    }
     return Fail(next.text, sentence + DidYouMean(nearest.Found(), ""));
 }
 

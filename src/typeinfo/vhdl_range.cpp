@@ -1,6 +1,7 @@
 #include "typeinfo/vhdl_range.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <type_traits>
 
@@ -34,16 +35,15 @@ bool ReadBound(VhdlCursor& cursor, const Limits<std::int32_t>& limits, std::int3
     if (!text) {
         return false;
     }
-    const auto number = ReadInteger(*text);
+    const bool is_closed = std::count(text->begin(), text->end(), '#') != 1;
+    const auto number = is_closed ? ReadInteger(*text) : std::nullopt;
     const bool digits_only = text->find_first_not_of("+-0123456789_") == std::string::npos;
     if (!number && !digits_only) {
-        return cursor.Fail(place, Quote(place) + " is no whole number within 32 bits");
+        return cursor.Fail(place, Quote(place) + (is_closed ? " is no whole number within 32 bits"
+                                                            : " has no closing `#`"));
     }
-    if (!number || !IsWithin(*number, limits.range)) {
-        return cursor.Fail(place, Quote(place) + " is no value of " + Quote(limits.name));
-    }
-    bound = *number;
-    return true;
+    bound = number.value_or(0);
+    return number || cursor.Fail(place, Quote(place) + " is no value of " + Quote(limits.name));
 }
 
 // Takes the time unit of a number, the next word or what the number ends with; -1 without one.
@@ -73,11 +73,14 @@ bool ReadBound(VhdlCursor& cursor, const Limits<double>& limits, double& bound,
     }
     const auto number = ReadReal(*text);
     if (!number) {
-        return cursor.Fail(place, Quote(place) + " is no number in the range of a double");
+        const bool is_based = text->find('#') != std::string::npos;
+        return cursor.Fail(place, Quote(place) + (is_based ? " is a based literal; write the bound "
+                                                             "of a real in decimal"
+                                                           : " is no number in the range of a "
+                                                             "double"));
     }
     bound = *number * static_cast<double>(util::kFemtoseconds[static_cast<unsigned>(unit)]);
-    return IsWithin(bound, limits.range) ||
-           cursor.Fail(place, Quote(place) + " is no value of " + Quote(limits.name));
+    return true;
 }
 
 bool ReadDirection(VhdlCursor& cursor, KTypeInfo::EDirection& direction) {
@@ -96,12 +99,27 @@ void AppendBound(std::string& out, std::int32_t bound, bool) {
     AppendInteger(out, bound, 10);
 }
 
+// In the largest unit that leaves no fraction.
+void AppendTime(std::string& out, double femtoseconds) {
+    std::size_t unit = femtoseconds != 0 ? util::kTimeUnits.size() : 1;
+    double count = 0;
+    do {
+        --unit;
+        count = femtoseconds / static_cast<double>(util::kFemtoseconds[unit]);
+    } while (unit > 0 && (count != std::trunc(count) ||
+                          count * static_cast<double>(util::kFemtoseconds[unit]) != femtoseconds));
+    AppendReal(out, count);
+    out.append(" ").append(util::kTimeUnits[unit].name);
+}
+
 void AppendBound(std::string& out, double bound, bool is_time) {
+    if (is_time) {
+        AppendTime(out, bound);
+        return;
+    }
     const std::size_t begin = out.size();
     AppendReal(out, bound);
-    if (is_time) {
-        out += " fs";
-    } else if (out.find('.', begin) == std::string::npos) {
+    if (out.find('.', begin) == std::string::npos) {
         out.insert(std::min(out.find('e', begin), out.size()), ".0");
     }
 }
@@ -160,33 +178,60 @@ bool ReadRange(VhdlCursor& cursor, const Limits<Bound>& limits, Range<Bound>& ra
         return false;
     }
     const bool is_to = range.direction == KTypeInfo::To;
-    const bool empty = is_to ? range.left > range.right : range.left < range.right;
-    return !empty || cursor.Fail(Span(left, right), "the range " + Quote(Span(left, right)) +
-                                                        " holds no value; write it with " +
-                                                        (is_to ? "`downto`" : "`to`"));
+    const bool is_left_in = IsWithin(range.left, limits.range);
+    const bool is_right_in = IsWithin(range.right, limits.range);
+    if (is_to ? range.left > range.right : range.left < range.right) {
+        const std::string_view place = Span(left, right);
+        return cursor.Fail(
+            place, "the range " + Quote(place) + " holds no value; " +
+                       (!is_left_in || !is_right_in ? "only ranges that hold one can be read"
+                        : is_to                     ? "write it with `downto`"
+                                                    : "write it with `to`"));
+    }
+    const std::string_view place = is_left_in ? right : left;
+    return (is_left_in && is_right_in) ||
+           cursor.Fail(place, Quote(place) + " is no value of " + Quote(limits.name));
 }
 
-bool ReadIndex(VhdlCursor& cursor, IndexRange& range) {
-    const bool has_type = cursor.Next().kind == WordKind::Name;
-    const NamedScalar* const row =
-        FindNamedScalar(has_type ? cursor.Next().text : std::string_view("integer"));
-    if (!row || row->text[0] != 'i') {
-        return cursor.FailAtNext(
-            "a range of whole numbers, such as `0 to 3` or `natural range <>`");
-    }
-    if (has_type) {
-        cursor.Take();
-        if (!cursor.Expect("range", " behind the index type")) {
-            return false;
+bool TakePrefixedName(VhdlCursor& cursor, std::string_view& name) {
+    name = cursor.Take();
+    while (cursor.Skip(".")) {
+        const Word& next = cursor.Next();
+        if (next.kind != WordKind::Extended && !IsIdentifier(next)) {
+            return cursor.FailAtNext("a name behind `.`");
         }
+        name = cursor.Take();
     }
-    const Limits<std::int32_t> limits{row->name, RangeOf<std::int32_t>(*row)};
-    if (has_type && cursor.Skip("<>")) {
-        range = limits.range;
-        range.constrained = false;
-        return true;
+    return true;
+}
+
+bool ReadIndex(VhdlCursor& cursor, const IndexNeeds& needs, IndexRange& range) {
+    if (cursor.Next().kind != WordKind::Name) {
+        return ReadRange(cursor, needs.limits, range);
     }
-    return ReadRange(cursor, limits, range);
+    std::string_view name;
+    if (!TakePrefixedName(cursor, name)) {
+        return false;
+    }
+    const NamedScalar* const row = FindNamedScalar(name);
+    if (!row || row->text[0] != 'i') {
+        return cursor.Fail(name,
+                           "expected " + std::string(needs.expected) + ", found " + Quote(name));
+    }
+    const Limits<std::int32_t> own{row->name, RangeOf<std::int32_t>(*row)};
+    if (cursor.Skip("range")) {
+        if (needs.may_be_open && cursor.Skip("<>")) {
+            range = own.range;
+            range.constrained = false;
+            return true;
+        }
+        const bool is_narrower = own.range.left > needs.limits.range.left;
+        return ReadRange(cursor, is_narrower ? own : needs.limits, range);
+    }
+    range = own.range;
+    return IsWithin(range.left, needs.limits.range) ||
+           cursor.Fail(name,
+                       Quote(name) + " has values that are none of " + Quote(needs.limits.name));
 }
 
 void AppendIndex(std::string& out, const IndexRange& range) {

@@ -5,13 +5,16 @@
 #include <utility>
 
 #include "typeinfo/named_types.h"
-#include "typeinfo/scalar_text.h"
 #include "typeinfo/vhdl_cursor.h"
 #include "typeinfo/vhdl_range.h"
 #include "typeinfo/wording.h"
 
 namespace corv::typeinfo {
 namespace {
+
+const IndexNeeds kArrayIndex{{"integer", {kLowestIndex, kLastIndex, KTypeInfo::To, true}},
+                             "a range of whole numbers, such as `0 to 3` or `natural range <>`",
+                             true};
 
 class VhdlReader {
 public:
@@ -27,6 +30,7 @@ private:
     const VhdlType* ReadRecord(int level);
     bool ReadFields(VhdlType& type, std::vector<std::string_view>& names, int level);
     const VhdlType* ReadNamed(int level);
+    const VhdlType* ReadSubtype(const NamedSubtype& row, std::string_view name);
     const VhdlType* ReadScalar(const NamedScalar& row, std::string_view name);
     const VhdlType* ReadNamedArray(const NamedArray& row, std::string_view name, int level);
     const VhdlType* Fail(std::string_view place, std::string sentence) {
@@ -101,7 +105,7 @@ const VhdlType* VhdlReader::ReadType(int level) {
     if (cursor_.Skip("record")) {
         return ReadRecord(level);
     }
-    if (next.kind == WordKind::Name && IsIdentifier(next)) {
+    if (next.kind == WordKind::Extended || (next.kind == WordKind::Name && IsIdentifier(next))) {
         return ReadNamed(level);
     }
     return FailAtNext("a type, such as `std_logic` or `integer range 0 to 15`");
@@ -152,8 +156,12 @@ const VhdlType* VhdlReader::ReadArray(int level) {
         return nullptr;
     }
     do {
-        if (!ReadIndex(cursor_, type.ranges.emplace_back())) {
+        const std::string_view place = cursor_.Next().text;
+        if (!ReadIndex(cursor_, kArrayIndex, type.ranges.emplace_back())) {
             return nullptr;
+        }
+        if (type.ranges.back().constrained != type.ranges.front().constrained) {
+            return Fail(place, "an array has `<>` in all of its dimensions or in none");
         }
     } while (cursor_.Skip(","));
     if (!cursor_.Expect(")", " or `,` behind the range") ||
@@ -167,6 +175,9 @@ const VhdlType* VhdlReader::ReadArray(int level) {
 const VhdlType* VhdlReader::ReadRecord(int level) {
     VhdlType& type = Make(KTypeInfo::KindRecord);
     std::vector<std::string_view> names;
+    if (cursor_.Next().Is("end")) {
+        return Fail(cursor_.Next().text, "a record has at least one field");
+    }
     while (!cursor_.Skip("end")) {
         if (!ReadFields(type, names, level)) {
             return nullptr;
@@ -178,7 +189,7 @@ const VhdlType* VhdlReader::ReadRecord(int level) {
     if (!cursor_.Expect("record", " behind `end`")) {
         return nullptr;
     }
-    if (IsIdentifier(cursor_.Next())) {
+    if (cursor_.Next().kind == WordKind::Extended || IsIdentifier(cursor_.Next())) {
         type.name = cursor_.Take();
     }
     return &type;
@@ -210,12 +221,18 @@ bool VhdlReader::ReadFields(VhdlType& type, std::vector<std::string_view>& names
 // ---- named types ----
 
 const VhdlType* VhdlReader::ReadNamed(int level) {
-    std::string_view name = cursor_.Take();
-    while (cursor_.Skip(".")) {  // a library or package stood before it
-        if (!IsIdentifier(cursor_.Next())) {
-            return FailAtNext("a name behind `.`");
+    std::string_view name;
+    if (!TakePrefixedName(cursor_, name)) {
+        return nullptr;
+    }
+    if (platform::EqualNoCase(name, "resolved")) {
+        if (!cursor_.Expect("std_ulogic", " behind `resolved`")) {
+            return nullptr;
         }
-        name = cursor_.Take();
+        name = "std_logic";
+    }
+    if (const NamedSubtype* row = FindNamedSubtype(name)) {
+        return ReadSubtype(*row, name);
     }
     if (const NamedScalar* row = FindNamedScalar(name)) {
         return ReadScalar(*row, name);
@@ -227,6 +244,18 @@ const VhdlType* VhdlReader::ReadNamed(int level) {
                           DidYouMean(NearestTypeName(name),
                                      "; write a type such as `std_logic_vector(7 downto 0)`, an "
                                      "enumeration in parentheses, an array or a record"));
+}
+
+const VhdlType* VhdlReader::ReadSubtype(const NamedSubtype& row, std::string_view name) {
+    if (row.left == row.right) {
+        return ReadScalar(*FindNamedScalar(row.base), name);
+    }
+    VhdlType& type = Make(KTypeInfo::KindArray);
+    const NamedArray& array = *FindNamedArray(row.base);
+    type.name = array.name;
+    type.element = Ready(FindNamedScalar(array.element)->text);
+    type.ranges.push_back({row.left, row.right, KTypeInfo::Downto, true});
+    return &type;
 }
 
 const VhdlType* VhdlReader::ReadScalar(const NamedScalar& row, std::string_view name) {
@@ -255,7 +284,7 @@ const VhdlType* VhdlReader::ReadScalar(const NamedScalar& row, std::string_view 
         read = ReadRange(cursor_, limits, type.real_range);
     } else {
         cursor_.Fail(place,
-                     "only number types take a range; " + Quote(name) + " is an enumeration");
+                     "only ranges of numbers can be read; " + Quote(name) + " is an enumeration");
     }
     return read ? &type : nullptr;
 }
@@ -270,7 +299,13 @@ const VhdlType* VhdlReader::ReadNamedArray(const NamedArray& row, std::string_vi
     if (level + 1 > kMaxNesting) {
         return Fail(name, "types nest deeper than 64 levels from here on");
     }
-    const bool constrained = cursor_.Skip("(");
+    bool constrained = cursor_.Skip("(");
+    if (constrained && cursor_.Skip("open")) {
+        constrained = false;
+        if (!cursor_.Expect(")", " behind `open`")) {
+            return nullptr;
+        }
+    }
     if (!constrained && !row.unlimited.empty()) {
         return Ready(row.unlimited);
     }
@@ -284,86 +319,9 @@ const VhdlType* VhdlReader::ReadNamedArray(const NamedArray& row, std::string_vi
     }
     const Limits<std::int32_t> limits{IndexTypeName(row.first_index), range};
     range.constrained = true;
-    return ReadRange(cursor_, limits, range) && cursor_.Expect(")", " behind the range") ? &type
-                                                                                         : nullptr;
-}
-
-// ---- writing ----
-
-bool IsNamed(TypeView type, const NamedScalar& row) noexcept {
-    return platform::EqualNoCase(type.Name(), row.name) && type.Body() == row.Body();
-}
-
-bool AppendEnumeration(std::string& out, TypeView type) {
-    const NamedScalar* const row = FindNamedScalar(type.Name());
-    if (row && IsNamed(type, *row)) {
-        out += row->name;
-        return true;
-    }
-    std::vector<std::string> literals(type.Count());
-    for (std::uint32_t i = 0; i < type.Count(); ++i) {
-        AppendScalar(literals[i], type, i, {.quoted = true});
-        if (literals[i][0] != '\'' && !IsIdentifier(literals[i])) {
-            return false;
-        }
-        out += i == 0 ? "(" : ", ";
-        out += literals[i];
-    }
-    out += ')';
-    return !literals.empty() && !FindRepeated({literals.begin(), literals.end()});
-}
-
-// Whether a type is a named array; its element and its index type must be those of the row.
-bool IsNamed(TypeView type, const NamedArray& row) {
-    const IndexRange& range = type.RangeAt(0);
-    return type.Count() == 1 && IsNamed(type.Element(), *FindNamedScalar(row.element)) &&
-           std::min(range.left, range.right) >= row.first_index &&
-           (range.constrained || (range.left == row.first_index && range.right == kLastIndex));
-}
-
-bool AppendArray(std::string& out, TypeView type) {
-    if (type.Count() == 0) {
-        return false;
-    }
-    const std::string_view name = type.Name();
-    const NamedArray* const row = FindNamedArray(name.substr(0, name.find('(')));
-    const bool named = row && IsNamed(type, *row);
-    out += named ? row->name : "array ";
-    if (!named || type.RangeAt(0).constrained) {
-        for (std::uint32_t i = 0; i < type.Count(); ++i) {
-            out += i == 0 ? "(" : ", ";
-            AppendIndex(out, type.RangeAt(i));
-        }
-        out += ')';
-    }
-    if (named) {
-        return true;
-    }
-    out += " of ";
-    return AppendVhdlType(out, type.Element());
-}
-
-bool AppendRecord(std::string& out, TypeView type) {
-    std::vector<std::string_view> names;
-    out += "record ";
-    for (std::uint32_t i = 0; i < type.Count(); ++i) {
-        names.push_back(type.FieldName(i));
-        if (!IsIdentifier(names.back())) {
-            return false;
-        }
-        out += names.back();
-        out += " : ";
-        if (!AppendVhdlType(out, type.Field(i))) {
-            return false;
-        }
-        out += "; ";
-    }
-    out += "end record";
-    if (IsIdentifier(type.Name())) {
-        out += ' ';
-        out += type.Name();
-    }
-    return !FindRepeated(names);
+    const IndexNeeds needs{limits, "a number as the bound"};
+    return ReadIndex(cursor_, needs, range) && cursor_.Expect(")", " behind the range") ? &type
+                                                                                        : nullptr;
 }
 
 }  // namespace
@@ -372,24 +330,6 @@ VhdlTypes ReadVhdlType(std::string_view text) {
     VhdlTypes out;
     VhdlReader(text, out).ReadWhole();
     return out;
-}
-
-bool AppendVhdlType(std::string& out, TypeView type) {
-    switch (type.Kind()) {
-        case KTypeInfo::KindEnum:
-            return AppendEnumeration(out, type);
-        case KTypeInfo::KindInteger:
-        case KTypeInfo::KindFloat:
-            AppendNumberType(out, type);
-            return true;
-        case KTypeInfo::KindArray:
-            return AppendArray(out, type);
-        case KTypeInfo::KindRecord:
-            return AppendRecord(out, type);
-        case KTypeInfo::KindNone:
-            break;
-    }
-    return false;
 }
 
 }  // namespace corv::typeinfo

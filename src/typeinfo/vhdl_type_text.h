@@ -15,10 +15,10 @@
 //     type        = enumeration | array | record | named
 //     enumeration = "(" literal { "," literal } ")"
 //     literal     = identifier | "'" character "'"
-//     array       = "array" "(" index { "," index } ")" "of" type
-//     record      = "record" { identifier { "," identifier } ":" type ";" }
-//                   "end" "record" [ identifier ]
-//     named       = { identifier "." } ( name | number | name "(" range ")" )
+//     array       = "array" "(" index { "," index } ")" "of" type    all constrained or none
+//     record      = "record" field { field } "end" "record" [ identifier ]
+//     field       = identifier { "," identifier } ":" type ";"
+//     named       = { identifier "." } ( name | number | name "(" ( index | "open" ) ")" )
 //
 // The names are those of named_types.h, arrays where a range in parentheses follows. Index, number
 // and range are in vhdl_range.h, the words in vhdl_words.h.
@@ -51,9 +51,11 @@ struct VhdlTypes {
     TypeProblem problem{};            // why not
 };
 
+// The reader, in vhdl_type_text.cpp.
 VhdlTypes ReadVhdlType(std::string_view text);
 
-// Appends a type; false for one that the grammar has no words for.
+// The writer, in vhdl_type_writer.cpp: appends a type; false for one that the grammar has no words
+// for.
 bool AppendVhdlType(std::string& out, TypeView type);
 
 }  // namespace corv::typeinfo

@@ -8,8 +8,122 @@
 namespace corv::typeinfo {
 namespace {
 
-constexpr std::array<std::string_view, 7> kKeywords{"array", "downto", "end", "of",
-                                                    "range", "record", "to"};
+// Of VHDL-2008, sorted.
+constexpr std::array<std::string_view, 115> kReservedWords{"abs",
+                                                           "access",
+                                                           "after",
+                                                           "alias",
+                                                           "all",
+                                                           "and",
+                                                           "architecture",
+                                                           "array",
+                                                           "assert",
+                                                           "assume",
+                                                           "assume_guarantee",
+                                                           "attribute",
+                                                           "begin",
+                                                           "block",
+                                                           "body",
+                                                           "buffer",
+                                                           "bus",
+                                                           "case",
+                                                           "component",
+                                                           "configuration",
+                                                           "constant",
+                                                           "context",
+                                                           "cover",
+                                                           "default",
+                                                           "disconnect",
+                                                           "downto",
+                                                           "else",
+                                                           "elsif",
+                                                           "end",
+                                                           "entity",
+                                                           "exit",
+                                                           "fairness",
+                                                           "file",
+                                                           "for",
+                                                           "force",
+                                                           "function",
+                                                           "generate",
+                                                           "generic",
+                                                           "group",
+                                                           "guarded",
+                                                           "if",
+                                                           "impure",
+                                                           "in",
+                                                           "inertial",
+                                                           "inout",
+                                                           "is",
+                                                           "label",
+                                                           "library",
+                                                           "linkage",
+                                                           "literal",
+                                                           "loop",
+                                                           "map",
+                                                           "mod",
+                                                           "nand",
+                                                           "new",
+                                                           "next",
+                                                           "nor",
+                                                           "not",
+                                                           "null",
+                                                           "of",
+                                                           "on",
+                                                           "open",
+                                                           "or",
+                                                           "others",
+                                                           "out",
+                                                           "package",
+                                                           "parameter",
+                                                           "port",
+                                                           "postponed",
+                                                           "procedure",
+                                                           "process",
+                                                           "property",
+                                                           "protected",
+                                                           "pure",
+                                                           "range",
+                                                           "record",
+                                                           "register",
+                                                           "reject",
+                                                           "release",
+                                                           "rem",
+                                                           "report",
+                                                           "restrict",
+                                                           "restrict_guarantee",
+                                                           "return",
+                                                           "rol",
+                                                           "ror",
+                                                           "select",
+                                                           "sequence",
+                                                           "severity",
+                                                           "shared",
+                                                           "signal",
+                                                           "sla",
+                                                           "sll",
+                                                           "sra",
+                                                           "srl",
+                                                           "strong",
+                                                           "subtype",
+                                                           "then",
+                                                           "to",
+                                                           "transport",
+                                                           "type",
+                                                           "unaffected",
+                                                           "units",
+                                                           "until",
+                                                           "use",
+                                                           "variable",
+                                                           "vmode",
+                                                           "vprop",
+                                                           "vunit",
+                                                           "wait",
+                                                           "when",
+                                                           "while",
+                                                           "with",
+                                                           "xnor",
+                                                           "xor"};
 
 // Letters beyond the 7-bit alphabet are those of whatever encoding the text has.
 bool IsNameStart(char c) noexcept {
@@ -19,9 +133,21 @@ bool IsNamePart(char c) noexcept {
     return IsNameStart(c) || platform::IsDigit(c) || c == '_';
 }
 
+// How many bytes of a no-break space stand first: one in Latin-1, two in UTF-8. Its last byte may
+// also end another character of UTF-8; that is told by the byte before it.
+std::size_t NoBreakSpace(std::string_view text, std::size_t at = 0) noexcept {
+    const bool follows = at > 0 && static_cast<unsigned char>(text[at - 1]) >= 0x80;
+    return text.substr(at).starts_with("\xC2\xA0")           ? 2
+           : text.substr(at).starts_with('\xA0') && !follows ? 1
+                                                             : 0;
+}
+
 std::size_t NameLength(std::string_view text) noexcept {
-    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), IsNamePart) -
-                                    text.begin());
+    std::size_t i = 0;
+    while (i < text.size() && IsNamePart(text[i]) && NoBreakSpace(text, i) == 0) {
+        ++i;
+    }
+    return i;
 }
 
 // Letters and all that may stand in a number, so that a misspelt one stays one word.
@@ -41,9 +167,13 @@ std::size_t NumberLength(std::string_view text) noexcept {
     return i;
 }
 
+constexpr bool EndsLine(char c) noexcept {
+    return c >= '\n' && c <= '\r';
+}
+
 // Through the closing backslash, a doubled one closes nothing; 0 when the line ends before it.
 std::size_t ExtendedLength(std::string_view text) noexcept {
-    for (std::size_t i = 1; i < text.size() && text[i] != '\n' && text[i] != '\r'; ++i) {
+    for (std::size_t i = 1; i < text.size() && !EndsLine(text[i]); ++i) {
         if (text[i] != '\\') {
             continue;
         }
@@ -60,10 +190,10 @@ std::size_t BlankLength(std::string_view text) noexcept {
     std::size_t at = 0;
     while (at < text.size()) {
         const std::string_view rest = text.substr(at);
-        if (platform::IsSpace(rest[0])) {
-            ++at;
+        if (const std::size_t blank = platform::IsSpace(rest[0]) ? 1 : NoBreakSpace(rest)) {
+            at += blank;
         } else if (rest.starts_with("--")) {
-            at += std::min(rest.find('\n'), rest.size());
+            at += std::min(rest.find_first_of("\n\v\f\r"), rest.size());
         } else if (rest.starts_with("/*") && rest.find("*/", 2) != std::string_view::npos) {
             at += rest.find("*/", 2) + 2;
         } else {
@@ -91,8 +221,7 @@ Word FirstWord(std::string_view text) noexcept {
     if (text.starts_with("/*")) {
         return {WordKind::Unclosed, text.substr(0, 2)};
     }
-    if (text[0] == '\'' && text.size() > 2 && text[2] == '\'' && text[1] != '\n' &&
-        text[1] != '\r') {
+    if (text[0] == '\'' && text.size() > 2 && text[2] == '\'' && !EndsLine(text[1])) {
         return {WordKind::Character, text.substr(0, 3)};
     }
     return {WordKind::Symbol, text.substr(0, text.starts_with("<>") ? 2 : 1)};
@@ -113,13 +242,20 @@ Word VhdlWords::Read() noexcept {
     return word;
 }
 
+bool IsReserved(std::string_view name) noexcept {
+    return std::any_of(kReservedWords.begin(), kReservedWords.end(),
+                       [&](std::string_view word) { return platform::EqualNoCase(word, name); });
+}
+
+bool HasWrongUnderscore(std::string_view name) noexcept {
+    return name.ends_with('_') || name.find("__") != std::string_view::npos;
+}
+
 bool IsIdentifier(const Word& word) noexcept {
     if (word.kind != WordKind::Name) {
         return word.kind == WordKind::Extended && word.text.find(' ') == std::string_view::npos;
     }
-    return std::none_of(kKeywords.begin(), kKeywords.end(), [&word](std::string_view keyword) {
-        return platform::EqualNoCase(keyword, word.text);
-    });
+    return !IsReserved(word.text) && !HasWrongUnderscore(word.text);
 }
 
 bool IsIdentifier(std::string_view text) noexcept {

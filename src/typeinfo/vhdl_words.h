@@ -5,8 +5,8 @@
 
 #include "platform/ascii.h"
 
-// VHDL text as words. Blanks, line breaks and comments (from "--" to the end of the line, or
-// between "/*" and "*/") separate them.
+// VHDL text as words. Blanks (the no-break space among them, in Latin-1 and UTF-8), line breaks and
+// comments (from "--" to the end of the line, or between "/*" and "*/") separate them.
 namespace corv::typeinfo {
 
 enum class WordKind {
@@ -45,7 +45,13 @@ private:
     Word next_;
 };
 
-// Whether the whole text is an identifier that is none of the keywords types are written with.
+// What no name may be, in any letter case: one of the reserved words of VHDL-2008; with two
+// underscores in a row or one at its end.
+bool IsReserved(std::string_view name) noexcept;
+bool HasWrongUnderscore(std::string_view name) noexcept;
+
+// Whether the whole text is an identifier that type descriptions can hold: an extended one without
+// blanks, or a name that is neither reserved nor has wrong underscores.
 bool IsIdentifier(const Word& word) noexcept;
 bool IsIdentifier(std::string_view text) noexcept;
 

@@ -44,10 +44,16 @@ std::size_t Distance(std::string_view a, std::string_view b) noexcept {
 std::string Quote(std::string_view word) {
     constexpr std::size_t kMaxQuoted = 40;
     std::string out = "`";
-    out += word.substr(0, kMaxQuoted);
+    std::size_t length = std::min(word.size(), kMaxQuoted);
+    while (length < word.size() && length > kMaxQuoted - 3 &&
+           (static_cast<unsigned char>(word[length]) & 0xC0) == 0x80) {
+        --length;  // a character of UTF-8 stays whole
+    }
+    out += word.substr(0, length);
     std::replace_if(
-        out.begin(), out.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
-    out += word.size() > kMaxQuoted ? "...`" : "`";
+        out.begin(), out.end(),
+        [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
+    out += length < word.size() ? "...`" : "`";
     return out;
 }
 

@@ -20,6 +20,17 @@ std::string_view SkipToNumber(std::string_view text) noexcept {
     return text;
 }
 
+// Whether a number that a double can't hold is too large and not too small: its first digit that is
+// not 0 stands before the point, once the exponent has moved that.
+bool IsLarge(std::string_view number) noexcept {
+    const std::size_t mantissa = std::min(number.find_first_of("eE"), number.size());
+    const std::size_t point = std::min(number.find('.'), mantissa);
+    const std::size_t first = std::min(number.find_first_of("123456789"), mantissa);
+    const auto place = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
+    const bool scaled = mantissa < number.size();
+    return SaturatingAdd(place, scaled ? LeadingInteger(number.substr(mantissa + 1)) : 0) > 0;
+}
+
 }  // namespace
 
 std::optional<std::string_view> FieldReader::Next() noexcept {
@@ -54,7 +65,13 @@ double LeadingReal(std::string_view text) noexcept {
     text = SkipToNumber(text);
     double number = 0;
     const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-    return read.ec == std::errc() ? number : 0;
+    if (read.ec != std::errc::result_out_of_range) {
+        return number;
+    }
+    const auto length = static_cast<std::size_t>(read.ptr - text.data());
+    const double end =
+        IsLarge(text.substr(0, length)) ? std::numeric_limits<double>::infinity() : 0;
+    return text[0] == '-' ? -end : end;
 }
 
 }  // namespace corv::util

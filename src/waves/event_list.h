@@ -134,6 +134,7 @@ private:
     // Room that is not worth giving back; a range is extended by at least kStep bytes.
     static constexpr std::size_t kSpareEvents = 4;
     static constexpr std::size_t kStep = Range::kWorthwhile / 2;
+    static constexpr std::size_t kSpread = 16;
 
     // An empty list with room for that many events, at least one; without room when memory runs
     // out.
@@ -171,8 +172,8 @@ EventList<Event, Range> EventList<Event, Range>::WithRoom(std::size_t count) noe
 template <class Event, class Range>
 bool EventList<Event, Range>::TakeRange(std::size_t bytes) noexcept {
     // Twice the addresses at first, so that many lists that grow together lie close: the processor
-    // finds their pages faster then. Far more for a list that outgrows them; it hardly moves again.
-    Range range = Range::Reserve(bytes * (bytes < 4 * Range::kWorthwhile ? 2 : 256));
+    // finds their pages faster then. More for a list that outgrows them, so that it seldom moves.
+    Range range = Range::Reserve(2 * bytes, bytes * (bytes < 4 * Range::kWorthwhile ? 2 : kSpread));
     if (!range || !range.Commit(bytes)) {
         return false;
     }

@@ -16,14 +16,15 @@ namespace corv::waves {
 // brought up to date when it is asked and takes a quarter of a byte an event.
 class TimeIndex {
 public:
-    // Lists of up to so many events stay in the processor's caches and need no index.
-    static constexpr std::size_t kWorthwhile = 16'384;
+    // Lists of up to so many events stay in the processor's caches and are searched as fast
+    // without.
+    static constexpr std::size_t kWorthwhile = 32'768;
 
     // The number of events before a time. Without memory for the index it takes longer.
     template <class Event>
     std::size_t CountEventsBefore(const Event* events, std::size_t count,
                                   std::int64_t time) noexcept {
-        if (fine_.size() < Groups(count) && !TakeTimes(events, count)) {
+        if (!IsComplete(count) && !TakeTimes(events, count)) {
             return CountBefore(events, count, time);
         }
         const std::size_t coarse = CountBefore(coarse_.data(), coarse_.size(), time);
@@ -43,6 +44,11 @@ private:
     static constexpr std::size_t kGroup = 32;
     static constexpr std::size_t Groups(std::size_t count) noexcept {
         return (count + kGroup - 1) / kGroup;
+    }
+
+    // Of both lists: memory may have run out between them.
+    bool IsComplete(std::size_t count) const noexcept {
+        return fine_.size() >= Groups(count) && coarse_.size() >= Groups(fine_.size());
     }
 
     // The number of items before a time, when so many groups of them begin before it.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/containers/container_support.h"
@@ -213,18 +214,6 @@ TEST_F(SignalContainer, OneManagerServesTheTree) {
     EXPECT_EQ(container->GetHandleManager(&untouched), E_FAIL);
     EXPECT_EQ(untouched, first.get());
     EXPECT_EQ(ReferencesTo(*second), 1U);
-
-    // members that were made anew have a manager of their own until they get handles
-    container->SetHandleManager(first.get());
-    auto& remade = *static_cast<FakeSignal*>(Find(*container, "s(1)"));
-    const int handles[] = {4, 5};
-    for (const char* const path : {"s(1).n", "s"}) {
-        remade.MakeComposite().Add(NewLeaf(".n").get());
-        container->AssignHandles(path, handles, 2);
-        EXPECT_EQ(Find(*container, "s(1).n"), first->GetFirstSignal(path[1] == '(' ? 4 : 5));
-    }
-    remade.MakeComposite();
-    EXPECT_EQ(TextOf(*first), "4:(0)");
 }
 
 TEST_F(SignalContainer, Enumerates) {
@@ -283,6 +272,33 @@ TEST_F(SignalContainer, TreesThatContainThemselves) {
     }
 }
 
+// Trees that have nothing in common may be used on several threads at once.
+TEST_F(SignalContainer, ThreadsDoNotMeet) {
+    ContainerPtr containers[2];
+    std::vector<std::thread> threads;
+    for (ContainerPtr& container : containers) {
+        container = NewContainer();
+        AddSignals(*container, "s((0) (1))");
+        threads.emplace_back([&container] {
+            ISignal* found = nullptr;
+            const ManagerPtr manager = ManagerOf(*container);
+            for (int i = 0; i < 200'000; ++i) {
+                container->FindSignal("s(1)", &found);
+                container->SetHandleManager(manager.get());
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (const ContainerPtr& container : containers) {
+        ISignalContainer& members = *Find(*container, "s")->GetSubSignals();
+        EXPECT_NE(Find(*container, "s(1)"), nullptr);
+        container->SetHandleManager(nullptr);
+        EXPECT_EQ(ManagerOf(members).get(), nullptr);
+    }
+}
+
 // The container's only other holder is a signal in it.
 TEST_F(SignalContainer, RemoveAllMayEndTheContainer) {
     ISignalContainer* members = nullptr;
@@ -321,6 +337,16 @@ TEST_F(SignalContainer, OutOfMemoryChangesNothing) {
     frame::ComPtr<ISignalEnumerator> signals;
     FailEveryAllocation(
         prepare, [&] { return container->EnumSignals(signals.Out()); }, check);
+    // a signal that stands in the list already
+    const auto prepare_again = [&] {
+        prepare();
+        b->SetName("b");
+        container->Add(b.get());
+        a->SetHandle(3);
+    };
+    FailEveryAllocation(
+        prepare_again, [&] { return container->Add(a.get()); },
+        [&](HRESULT) { EXPECT_EQ(TextOf(*container), "a=3 b=2"); });
     signals = {};
     container = {};
     EXPECT_EQ(TextOf(*manager), "");

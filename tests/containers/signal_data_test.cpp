@@ -166,7 +166,11 @@ TEST(SignalData, LoadsATree) {
     EXPECT_STREQ(data->GetShortName(), "s");
     EXPECT_EQ(data->FindByName("TOP\\S"), data.get());
     EXPECT_EQ(data->FindByName(".B.Y"), data->GetChildAt(1)->GetChildAt(1));
-    EXPECT_EQ(data->FindByName("s"), nullptr);
+    EXPECT_EQ(data->FindByName("top\\S.A"), data->GetChildAt(0)) << "selected";
+    EXPECT_EQ(data->FindByName("top\\s.b.B.x"), data->GetChildAt(1)->GetChildAt(0));
+    for (const char* const none : {"s", "top\\s.", "top\\s.c", "top\\s.a.b", "top"}) {
+        EXPECT_EQ(data->FindByName(none), nullptr) << none;
+    }
     EXPECT_EQ(data->FindByName(nullptr), nullptr);
     // a part of the tree is the root of what it loads itself, and may be kept beyond the tree
     const DataPtr part = DataPtr::Share(data->GetChildAt(1));
@@ -192,16 +196,23 @@ TEST(SignalData, EndsWhereARecordingLies) {
     reader.more_members = 3'000'000;
     EXPECT_EQ(load(reader, 2), ".b@2@80 (.b.x@3@80v= .b.y@9@-1 @0@-1!) #3,9");
     reader.more_members = -5;
-    EXPECT_EQ(load(reader, 1), "top\\s@1@90");
+    const DataPtr none = NewData();
+    EXPECT_EQ(none->LoadFromReader(&reader, 1), S_OK) << "a composite without members";
+    EXPECT_EQ(Show(*none), "top\\s@1@90s=CLK:FRM:Drive");
     reader = MakeReader();
     reader.signals[3].type = nullptr;
     EXPECT_EQ(load(reader, 1), "top\\s@1@90s=CLK:FRM:Drive (.a@7@50 .b@2@80 (.b.x@3@80!)) #7");
     reader.signals[3].type = "no type";
     EXPECT_EQ(load(reader, 3), ".b.x@3@80!");
-    // signals within themselves
+    // signals within themselves, and too many within each other
     reader = MakeReader();
     reader.signals[9].members = {1, 1};
     const DataPtr data = NewData();
+    EXPECT_EQ(data->LoadFromReader(&reader, 1), E_FAIL);
+    for (int i = 1; i <= 300; ++i) {
+        reader.signals[i] = reader.signals[9];
+        reader.signals[i].members = {i + 1};
+    }
     EXPECT_EQ(data->LoadFromReader(&reader, 1), E_FAIL);
     int depth = 0;
     for (ISignalData* node = data.get(); node->GetChildCount() > 0; ++depth) {

@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "corv/platform/cstring_array.h"
@@ -173,6 +174,14 @@ TEST(CStringArray, GrowsAndReadsOutside) {
     list.Add("x");
     list.RemoveAll();
     EXPECT_EQ(list.GetSize(), 0);
+}
+
+TEST(CStringArray, RefusesAnIndexPastAllLengths) {
+    CStringArray list;
+    list.Add("a");
+    EXPECT_THROW(list.SetAtGrow(INT_MAX, "b"), std::bad_alloc);
+    EXPECT_EQ(list.GetSize(), 1);
+    EXPECT_EQ(list.GetAt(0), "a");
 }
 
 }  // namespace

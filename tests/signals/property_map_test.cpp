@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "tests/support/failing_alloc.h"
 #include "tests/support/random_formula.h"
@@ -56,6 +58,37 @@ TEST(PropertyMap, RandomOperations) {
     }
 }
 
+// Pointers to values stay as they are through every change of other keys, in copies too, until
+// their own key is set or erased.
+TEST(PropertyMap, PointersOutliveChangesOfOtherKeys) {
+    Random random(11);
+    std::array<CPropertyMap, 3> maps;
+    std::array<std::map<std::string, std::pair<const char*, std::string>>, 3> held;
+    for (int i = 0; i < 5000; ++i) {
+        const std::size_t at = random.Below(maps.size());
+        const std::string key = "k" + std::to_string(random.Below(12));
+        if (random.OneIn(20)) {
+            const std::size_t from = random.Below(maps.size());
+            maps[at] = CPropertyMap(maps[from]);
+            held[at] = held[from];
+        } else if (random.OneIn(3)) {
+            maps[at].Erase(key.c_str());
+            held[at].erase(key);
+        } else {
+            const std::string value(random.Below(30), static_cast<char>('a' + random.Below(26)));
+            ASSERT_TRUE(maps[at].Set(key.c_str(), value.c_str()));
+            held[at][key] = {maps[at].Get(key.c_str()), value};
+        }
+        for (std::size_t map = 0; map < maps.size(); ++map) {
+            ASSERT_EQ(maps[map].GetCount(), static_cast<int>(held[map].size()));
+            for (const auto& [name, text] : held[map]) {
+                ASSERT_EQ(maps[map].Get(name.c_str()), text.first) << i;
+                ASSERT_EQ(text.first, text.second) << i;
+            }
+        }
+    }
+}
+
 TEST(PropertyMap, Integers) {
     struct Row {
         const char* text;
@@ -97,6 +130,12 @@ TEST(PropertyMap, WithoutMemoryItStaysAsItWas) {
             EXPECT_TRUE(map.Get("key") == old_value || map.Get("key") == new_value);
             EXPECT_EQ(map.Get("other"), nullptr);
         });
+    CPropertyMap copy;
+    FailEveryAllocation([&] { copy = map; }, [&] { return copy.Erase("key"); },
+                        [&](bool erased) {
+                            EXPECT_FALSE(erased);
+                            EXPECT_STREQ(copy.Get("key"), map.Get("key"));
+                        });
     EXPECT_TRUE(map.Set(nullptr, nullptr));
     EXPECT_STREQ(map.Get(""), "");
 }

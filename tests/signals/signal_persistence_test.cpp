@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <random>
+#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,6 +14,7 @@
 #include "tests/containers/fake_writer.h"
 #include "tests/containers/memory_stream.h"
 #include "tests/signals/signal_support.h"
+#include "tests/support/paths.h"
 #include "tests/support/table.h"
 
 namespace corv::test {
@@ -66,6 +70,39 @@ SignalPtr Bare() {
     SignalPtr signal;
     CreateSignal(nullptr, nullptr, signal.Out());
     return signal;
+}
+
+// The worked bytes of docs/formats/signal-tree.md: rows of an offset, bytes and what they are.
+std::string BytesOfThePage() {
+    std::ifstream page(TestFolder() + "/../docs/formats/signal-tree.md");
+    std::string bytes;
+    for (std::string line; std::getline(page, line);) {
+        static const std::regex row("\\| [0-9A-F]{4} \\| `((?:[0-9A-F]{2} ?)+)` \\|.*");
+        std::smatch match;
+        if (std::regex_match(line, match, row)) {
+            std::istringstream numbers(match[1]);
+            for (unsigned byte = 0; numbers >> std::hex >> byte;) {
+                bytes += static_cast<char>(byte);
+            }
+        }
+    }
+    return bytes;
+}
+
+TEST(SignalPersistence, WritesAndReadsTheBytesOfThePage) {
+    const SignalPtr signal = MakeSignal("r#4#pair2 a " + std::string(kBit) + " e r#0#0 ");
+    signal->SetName("p");
+    const ContainerPtr container = NewOwner();
+    container->Add(signal.get());
+    MemoryStream stream;
+    ASSERT_EQ(container->Save(&stream), S_OK);
+    const std::string bytes = BytesOfThePage();
+    EXPECT_EQ(stream.bytes, bytes);
+    MemoryStream of_page(bytes);
+    const ContainerPtr loaded = NewOwner();
+    EXPECT_EQ(loaded->Load(&of_page, nullptr), S_OK);
+    ISignal* member = nullptr;
+    EXPECT_EQ(loaded->FindSignal("p.a", &member), S_OK);
 }
 
 TEST(SignalPersistence, SavesTheDescribedBytes) {
@@ -188,6 +225,44 @@ TEST(SignalPersistence, RefusesTextsThatAreTooLong) {
     }
 }
 
+// What loading would refuse, anywhere in a tree, is not saved: not a byte of it.
+TEST(SignalPersistence, SavesNothingThatCouldNotBeLoaded) {
+    struct Row {
+        std::size_t key, value;
+        bool is_saved;
+    };
+    for (const Row& row : {Row{127, 10'239, true}, Row{128, 0, false}, Row{1, 10'240, false}}) {
+        const std::string key(row.key, 'k');
+        const std::string value(row.value, 'v');
+        const SignalPtr signal = MakeSignal("r#1#r1 a " + std::string(kTwoBits));
+        MemberAt(MemberAt(*signal, 0), 1).SetProperty(key.c_str(), value.c_str());
+        const ContainerPtr container = NewOwner();
+        container->Add(signal.get());
+        MemoryStream whole;
+        MemoryStream alone;
+        EXPECT_EQ(container->Save(&whole), row.is_saved ? S_OK : E_FAIL);
+        EXPECT_EQ(signal->Save(&alone), row.is_saved ? S_OK : E_FAIL);
+        EXPECT_EQ(whole.bytes.empty(), !row.is_saved);
+        EXPECT_EQ(alone.bytes.empty(), !row.is_saved);
+    }
+}
+
+// A record without fields has a container of members and no wave, loaded as well as made.
+TEST(SignalPersistence, ARecordWithoutFieldsComesBack) {
+    const ContainerPtr container = NewOwner();
+    container->Add(MakeSignal("r#1#r2 a " + std::string(kBit) + " e r#1#e0 ").get());
+    MemoryStream stream;
+    ASSERT_EQ(container->Save(&stream), S_OK);
+    const ContainerPtr loaded = NewOwner();
+    ASSERT_EQ(loaded->Load(&stream, nullptr), S_OK);
+    ISignal* top = nullptr;
+    ASSERT_EQ(loaded->GetAt(0, &top), S_OK);
+    ISignal& empty = MemberAt(*top, 1);
+    EXPECT_EQ(empty.GetWave(), nullptr);
+    ASSERT_NE(empty.GetSubSignals(), nullptr);
+    EXPECT_EQ(empty.GetSubSignals()->GetCount(), 0);
+}
+
 // ---- random trees ----
 
 std::string RandomType(std::mt19937& random, int depth) {
@@ -289,6 +364,9 @@ TEST(SignalPersistence, LoadsItselfFromAReader) {
     EXPECT_EQ(vector->GetSubSignals()->GetCount(), 1) << "not what its type tells";
     EXPECT_EQ(MemberAt(*vector, 0).GetParent(), vector);
     EXPECT_STREQ(MemberAt(*vector, 0).GetStimulator(), "s");
+    EXPECT_STREQ(scalar->GetStimulator(), "") << "loaded after one that has it";
+    scalar->SetColor(3);
+    EXPECT_EQ(MemberAt(*vector, 0).GetProperty("Color"), nullptr);
     EXPECT_EQ(scalar->GetHandle(), 3);
     EXPECT_EQ(scalar->GetWaveValueSize(), 8U);
 }

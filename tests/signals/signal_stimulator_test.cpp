@@ -3,6 +3,7 @@
 #include <string>
 
 #include "tests/signals/signal_support.h"
+#include "tests/support/failing_alloc.h"
 #include "tests/support/table.h"
 
 namespace corv::test {
@@ -82,6 +83,46 @@ TEST(SignalStimulator, HotKeyReachesEveryMember) {
     bus->SetHotKey(0);
     EXPECT_EQ(MemberAt(*bus, 3).GetProperty("Hot-Key"), nullptr);
     EXPECT_EQ(Stimulator(*bus), "2 ; - ; - ; - ; -");
+}
+
+// The text that is set may be any property of the signal's own.
+TEST(SignalStimulator, TakesItsOwnPropertiesAsText) {
+    struct Row {
+        int type;
+        const char* key;
+        const char* expected;
+    };
+    for (const Row& row :
+         {Row{0, "Saved", "0 ; 3 ; 0 0, 1 10 ; - ; -"},
+          Row{1, "Stimulator Formula", "1 ; 3 ; 1 5 ; - ; -"},
+          Row{0, "Hot-Key", "0 ; 3 ; 65 ; - ; -"}, Row{3, "Hot-Key", "3 ; 3 ; 1 5 ; 65 ; -"},
+          Row{2, "Hot-Key", "2 ; 2 ; - ; - ; 54"}}) {
+        const SignalPtr signal = MakeSignal(kStdLogic);
+        signal->SetStimulatorInfo(0, 2, "1 5");
+        signal->SetProperty("Hot-Key", "65");
+        signal->SetProperty("Saved", "0 0, 1 10");
+        signal->SetStimulatorInfo(row.type, 3, signal->GetProperty(row.key));
+        EXPECT_EQ(Stimulator(*signal), row.expected) << row.type << row.key;
+    }
+}
+
+TEST(SignalStimulator, WithoutMemoryAFormulaIsStoredWholeOrNotAtAll) {
+    SignalPtr signal;
+    FailEveryAllocation(
+        [&] {
+            signal = MakeSignal(kStdLogic);
+            signal->SetStimulatorInfo(0, 2, "1 5");
+        },
+        [&] {
+            signal->SetStimulatorInfo(1, 9, "0 0, 1 10, 0 20 -r 40");
+            return true;
+        },
+        [&](bool) {
+            const std::string now = Stimulator(*signal);
+            EXPECT_TRUE(now == "0 ; 2 ; 1 5 ; - ; -" ||
+                        now == "1 ; 9 ; 0 0, 1 10, 0 20 -r 40 ; - ; -")
+                << now;
+        });
 }
 
 }  // namespace

@@ -125,6 +125,13 @@ TEST(SignalType, BoundsOfMembers) {
         {Array("x", many, kBit), E_FAIL},  // an element's name of 265 characters
         {Array("x", {many.begin(), many.begin() + 21}, kBit), S_OK},  // of 253
     };
+    std::vector<std::string> ones(127, Range(1, 1));
+    rows.push_back({Array("x", ones, kBit), S_OK});  // of 255
+    ones.back() = Range(10, 10);
+    rows.push_back({Array("x", ones, kBit), E_FAIL});  // of 256
+    ones.back() = Range(1, 1);
+    ones.push_back(ones.back());
+    rows.push_back({Array("x", ones, kBit), E_FAIL});  // of 257
     for (const Row& row : rows) {
         const SignalPtr signal = MakeSignal(kStdLogic);
         ISignalWave* const wave = signal->GetWave();

@@ -4,7 +4,10 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "corv/stimulus/stimulus.h"
 #include "tests/support/table.h"
@@ -52,6 +55,26 @@ TEST(Clock, RecordsWriteAndReadBack) {
 }
 
 // record | complete | settings afterwards
+// Rates that no double holds are infinite or nothing.
+TEST(Clock, ReadsRatesPastTheRange) {
+    const std::string digits(400, '9');
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const auto& [text, rate] : std::vector<std::pair<std::string, double>>{
+             {"1e400", infinity},
+             {" -1e400x", -infinity},
+             {digits, infinity},
+             {"0." + std::string(400, '0') + "1", 0},
+             {"0." + std::string(400, '0') + "1e800", infinity},
+             {digits + "e-900", 0},
+             {"1e-99999999999999999999", 0},
+             {"+1e99999999999999999999", infinity},
+             {"1e308", 1e308}}) {
+        CClock clock;
+        EXPECT_FALSE(clock.StreamIn(text.c_str()));  // the other fields are missing
+        EXPECT_EQ(clock.GetRateValue(), rate) << text;
+    }
+}
+
 TEST(Clock, ReadsRecordsFieldByField) {
     for (const auto& row : Table(R"(
         5;2 | 0 | 5 2 0 0 50 0 ;; 1;;2;0;0;50;1 | 1 | 1 2 0 0 50 1

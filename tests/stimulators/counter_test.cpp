@@ -260,6 +260,9 @@ TEST_F(Counter, EndOfTime) {
     CCounterState counter;
     CString text;
     ASSERT_TRUE(counter.Init(formula.c_str(), 4, 1));
+    EXPECT_FALSE(counter.Advance());  // nothing is linked to it yet
+    EXPECT_EQ(counter.GetNextEventTime(0, -1), -1);
+    ASSERT_TRUE(counter.Init(formula.c_str(), 4, 1));
     counter.NoteStartTime(kLastTime);
     EXPECT_FALSE(counter.Advance());  // the value has moved on
     EXPECT_TRUE(counter.BuildSegment(text));

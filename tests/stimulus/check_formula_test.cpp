@@ -69,7 +69,7 @@ bus:8=X 0                      | 0  | 6  | W | `bus:8=`
 0 0 -r 5, 1 1 -r 6             | 4  | 4  | W | _
 0 10, 1 @5ps, X 20             | 6  | 6  | W | 5 ps
 0 0, 1 1.5                     | 7  | 3  | W | 1.5
-/custom a, b                   | 0  | 12 | E | no such file
+/custom a, b                   | 8  | 1  | E | no such file
 x \Counter                     | 0  | 2  | E | counter
 /vesk                          | 5  | 0  | E | _
 /vesk (010NS                   | 6  | 1  | E | _

@@ -266,7 +266,15 @@ TEST_F(EventFileOnDisk, WhatIsNoEventFileIsRefused) {
     std::ofstream(Name("empty.evt")).flush();
     ExpectRefused(Name("empty.evt"), "it is empty");
     std::ofstream(Name("text.evt")) << "today, at noon";
-    ExpectRefused(Name("text.evt"), "it is no recording of a known format");
+    ExpectRefused(Name("text.evt"),
+                  "it is not a recording of a known format: corv event file, VCD or GHW");
+    const std::string_view packed("\xFE\0\0\0\0\0\0\2\x21\0\0\0\0\0\0\3\x78\x1F\x8B", 19);
+    const std::string_view plain("\0\0\0\0\0\0\0\1\x49\0\0", 11);
+    for (const std::string_view beginning : {packed, plain}) {
+        std::ofstream(Name("run.fst"), std::ios::binary) << beginning;
+        ExpectRefused(Name("run.fst"),
+                      "it is an FST file, which is not read; convert it with fst2vcd first");
+    }
     ExpectRefused("/dev/null", "it is no ordinary file");
     EXPECT_EQ(stremo::CreateStreamRead(nullptr), nullptr);
     EXPECT_STREQ(LastStreamError(), "a name is missing");

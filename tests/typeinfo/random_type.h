@@ -187,7 +187,7 @@ inline KnownType RandomType(Random& random, int depth, bool named) {
             break;
         case KTypeInfo::KindRecord:
             type.name = named ? type.name : random.Pick(kNames);
-            for (std::size_t i = random.Below(4); i > 0; --i) {
+            for (std::size_t i = random.Below(4) + (named ? 0 : 1); i > 0; --i) {
                 type.field_names.push_back("f" + std::to_string(i));
                 type.parts.push_back(RandomType(random, depth - 1, named));
             }

@@ -12,7 +12,10 @@
 namespace corv::test {
 namespace {
 
+using namespace std::string_literals;
+
 const std::string kStdLogic = "e#9#std_logicc9 UX01ZWLH-";
+const std::string kStdUlogic = "e#10#std_ulogicc9 UX01ZWLH-";
 const std::string kBit = "e#3#bitc2 01";
 
 std::string FromVhdl(const std::string& text) {
@@ -60,9 +63,9 @@ TEST(VhdlType, Read) {
          "integer range -2147483648 to 0"},
         {"real range 0.0 to 0.123456789", "f#4#realrrct0 0.123457", "real range 0.0 to 0.123457"},
         {"real range -1e300 to 1.5", "f#4#realrrct-1e+300 1.5", "real range -1.0e+300 to 1.5"},
-        {"time range 0ns to 1.5 US", "f#4#timerrct0 1.5e+09", "time range 0 fs to 1.5e+09 fs"},
+        {"time range 0ns to 1.5 US", "f#4#timerrct0 1.5e+09", "time range 0 fs to 1500 ns"},
         {"time range 10 ps downto -1e3fs", "f#4#timerrcd10000 -1000",
-         "time range 10000 fs downto -1000 fs"},
+         "time range 10 ps downto -1 ps"},
         {"(idle, run, done)", "e#0#s3 idle run done ", nullptr},
         {"(a)", "e#0#s1 a ", nullptr},
         {"('0','1', ''', '\"', ' ')", "e#0#c5 01'\" ", "('0', '1', ''', '\"', ' ')"},
@@ -91,10 +94,37 @@ TEST(VhdlType, Read) {
              " \\c!\\ a#22#bit_vector(3 downto 0)1 ricd3 0 " + kBit,
          "record a : std_logic; b : bit_vector(3 downto 0); \\c!\\ : bit_vector(3 downto 0); end "
          "record"},
-        {"record p : record x : (on_, off); end record pt; end record line;",
-         "r#4#line1 p r#2#pt1 x e#0#s2 on_ off ",
-         "record p : record x : (on_, off); end record pt; end record line"},
-        {"record end record", "r#0#0 ", nullptr},
+        {"record p : record x : (on1, off); end record pt; end record line;",
+         "r#4#line1 p r#2#pt1 x e#0#s2 on1 off ",
+         "record p : record x : (on1, off); end record pt; end record line"},
+        {"record a : bit; end record \\x y\\", "r#5#\\x y\\1 a " + kBit,
+         "record a : bit; end record"},
+        {"work.\\My Pkg\\.signed(0 to 0)", "a#14#signed(0 to 0)1 rict0 0 " + kStdLogic,
+         "signed(0 to 0)"},
+        {"std_logic_vector(natural range 7 downto 0)", byte, "std_logic_vector(7 downto 0)"},
+        {"std_logic_vector(open)", std::string(typeinfo::kStandardTypes[7]), "std_logic_vector"},
+        {"signed(open)", "a#6#signed1 riut0 2147483647 " + kStdLogic, "signed"},
+        {"array (std.standard.natural range <>) of bit", "a#0#1 riut0 2147483647 " + kBit,
+         "array (natural range <>) of bit"},
+        {"array (natural) of bit", "a#17#(0 to 2147483647)1 rict0 2147483647 " + kBit,
+         "array (0 to 2147483647) of bit"},
+        {"u_signed(7 downto 0)", "a#20#u_signed(7 downto 0)1 ricd7 0 " + kStdUlogic, nullptr},
+        {"unresolved_sfixed(3 downto -4)",
+         "a#30#unresolved_sfixed(3 downto -4)1 ricd3 -4 " + kStdUlogic, nullptr},
+        {"float32", "a#19#float(8 downto -23)1 ricd8 -23 " + kStdLogic, "float(8 downto -23)"},
+        {"float64", "a#20#float(11 downto -52)1 ricd11 -52 " + kStdLogic, "float(11 downto -52)"},
+        {"float128", "a#21#float(15 downto -112)1 ricd15 -112 " + kStdLogic,
+         "float(15 downto -112)"},
+        {"ieee.std_logic_1164.X01", kStdLogic, "std_logic"},
+        {"UX01Z", kStdLogic, "std_logic"},
+        {"resolved std_ulogic", kStdLogic, "std_logic"},
+        {"-- x\rbit", kBit, "bit"},
+        {"-- x\fbit\v-- y", kBit, "bit"},
+        {"bit\xA0", kBit, "bit"},
+        {"\xC2\xA0"
+         "bit\xC2\xA0;",
+         kBit, "bit"},
+        {"(\xC3\xA0, b)", "e#0#s2 \xC3\xA0 b ", nullptr},
         {" -- a comment\n\tarray /* one\n more */ (0 to\r\n 3) of -- :\n bit -- the end",
          "a#8#(0 to 3)1 rict0 3 " + kBit, "array (0 to 3) of bit"},
     };
@@ -144,7 +174,21 @@ constexpr const char* kProblems = R"table(
     (a, to) | 4 | 2 | expected a literal ;; (\a b\) | 1 | 5 | blank
     array 0 to 3 of bit | 6 | 1 | expected `(` ;; array (<>) of bit | 7 | 2 | found `<>`
     array (boolean) of bit | 7 | 7 | whole numbers
-    array (natural) of bit | 14 | 1 | expected `range`
+    array (0 to 3, natural range <>) of bit | 15 | 7 | in all of its dimensions or in none
+    array (natural range <>, 0 to 3) of bit | 25 | 1 | in all of its dimensions or in none
+    record end record | 7 | 3 | at least one field
+    record in : bit; end record | 7 | 2 | found `in`, a reserved word
+    (begin, in) | 1 | 5 | a reserved word ;; (a__b) | 1 | 4 | whose underscores no name may have
+    (a_) | 1 | 2 | whose underscores no name may have
+    unsigned(-1 downto 0) | 9 | 11 | holds no value; only ranges that hold one can be read
+    string(1 to 0) | 7 | 6 | holds no value; only ranges that hold one can be read
+    string(natural range 0 to 3) | 21 | 1 | `0` is no value of `positive`
+    unsigned(positive range 0 to 3) | 24 | 1 | `0` is no value of `positive`
+    std_logic_vector(integer) | 17 | 7 | `integer` has values that are none of `natural`
+    real range -1.0e-3 to 16#F.8# | 22 | 7 | a based literal; write the bound of a real in decimal
+    integer range 0 to 16#FF | 19 | 5 | no closing `#`
+    std_ulogic range 'X' to '1' | 11 | 5 | only ranges of numbers can be read
+    resolved bit | 9 | 3 | expected `std_ulogic` behind `resolved`
     array (0 to 3) bit | 15 | 3 | expected `of` ;; array (0 to 3) of | 17 | 0 | expected a type
     record a : bit end record | 15 | 3 | expected `;`
     record a bit; end record | 9 | 3 | expected `:`
@@ -202,11 +246,26 @@ TEST(VhdlType, WrittenOut) {
     for (const auto& row : rows) {
         EXPECT_EQ(ToVhdl(row.type), row.vhdl) << row.type;
     }
-    for (const char* const type :
-         {"e#1#xc0 ", "e#1#xs2 a 7b ", "e#1#xs1 \\open ", "e#1#xs2 of a ", "e#1#xs2 a A ",
-          "e#1#xc2 00", "a#1#x0  ebit c2 01", "r#1#x1 end ebit c2 01", "r#1#x1 a.b ebit c2 01",
-          "r#1#x2 a ebit c2 01 A ebit c2 01", "r#1#x1 a ex c0 ", "", "bit", "i#5#counterict-5 5",
-          "a#3#busricd7 0 ebit c2 01"}) {
+    for (const char* const type : {"e#1#xc0 ",
+                                   "e#1#xs2 a 7b ",
+                                   "e#1#xs1 \\open ",
+                                   "e#1#xs2 of a ",
+                                   "e#1#xs2 a A ",
+                                   "e#1#xc2 00",
+                                   "a#1#x0  ebit c2 01",
+                                   "r#1#x1 end ebit c2 01",
+                                   "r#1#x1 a.b ebit c2 01",
+                                   "r#1#x2 a ebit c2 01 A ebit c2 01",
+                                   "r#1#x0 ",
+                                   "e#1#xs1 a_ ",
+                                   "e#1#xs1 a__b ",
+                                   "r#1#x1 signal ebit c2 01",
+                                   "a#1#x2 rict0 3 riut0 2147483647 ebit c2 01",
+                                   "r#1#x1 a ex c0 ",
+                                   "",
+                                   "bit",
+                                   "i#5#counterict-5 5",
+                                   "a#3#busricd7 0 ebit c2 01"}) {
         EXPECT_EQ(ToVhdl(type), "no text") << type;  // VHDL has no words for it
     }
     CString text;
@@ -237,6 +296,25 @@ TEST(VhdlType, Limits) {
     EXPECT_EQ(FromVhdl(std::string((16 << 20) + 1, ' ')), "at 0: the text is longer than 16 MiB");
 }
 
+// The reserved words of VHDL-2008 in any letter case, and what only resembles them.
+TEST(VhdlType, ReservedWordsAreNoNames) {
+    for (const char* word : {"abs", "XNOR", "Signal", "vunit", "assume_guarantee", "null", "end"}) {
+        EXPECT_EQ(FromVhdl("(a, "s + word + ")").substr(0, 5), "at 4:") << word;
+        EXPECT_EQ(ToVhdl("e#1#xs1 "s + word + " "), "no text") << word;
+    }
+    for (const char* word : {"ab", "signals", "o", "outs", "natural", "\\signal\\", "range1"}) {
+        EXPECT_EQ(FromVhdl("(a, "s + word + ")"), "e#0#s2 a "s + word + " ");
+    }
+}
+
+// Quotes in messages are cut between characters.
+TEST(VhdlType, LongWordsAreQuotedInPart) {
+    const std::string name = "a" + std::string(38, 'b') +
+                             "\xC3\xA4"
+                             "cdef";
+    EXPECT_NE(FromVhdl(name).find("`" + name.substr(0, 39) + "...`"), std::string::npos);
+}
+
 TEST(VhdlType, RandomTypesReadWhatTheBuildersWrite) {
     for (std::uint32_t seed = 1; seed <= 2000; ++seed) {
         Random random(seed);
@@ -253,7 +331,7 @@ TEST(VhdlType, RandomTypesReadWhatTheBuildersWrite) {
 TEST(VhdlType, MutatedTexts) {
     Random random(9);
     const std::string texts[] = {
-        "record a, b : std_logic; c : array (0 to 3, natural range <>) of unsigned(7 downto 0); "
+        "record a, b : std_logic; c : array (0 to 3, natural range 1 to 2) of unsigned(7 downto 0); "
         "d : (idle, '1', \\x y\\); e : integer range -5 to 16#f#; end record r",
         "/* all */ array (1 to 2) of time range 0 ns to 1.5e3 us -- end",
     };

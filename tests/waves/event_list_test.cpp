@@ -22,7 +22,7 @@ public:
     static constexpr std::size_t kWorthwhile = 1024;
     static inline Random* failing = nullptr;
 
-    static SmallRange Reserve(std::size_t bytes) {
+    static SmallRange Reserve(std::size_t, std::size_t bytes) {
         SmallRange range;
         if (failing == nullptr || !failing->OneIn(3)) {
             range.reserved_ = std::min<std::size_t>(bytes, 16384);

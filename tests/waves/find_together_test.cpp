@@ -21,7 +21,7 @@ TEST(FindTogether, FindsWhatEachSearchAloneFinds) {
         std::vector<List> lists(count);
         std::vector<List*> pointers;
         for (List& list : lists) {
-            const std::size_t size = random.OneIn(4) ? 20'000 : random.Below(100);
+            const std::size_t size = random.OneIn(4) ? 40'000 : random.Below(100);
             for (std::int64_t time = 0; list.size() < size; time += random.Below(3) == 0 ? 1 : 0) {
                 if (list.full()) {
                     ASSERT_TRUE(list.MakeRoom());

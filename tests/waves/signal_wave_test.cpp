@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <string>
@@ -264,6 +265,60 @@ TEST(SignalWave, EveryAllocationFailsOnce) {
         IWaveEvent* event = nullptr;
         ASSERT_EQ(events->Next(1, &event, nullptr), S_OK);
         ASSERT_EQ(event->GetFlags(), time >= 0 && time % 2 != 0 ? 1 : 0);
+    }
+}
+
+// Every operation on waves that are long enough for an index and a range of addresses, each request
+// for memory failing once: an answer is the right one or E_OUTOFMEMORY, and the wave answers
+// rightly afterwards.
+TEST(SignalWave, EveryAllocationFailsOnceOnLongWaves) {
+    constexpr std::int64_t kCount = 40'000;
+    Wave wave = NewWave();
+    IWaveEvent* event = nullptr;
+    const auto expect_found = [&] {
+        for (const std::int64_t time : {std::int64_t{0}, 5 * kCount, 10 * (kCount - 1)}) {
+            ASSERT_EQ(wave->FindEvent(time, FindAt, &event), S_OK);
+            ASSERT_EQ(event->GetTime(), time);
+        }
+    };
+    const auto prepare = [&](bool is_searched) {
+        wave = NewWave();
+        for (std::int64_t i = 0; i < kCount; ++i) {
+            ASSERT_EQ(wave->AddEvent(10 * i, 0, "abcd", 4), S_OK);
+        }
+        if (is_searched) {
+            expect_found();
+        }
+    };
+    struct Row {
+        const char* name;
+        std::function<HRESULT()> operation;
+        std::uint32_t done;  // events after it
+    };
+    const Row rows[] = {
+        {"search", [&] { return wave->FindEvent(5 * kCount, FindAt, &event); }, kCount},
+        {"remove one", [&] { return wave->RemoveEvent(70); }, kCount - 1},
+        {"remove many", [&] { return wave->RemoveEvents(11, 20'009); }, kCount - 1999},
+        {"append", [&] { return wave->AddEvent(10 * kCount, 0, "abcd", 4); }, kCount + 1},
+        {"commit",
+         [&] {
+             const HRESULT added = wave->AddPendingEvent(-10, "abcd", 4);
+             return added == S_OK ? wave->CommitPendingEvents() : added;
+         },
+         kCount + 1}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        for (const bool is_searched : {false, true}) {
+            ASSERT_NO_FATAL_FAILURE(prepare(is_searched));
+            FailEveryAllocation(row.operation, [&](HRESULT result) {
+                ASSERT_TRUE(result == S_OK || result == E_OUTOFMEMORY) << result;
+                ASSERT_EQ(wave->GetEventCount(), result == S_OK ? row.done : kCount);
+                ASSERT_NO_FATAL_FAILURE(expect_found());
+                ASSERT_NO_FATAL_FAILURE(prepare(is_searched));
+            });
+            EXPECT_EQ(wave->GetEventCount(), row.done);
+            ASSERT_NO_FATAL_FAILURE(expect_found());
+        }
     }
 }
 

@@ -8,9 +8,13 @@
 class ISignal;
 
 // The index from simulator handles to the signals that carry them. Several signals may carry one
-// handle; they are listed in the order in which they were registered. Signals are not counted: one
-// that ends must have been removed before, and so must one whose handle changes. Handle -1 means
-// none and is never listed.
+// handle; they are listed in the order in which they were registered. Handle -1 means none and is
+// never listed.
+//
+// Signals are not counted. A signal of this library that ends leaves all managers, whatever handle
+// it has by then; one that a host has made must have been removed before, also when its handle
+// changes. A signal whose handle changes stays listed under the old one until it is added again
+// (it is then listed under both), ends, or leaves a container that uses the manager.
 //
 // The manager has two cursors, one over the handles and one over a handle's signals. Adding or
 // removing entries ends an enumeration in progress; it is started again with the First operation.

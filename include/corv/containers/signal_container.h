@@ -24,7 +24,8 @@ class IEventsStreamRead;
 class ISignalContainer : public IUnknown {
 public:
     // Puts a signal in front of another. E_INVALIDARG when that one is not in the list;
-    // E_OUTOFMEMORY, with the list as it was.
+    // E_OUTOFMEMORY, also of the handle manager, with the list as it was; no other result of the
+    // handle manager counts.
     virtual HRESULT CORV_CALL Insert(ISignal* signal, ISignal* before) = 0;
 
     // Appends a signal. Gives what the handle manager says (E_INVALIDARG for a signal without a
@@ -32,8 +33,8 @@ public:
     // E_OUTOFMEMORY with nothing appended.
     virtual HRESULT CORV_CALL Add(ISignal* signal) = 0;
 
-    // Unregisters a signal with all its members, takes it out and releases it. E_FAIL when it is
-    // not in the list.
+    // Unregisters a signal with all its members, whatever their handles, takes it out (its first
+    // place, when it stands in several) and releases it. E_FAIL when it is not in the list.
     virtual HRESULT CORV_CALL Remove(ISignal* signal) = 0;
 
     // Puts a new signal in the place of one in the list and gives it that one's name. E_INVALIDARG
@@ -52,8 +53,9 @@ public:
     virtual int CORV_CALL GetCount() = 0;
 
     // Gives the leaves below the signal of that path (see FindSignal) the handles, in order, until
-    // either ends. A leaf shares the wave of the first signal registered under its handle, else it
-    // has its own. E_INVALIDARG for a count below 1, E_FAIL when there is no such signal.
+    // either ends, and registers them with this container's handle manager. A leaf shares the wave
+    // of the first signal registered under its handle, else it has its own. E_INVALIDARG for a
+    // count below 1, E_FAIL when there is no such signal.
     virtual HRESULT CORV_CALL AssignHandles(const char* path, const int* handles, int count) = 0;
 
     // Finds a signal by its name and the element and field selections behind it: "s(3).a" is the
@@ -73,22 +75,25 @@ public:
     virtual HRESULT CORV_CALL GetHandleManager(IHandleManager** manager) = 0;
 
     // Replaces the handle manager (null: none) here and in all containers of members below.
-    // Signals in the list are not registered with the new one and stay registered with the old one:
-    // whoever keeps that removes them there before they end. S_OK.
+    // Signals in the list are not registered with the new one; with the old one they stay
+    // registered until they end. S_OK.
     virtual HRESULT CORV_CALL SetHandleManager(IHandleManager* manager) = 0;
 
     // Appends the signals of a stream that Save has written, as members of the parent unless that
     // is null. A signal that can't be read ends nothing: what is read stays. The stream's result
-    // when the count can't be read; E_FAIL when it is 0 and when members are nested too deep; else
-    // S_OK.
+    // when the count can't be read; E_FAIL when it is 0, and when members are nested too deep or
+    // memory runs out, which ends the load; else S_OK.
     virtual HRESULT CORV_CALL Load(IByteStream* stream, ISignal* parent) = 0;
 
-    // Writes all signals with their properties and members, but no events. E_FAIL when there are
-    // more than 65,535 or members are nested too deep; else the first result that is a failure.
+    // Writes all signals with their properties and members, but no events. E_FAIL, before the first
+    // byte is written, for what Load would refuse: more than 65,535 signals, members nested too
+    // deep, texts of properties that are too long (ISignal::Save); else the first result that is a
+    // failure.
     virtual HRESULT CORV_CALL Save(IByteStream* stream) = 0;
 
-    // Appends the signals of a recording, without their events. E_FAIL when one can't be read, and
-    // after 1,048,576 of them, members counted; those before it stay.
+    // Appends the signals of a recording, without their events. E_FAIL when one can't be read:
+    // LastStreamError (stream_error.h) tells why, and those before it stay. A signal that is a
+    // member of itself can't be read, nor what comes after 67,108,864 signals, members counted.
     virtual HRESULT CORV_CALL LoadFromReader(stremo::IEventsStreamRead* reader) = 0;
 
     // Writes the signals, without events, to a recording. E_FAIL for a null writer or when it

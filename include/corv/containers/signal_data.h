@@ -43,15 +43,18 @@ public:
     // before is gone. The object gets the handles of all scalars below it, in the order of the
     // type's scalars, and the id -1. E_INVALIDARG, with nothing changed, for a null reader;
     // E_OUTOFMEMORY; E_FAIL for a handle of -1, without a valid type, when a sub-signal can't be
-    // read, when the recording names a negative number of them, nests them more than 256 levels
-    // deep or has more than 1,048,576 below the signal. What was read until then stays.
+    // read, when the recording nests them more than 256 levels deep, one within itself, or has more
+    // than 67,108,864 below the signal. A negative number of them is none. What was read until then
+    // stays.
     virtual HRESULT LoadFromReader(stremo::IEventsStreamRead* reader, int handle) = 0;
 
     // E_NOTIMPL.
     virtual HRESULT Reserved1(std::uint32_t reserved) = 0;
 
-    // The first of this object and those below it, depth first, whose full name equals the text
-    // without regard to case. Null when there is none and for null.
+    // The first of this object and those below it, depth first, whose name equals the text without
+    // regard to case; if there is none, the one below it that the text selects from its name:
+    // "top\s(3).a" is the sub-signal ".a" of the sub-signal "(3)" of "top\s". Null when there is
+    // none and for null.
     virtual ISignalData* FindByName(const char* name) = 0;
 
     // Null without a type.

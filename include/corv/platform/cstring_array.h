@@ -1,5 +1,7 @@
 #pragma once
 
+#include <limits>
+#include <new>
 #include <vector>
 
 #include "corv/platform/cstring.h"
@@ -38,6 +40,9 @@ public:
     void SetAtGrow(int index, const char* text) {
         if (index < 0) {
             return;
+        }
+        if (index == std::numeric_limits<int>::max()) {
+            throw std::bad_alloc();  // its length is no int
         }
         CString copy(text);
         if (!Holds(index)) {

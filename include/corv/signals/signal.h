@@ -19,10 +19,10 @@ class IEventsStreamRead;
 // are compared without regard to case; they are named with the operations. Numbers are kept in
 // decimal.
 //
-// Texts that operations return belong to the signal: a property's until that property is changed, a
-// value's until the next value text of any signal. Pointers to other objects are borrowed, without
-// a reference, except those of the Enum operations and GetBusEventIterator, which the caller
-// releases. A null text is stored as an empty one.
+// Texts that operations return belong to the signal: a property's until that property is changed,
+// whatever happens to others; a value's until the next value text of any signal. Pointers to other
+// objects are borrowed, without a reference, except those of the Enum operations and
+// GetBusEventIterator, which the caller releases. A null text is stored as an empty one.
 class ISignal : public IUnknown {
 public:
     // "Name"; null when there is none.
@@ -37,7 +37,8 @@ public:
     // "Type Info", the type-description string; null when there is none.
     virtual const char* CORV_CALL GetTypeInfo() = 0;
 
-    // Gives the signal a type: a scalar one a new wave, an array one member an element ("(3)",
+    // Gives the signal a type: a scalar one a new wave (a type of 4 or 8 bytes keeps one with
+    // values of that size, and its events), an array one member an element ("(3)",
     // "(1,2)"), a record one a field (".a"). The string that it has already changes nothing. A
     // composite signal loses its handle; the display mode becomes the type's usual one.
     // E_INVALIDARG for a string that is no type; E_FAIL when it can't be built: a dimension of more
@@ -91,12 +92,16 @@ public:
     virtual void CORV_CALL SetValueTextFlag(bool quoted) = 0;
 
     // The text of the value of an event of this signal's wave. Null without a type or wave, and
-    // when the value has no text.
+    // when the value has no text. It is written after the last value text, whose end it may take
+    // away: that one is to be copied before. After a text that fills the 10,240 bytes there is no
+    // room: null until the next GetValueTextAt or GetValueText.
     virtual const char* CORV_CALL GetEventText(IWaveEvent* event) = 0;
 
     // The text of the value at a time, of the event that the mode (EFindMode) chooses: of an array
     // of scalars one text (01XZ), of other composites the members' in parentheses ((01XZ,5)). Null
-    // when there is no such value, for a marked event, and for texts of 10,240 characters or more.
+    // when there is no such value, for a marked event, for texts of 10,240 characters or more, and
+    // for arrays whose waves' values are more than 10,240 bytes together: more than 2,560 elements
+    // of 4 bytes or 1,280 of 8.
     // FindAt means for a composite: at least one member changes exactly then.
     virtual const char* CORV_CALL GetValueTextAt(std::int64_t time, std::uint32_t mode) = 0;
 
@@ -115,7 +120,8 @@ public:
 
     // Sets the stimulator: type 0 or 1 a formula, kept in its normal form; 2 a hot key, the first
     // character of the text; 3 a clock, kept in "Stimulator Clock"; -1 or no text none at all. The
-    // hot key is erased first in every case. A formula that CStimulus refuses changes nothing else.
+    // hot key is erased in every case. A formula that CStimulus refuses changes nothing else, nor
+    // does one that memory runs out for. The text may be a property of this signal.
     virtual void CORV_CALL SetStimulatorInfo(int type, int strength, const char* text) = 0;
 
     // "Hot-Key", else 0. Setting it makes the stimulator a hot key, here and in all members below;
@@ -150,7 +156,8 @@ public:
     virtual HRESULT CORV_CALL Load(IByteStream* stream, ISignalContainer* owner,
                                    ISignal* parent) = 0;
     // Writes this signal, properties and members, but no events. E_FAIL when a property can't be
-    // written, or a text or number of entries doesn't fit 16 bits.
+    // written; and, before the first byte is, when the tree holds what Load would refuse: a key of
+    // more than 127 bytes, a value of more than 10,239, more than 65,535 entries.
     virtual HRESULT CORV_CALL Save(IByteStream* stream) = 0;
 
     // As Load, from a recording; name, handle, mode and type are set by the owner.
@@ -176,7 +183,7 @@ protected:
 };
 
 // Makes a signal with a type (null or empty: none) below a parent (null: none); the caller releases
-// it. E_FAIL when the type can't be applied, E_OUTOFMEMORY. The out is null after E_FAIL.
+// it. E_FAIL when the type can't be applied, E_OUTOFMEMORY. The out is null after each failure.
 CORV_API HRESULT CreateSignal(const char* type, ISignal* parent, ISignal** signal) noexcept;
 
 // The same with a standard type, see CreateStdTypeInfo; E_INVALIDARG for an index that is none. The

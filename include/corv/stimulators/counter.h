@@ -31,7 +31,8 @@ public:
     // The first event of a wire after a time, -1 when there is none and where GetValue gives 0.
     std::int64_t GetNextEventTime(unsigned wire, std::int64_t time) noexcept;
 
-    // Makes the next period. False when its end is past the range of times; the value has moved on.
+    // Makes the next period. False when no start time was noted and when its end is past the range
+    // of times; the value has moved on.
     bool Advance() noexcept;
 
     // Moves the value on and writes the period from the current end on as a formula:
@@ -42,7 +43,8 @@ public:
     // The number of wires.
     unsigned GetWidth() const noexcept { return width_; }
 
-    // Drive one stimulus with the whole value; binary counters only.
+    // After an Init for one wire: that wire has the whole value, "10#14". False, with wires as
+    // before, for a counter that is not binary.
     bool MakeWhole() noexcept;
 
 private:
@@ -69,7 +71,7 @@ private:
     std::int64_t current_ = 0;  // bits above the width may be set; they are never shown
     std::optional<Segment> segment_;
     unsigned width_ = 0;
-    int split_mode_ = 0;
+    int split_mode_ = 0;  // as given; periods are numbers and need no splitting
     bool whole_ = false;
     bool ready_ = false;  // Init has succeeded
 };

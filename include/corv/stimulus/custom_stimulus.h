@@ -12,7 +12,8 @@
 
 namespace corv::recording {
 class SignalCursor;
-}
+class SignalReader;
+}  // namespace corv::recording
 
 // A recorded signal as a stimulus: what it did in its recording it does again. Times are
 // picoseconds; -1 stands for no event. One thread at a time may use it.
@@ -29,9 +30,16 @@ public:
     CCustomStimulus& operator=(const CCustomStimulus& other) noexcept;
     ~CCustomStimulus();
 
-    // Opens a recording and finds a signal in it. Gives 1, or 0 with the object empty when the
-    // recording can't be opened (corv::LastStreamError says why) or has no such signal.
+    // Opens a recording and finds a signal in it. ".", "/" and the hierarchy separator are alike in
+    // its name; a signal that is written exactly so comes before one in another case, and one that
+    // is declared by the name before an element of another. Returns 1, or 0 with the object empty
+    // when the recording can't be opened (corv::LastStreamError says why) or has no such signal.
     int Create(const char* event_file, const char* signal) noexcept;
+
+    // The same for the scalar of a handle of a reader, whatever its name. The object takes the
+    // reader and ends it, without success too. A copy reads on with a shared one
+    // (corv/stremo/stream_details.h), and is empty when the reader is a host's.
+    int CreateFrom(stremo::IEventsStreamRead* reader, int handle) noexcept;
 
     // Closes the recording.
     void Destroy() noexcept;
@@ -48,7 +56,8 @@ public:
 
 private:
     bool Open() noexcept;
-    bool FindSignal() noexcept;
+    void Begin() noexcept;
+    corv::recording::SignalCursor* Cursor() noexcept;
     void ClearHandleMan(ISignal* signal) noexcept;
     bool QueryCache(IHandleManager* manager) noexcept;
     bool TakeEvents(IHandleManager* manager, std::int64_t time) noexcept;
@@ -60,5 +69,9 @@ private:
     ISignal* signal_ = nullptr;  // of the container
     CString file_name_;
     CString signal_name_;
-    std::unique_ptr<corv::recording::SignalCursor> cursor_;  // of the library's own readers
+    // reader_ as one of the library's own, null for a host's, and the cursor of the former once
+    // something has been asked
+    corv::recording::SignalReader* own_reader_ = nullptr;
+    int given_handle_ = -1;  // to CreateFrom
+    std::unique_ptr<corv::recording::SignalCursor> cursor_;
 };

@@ -115,8 +115,8 @@ public:
     // as (a,b,c); several dimensions are one list, the last index running fastest. An integer is
     // written in decimal or, for radix 2, 8 and 16, as a based literal (16#FF#); elements of an
     // array always in decimal. A floating-point value is the shortest decimal text that reads back
-    // to it. Option 2 puts one-character literals in apostrophes and arrays of them in double
-    // quotes. The last argument is reserved; pass -1.
+    // to it, so a whole one has no point (2, 1e+20). Option 2 puts one-character literals in
+    // apostrophes and arrays of them in double quotes. The last argument is reserved; pass -1.
     CString GetValueString(const unsigned char* bytes, int radix, unsigned int option,
                            int reserved) const noexcept;
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace corv::host {
+
+// Where a word stands in a formula.
+struct WordPlace {
+    std::size_t position;
+    std::size_t length;
+};
+
+// The values of a list of values and times, in their order, without the repeat period; none of a
+// counter, a custom formula or the compact notation.
+std::vector<WordPlace> ValueWords(std::string_view formula);
+
+}  // namespace corv::host

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace corv::containers {
+
+class HandleManager;
+
+// One entry of a signal in a handle manager.
+struct Listing {
+    HandleManager* manager;
+    int handle;            // under which it stands there
+    std::uint64_t number;  // its place among the entries of that handle
+};
+
+// Where a signal is listed. A signal has this as a field, whose end takes it out of all managers
+// whatever handle the signal has by then; a manager that ends takes its entries out of here.
+class Listings {
+public:
+    Listings() noexcept = default;
+    Listings(const Listings&) = delete;
+    Listings& operator=(const Listings&) = delete;
+    ~Listings();
+
+    // Null when there is none. A place that is found is valid until the next change.
+    const Listing* Find(const HandleManager& manager, int handle) const noexcept;
+    // Throws, with nothing changed, without memory.
+    void Add(const Listing& listing) { entries_.push_back(listing); }
+    void Remove(const Listing& listing) noexcept;
+    // Takes the signal out of a manager.
+    void Leave(HandleManager& manager) noexcept;
+    // Forgets a manager, which is told nothing.
+    void Forget(const HandleManager& manager) noexcept;
+    bool IsEmpty() const noexcept { return entries_.empty(); }
+
+private:
+    std::vector<Listing> entries_;
+};
+
+}  // namespace corv::containers
