@@ -7,6 +7,7 @@
 #include "stimulus/formula_check.h"
 #include "stimulus/formula_text.h"
 #include "stimulus/misspelt_repeat.h"
+#include "stimulus/odd_words.h"
 #include "stimulus/unit_suggestion.h"
 #include "util/quote.h"
 #include "util/time_text.h"
@@ -50,18 +51,6 @@ bool IsUnitless(const FormulaItem& item) noexcept {
 // Whether something is wrong with an item that makes the next word a value without a time.
 bool EndsOddly(const FormulaItem& item) noexcept {
     return item.comma_skipped || (!item.time.empty() && IsParameter(item.time));
-}
-
-// White space that the reader does not take for a blank; empty when there is none.
-std::string_view NameOddSpace(std::string_view word) noexcept {
-    if (word.find('\r') != std::string_view::npos) {
-        return "carriage return";
-    }
-    if (word.find_first_of("\v\f") != std::string_view::npos) {
-        return "form feed or vertical tab";
-    }
-    return word.find("\xc2\xa0") != std::string_view::npos ? "non-breaking space"
-                                                           : std::string_view();
 }
 
 class OrdinaryChecker {
@@ -146,6 +135,12 @@ bool OrdinaryChecker::CheckItem(const FormulaItem& item) {
         return true;
     }
     ++values_;
+    const std::string_view name = NameBefore(item.value);
+    if (values_ == 1 && !item.time.empty() && !name.empty()) {
+        problems_.Warn(problems_.PlaceOf(name), Quote(name) +
+                                                    " is read as part of the value; a formula "
+                                                    "begins with its first value");
+    }
     const Place place = problems_.PlaceOf(item.value, LastWord(item));
     bool reported = !time_is_fine;
     if (const auto meant = MisspeltRepeat(item, formula_)) {
@@ -299,8 +294,9 @@ std::string OrdinaryChecker::TimelessRemedy() const {
     }
     if (before_timeless_ && IsUnitless(*before_timeless_)) {
         const std::string_view number = before_timeless_->time;
-        const bool adjacent = number.data() + number.size() + 1 == value.data();
-        if (adjacent && util::NumberLength(value) > 0 && util::ReadTime(value)) {
+        const char* const end = number.data() + number.size();
+        if (end + 1 == value.data() && *end == ',' && util::NumberLength(value) > 0 &&
+            util::ReadTime(value)) {
             return "; did you mean " + Quote(std::string(number) + "." + std::string(value)) +
                    ", with a decimal point?";
         }

@@ -60,6 +60,9 @@ x, -r 40                       | 0  | 1  | W | `x`
 0 0, 1 10 repeat 40            | 10 | 9  | W | did you mean `-r 40`?
 0 0 1 10 0                     | 9  | 1  | W | `0` has no time
 0 0, 1                         | 5  | 1  | W | write a time after it
+0 0 1 10 5                     | 9  | 1  | W | write a time after it
+clk=0 0, 1 5ns                 | 0  | 4  | W | `clk=`
+bus:8=X 0                      | 0  | 6  | W | `bus:8=`
 0 0,\r\n1 10\r\n           | 4  | 1  | E | carriage return
 0 0, 1 10               | 5  | 5  | E | non-breaking
 1 10000000000000000001fs       | 2  | 22 | W | 10000 sec
@@ -70,7 +73,7 @@ x, -r 40                       | 0  | 1  | W | `x`
 x \Counter                     | 0  | 2  | E | counter
 /vesk                          | 5  | 0  | E | _
 /vesk (010NS                   | 6  | 1  | E | _
-x /VESK [1F                    | 8  | 1  | E | _
+/VESK [1F                      | 6  | 1  | E | _
 /vesk 010NS1                   | 11 | 1  | E | _
 /vesk 01.                      | 8  | 1  | E | _
 /vesk 110NS(010NS)             | 17 | 1  | E | _
@@ -120,7 +123,7 @@ TEST(CheckFormula, CleanFormulas) {
           "'(' 0, \"a, b\" 5, (a,(b)) 9, a( 10", " 0 0,, , 1 10, ", "0 5, 1 20 -r 16", "[x 0, ) 5",
           "0 0, s 10", "/vesk (010NS110NS)3/clk", "0 0, 1 20, 0 40 -r 40",
           "0 0, 1 10000000000000000000fs", "0 0, \"a\rb\" 10", "/vesk 010NS ()4000000000 110NS",
-          "/vesk (010NS)16777216", "0 0, - 5, -3 10, -red 15"}) {
+          "/vesk (010NS)16777216", "=a 0, - 5, -3 10, -red 15, a=1 20"}) {
         const auto problems = CheckFormula(formula);
         EXPECT_TRUE(problems.empty()) << formula << ": " << problems[0].sentence;
     }
