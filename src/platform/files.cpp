@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -169,15 +170,45 @@ Files::Opened<FileContent> OpenContent(const std::string& name) {
     return {std::move(content), nullptr};
 }
 
-// An ordinary file of that name is removed first: whoever is reading it keeps it.
-Files::Opened<FileOutput> CreateOutput(const std::string& name) {
-    struct stat status = {};
-    if (lstat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
-        unlink(name.c_str());
+// The file behind all links; the name itself when there is none yet.
+std::string Followed(const std::string& name) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(name.c_str(), nullptr),
+                                                           &std::free);
+    return real != nullptr ? std::string(real.get()) : name;
+}
+
+// A new file in place of an ordinary one, which whoever reads it keeps, with its permissions.
+Descriptor ReplaceFile(const std::string& name, mode_t mode) noexcept {
+    while (unlink(name.c_str()) == 0 || errno == ENOENT) {
+        Descriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        if (file.get() != -1) {
+            fchmod(file.get(), mode & 0777);
+            return file;
+        }
+        if (errno != EEXIST) {
+            break;
+        }
     }
-    Descriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    return Descriptor(-1);
+}
+
+Descriptor OpenForWriting(const std::string& name) {
+    if (name == "/dev/stdout") {  // where it stands, not from its beginning
+        return Descriptor(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
+    }
+    struct stat status = {};
+    if (stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+        if (Descriptor file = ReplaceFile(Followed(name), status.st_mode); file.get() != -1) {
+            return file;
+        }
+    }
+    return Descriptor(open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+}
+
+Files::Opened<FileOutput> CreateOutput(const std::string& name) {
+    Descriptor file = OpenForWriting(name);
     if (file.get() == -1) {
-        return {nullptr, ReasonOf(errno)};
+        return {nullptr, ReasonOf(errno == ENOENT ? ENOTDIR : errno)};
     }
     return {std::make_unique<SystemOutput>(std::move(file)), nullptr};
 }
