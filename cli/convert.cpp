@@ -1,11 +1,11 @@
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 
 #include "cli/command.h"
 #include "cli/options.h"
 #include "cli/output.h"
+#include "cli/output_file.h"
 #include "cli/progress.h"
 #include "cli/recordings.h"
 #include "cli/suggestion.h"
@@ -16,28 +16,13 @@ namespace corv::cli {
 namespace {
 
 struct ConvertCommand {
-    std::string input, output, format;
+    std::string input, output, other_output, format;
     std::vector<std::string> names;
     std::optional<std::int64_t> start, end;
     std::optional<unsigned> time_unit;
     bool four_state = false;
     bool quiet = false;
 };
-
-// "evt" or "vcd"; throws Failure.
-std::string FormatOf(const ConvertCommand& command) {
-    if (!command.format.empty()) {
-        return command.format;
-    }
-    std::string suffix = std::filesystem::path(command.output).extension().string();
-    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (suffix == ".evt" || suffix == ".vcd") {
-        return suffix.substr(1);
-    }
-    throw Failure("`" + command.output +
-                  "` tells no format; end its name in .evt or .vcd, or name one with --format");
-}
 
 host::ConvertOptions OptionsOf(const ConvertCommand& command) {
     host::ConvertOptions options;
@@ -69,15 +54,28 @@ std::vector<host::NamedSignal> SelectWhole(const host::Recording& recording,
     return selected;
 }
 
+// OUT, or what -o says.
+const std::string& OutputOf(const ConvertCommand& command) {
+    if (command.output.empty() == command.other_output.empty()) {
+        throw Failure(command.output.empty()
+                          ? "the file to write is missing; write corv convert IN OUT"
+                          : "two files to write are named, `" + command.output + "` and `" +
+                                command.other_output + "`; leave one out");
+    }
+    return command.output.empty() ? command.other_output : command.output;
+}
+
 int RunConvert(const ConvertCommand& command) {
-    const std::string format = FormatOf(command);
+    const std::string& name = OutputOf(command);
+    const std::string format = FormatOf(name, command.format);
     host::ConvertOptions options = OptionsOf(command);
     if (command.four_state && format != "vcd") {
         throw Failure("--four-state is for VCD files");
     }
     const auto recording = OpenRecording(command.input, command.time_unit);
     const auto signals = SelectWhole(*recording, command);
-    Progress progress("writing " + command.output);
+    OutputFile output(name, {command.input});
+    Progress progress("writing " + name);
     const std::int64_t end =
         std::min(options.end.value_or(recording->LatestTime()), recording->LatestTime());
     options.progress = [&](std::int64_t time) {
@@ -86,10 +84,11 @@ int RunConvert(const ConvertCommand& command) {
     };
     try {
         (format == "evt" ? host::WriteEventFile : host::WriteVcdFile)(*recording, signals,
-                                                                      command.output, options);
+                                                                      output.path(), options);
     } catch (const std::runtime_error& error) {
-        throw Failure(error.what());
+        throw Failure(output.Complaint(error.what()));
     }
+    output.Commit();
     progress.Clear();
     if (!command.quiet) {
         for (const std::string& note : recording->Notes()) {
@@ -111,7 +110,9 @@ void AddConvert(CLI::App& program, Action& chosen) {
         "recording was read is told as notes.");
     auto options = std::make_shared<ConvertCommand>();
     command->add_option("IN", options->input, "The recording to read")->required();
-    command->add_option("OUT", options->output, "The file to write")->required();
+    command->add_option("OUT", options->output, "The file to write; - for standard output");
+    AddText(*command, "-o,--output", "FILE", options->other_output,
+            "The file to write, in place of OUT");
     command->add_option("-n,--name", options->names, "Only signals of that name or pattern")
         ->type_name("GLOB")
         ->allow_extra_args(false);

@@ -6,6 +6,7 @@
 #include "cli/formulas.h"
 #include "cli/options.h"
 #include "cli/output.h"
+#include "cli/output_file.h"
 #include "cli/recordings.h"
 #include "host/axis.h"
 #include "host/svg.h"
@@ -42,7 +43,8 @@ void DrawText(const DrawOptions& options, const Shown& shown, host::TimeWindow w
     style.name_width = host::TerminalNameWidth(shown.Names(), static_cast<std::size_t>(width));
     const auto names = static_cast<int>(style.name_width + host::kTerminalGap);
     const host::TimeGrid grid(window, std::max(width - names, kLeastPlot));
-    WriteOutput(options.output, DrawTerminal(MakePicture(options, shown, grid, 1), style));
+    WriteOutput(options.output, DrawTerminal(MakePicture(options, shown, grid, 1), style),
+                InputsOf(options));
 }
 
 void DrawPicture(const DrawOptions& options, const Shown& shown, host::TimeWindow window) {
@@ -51,12 +53,16 @@ void DrawPicture(const DrawOptions& options, const Shown& shown, host::TimeWindo
     style.name_columns = host::SvgNameColumns(shown.Names(), style.width);
     const host::TimeGrid grid(window, host::SvgPlotWidth(style));
     const host::Picture picture = MakePicture(options, shown, grid, host::kSvgLabelWidth);
-    WriteOutput(options.svg, DrawSvg(picture, style));
+    WriteOutput(options.svg, DrawSvg(picture, style), InputsOf(options));
 }
 
 int RunDraw(const DrawOptions& options) {
     if (options.svg == "-" && options.output == "-") {
         throw Failure("only one of --svg and --output can go to standard output");
+    }
+    if (!options.svg.empty() && !options.output.empty() &&
+        AreSameOutput(options.svg, options.output)) {
+        throw Failure("--svg and --output name the same file, `" + options.output + "`");
     }
     const Shown shown(options);
     const host::TimeWindow window = shown.Window();

@@ -138,9 +138,11 @@ int RunEvents(const EventsOptions& options) {
         throw Failure("only one of --json and --csv can be chosen");
     }
     const Listing listing = MakeListing(options);
-    WriteOutput(options.output, options.json  ? JsonText(listing)
-                                : options.csv ? Csv(listing)
-                                              : Table(listing, options.time_unit));
+    WriteOutput(options.output,
+                options.json  ? JsonText(listing)
+                : options.csv ? Csv(listing)
+                              : Table(listing, options.time_unit),
+                InputsOf(options));
     if (listing.truncated) {
         WriteMessage("warning", "only the first " + std::to_string(listing.events.size()) +
                                     " events are listed, up to " +

@@ -214,6 +214,17 @@ std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
     return sources;
 }
 
+std::vector<std::string> InputsOf(const FormulaOptions& options) {
+    std::vector<std::string> inputs;
+    if (!options.file.empty()) {
+        inputs.push_back(options.file);
+    }
+    for (const std::string& replay : options.replays) {
+        inputs.push_back(replay.substr(0, replay.rfind(':')));
+    }
+    return inputs;
+}
+
 host::Trace ShowDriven(const NamedSource& named, const host::Trace& recorded,
                        host::TimeWindow window, const host::BusFormat& format) {
     try {

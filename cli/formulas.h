@@ -46,6 +46,9 @@ enum class BusStyle { Digits, Literal };
 // when one has errors. Expanded vectors are followed by their elements.
 std::vector<NamedSource> LoadSources(const FormulaOptions& options);
 
+// The files that are read.
+std::vector<std::string> InputsOf(const FormulaOptions& options);
+
 host::BusFormat BusFormatOf(const FormulaOptions& options, BusStyle style);
 
 // What a signal does in a window that is driven with what was recorded from the source there.

@@ -127,7 +127,7 @@ std::string InfoJson(const Facts& facts) {
 
 int RunInfo(const InfoOptions& options) {
     const Facts facts = FactsOf(options);
-    WriteOutput(options.output, options.json ? InfoJson(facts) : InfoText(facts));
+    WriteOutput(options.output, options.json ? InfoJson(facts) : InfoText(facts), {options.file});
     if (!facts.problem.empty()) {
         WriteMessage("error", facts.problem);
         return kFailed;

@@ -3,21 +3,13 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
+#include <string>
 
 #include "cli/command.h"
+#include "cli/output_file.h"
 #include "host/fit_text.h"
 
 namespace corv::cli {
-namespace {
-
-[[noreturn]] void Fail(std::string_view what, const std::string& name) {
-    const int reason = errno;
-    throw Failure("cannot " + std::string(what) + " " + name + ": " + std::strerror(reason));
-}
-
-}  // namespace
-
 std::string ReadStandardInput() {
     std::string data;
     char block[1 << 16];
@@ -25,25 +17,36 @@ std::string ReadStandardInput() {
         data.append(block, length);
     }
     if (std::ferror(stdin)) {
-        Fail("read", "standard input");
+        throw Failure(std::string("cannot read standard input: ") + std::strerror(errno));
     }
     return data;
 }
 
-void WriteOutput(const std::string& name, std::string_view data) {
-    const bool standard = name.empty() || name == "-";
-    const std::string shown = standard ? "standard output" : "`" + name + "`";
-    std::FILE* file = standard ? stdout : std::fopen(name.c_str(), "wb");
-    if (!file) {
-        Fail("open", shown);
-    }
+namespace {
+
+void WriteAll(std::FILE* file, const std::string& name, std::string_view data) {
     const bool written =
         std::fwrite(data.data(), 1, data.size(), file) == data.size() && std::fflush(file) == 0;
     const int reason = errno;
-    if ((!standard && std::fclose(file) != 0) || !written) {
-        errno = written ? errno : reason;
-        Fail("write", shown);
+    if ((file != stdout && std::fclose(file) != 0) || !written) {
+        throw Failure(CannotWrite(name, written ? errno : reason));
     }
+}
+
+}  // namespace
+
+void WriteOutput(const std::string& name, std::string_view data,
+                 const std::vector<std::string>& inputs) {
+    if (name.empty() || name == "-") {
+        return WriteAll(stdout, "-", data);
+    }
+    OutputFile output(name, inputs);
+    std::FILE* const file = std::fopen(output.path().c_str(), "wb");
+    if (!file) {
+        throw Failure(CannotWrite(name, errno));
+    }
+    WriteAll(file, name, data);
+    output.Commit();
 }
 
 void WriteMessage(std::string_view severity, std::string_view sentence) {

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace corv::cli {
 
@@ -9,8 +10,10 @@ namespace corv::cli {
 std::string ReadStandardInput();
 
 // Writes to the named file, or to standard output for "-" and an empty name. The data has left
-// the program when it returns; throws Failure.
-void WriteOutput(const std::string& name, std::string_view data);
+// the program when it returns. Throws Failure, also when the file is one of the inputs; what was
+// in the file stays then.
+void WriteOutput(const std::string& name, std::string_view data,
+                 const std::vector<std::string>& inputs = {});
 
 // One line on standard error in the program's form: "corv: error: ", the sentence.
 void WriteMessage(std::string_view severity, std::string_view sentence);

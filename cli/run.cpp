@@ -1,52 +1,72 @@
-#include <limits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "cli/command.h"
 #include "cli/formulas.h"
 #include "cli/options.h"
 #include "cli/output.h"
-#include "host/driver.h"
+#include "cli/output_file.h"
+#include "cli/progress.h"
 #include "host/recorder.h"
+#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
 
 struct RunOptions : FormulaOptions {
-    std::string output;
+    std::string output, format;
 };
+
+// A run that takes its time is announced: a unit too large is easily written.
+void WarnOfMany(const std::vector<NamedSource>& sources, host::TimeWindow window) {
+    constexpr double kMany = 1e8;
+    double events = 0;
+    for (const NamedSource& named : sources) {
+        events += host::EstimateEvents(*named.source, window);
+    }
+    if (events >= kMany) {
+        char count[32];
+        std::snprintf(count, sizeof count, "%.2g", events / 1e6);
+        WriteMessage("warning", "about " +
+                                    std::to_string(std::lround(std::strtod(count, nullptr))) +
+                                    " million changes are written up to " +
+                                    host::TimeText(window.end) + "; -e ends the run earlier");
+    }
+}
 
 int RunRun(const RunOptions& options) {
     if (options.output.empty()) {
-        throw Failure("name the event file to write with -o");
+        throw Failure("name the file to write with -o");
     }
+    const std::string format = FormatOf(options.output, options.format);
     const std::vector<NamedSource> sources = LoadSources(options);
     if (sources.empty()) {
         throw Failure("nothing to record; give a formula with -f");
     }
-    const host::TimeWindow window = ChooseWindow(options, NaturalEnd(options, sources));
-    std::vector<std::unique_ptr<host::DrivenSignal>> driven;
-    std::vector<std::pair<std::string, ISignal*>> signals;
-    try {
-        for (const NamedSource& named : sources) {
-            const host::Trace recorded =
-                host::RecordEvents(*named.source, window, std::numeric_limits<std::size_t>::max());
-            driven.push_back(std::make_unique<host::DrivenSignal>(recorded, window.start,
-                                                                  named.shape, named.type));
-            if (!driven.back()->HasOwnTexts()) {
-                signals.emplace_back(named.name, &driven.back()->Signal());
-                continue;
-            }
-            throw Failure("the values of " + named.name +
-                          " are of no type by themselves; write one behind the name, such as " +
-                          named.name + ":integer=");
-        }
-        host::WriteRecording(options.output, signals, window.end);
-    } catch (const Failure&) {
-        throw;
-    } catch (const std::runtime_error& error) {
-        throw Failure(error.what());
+    host::RecordOptions record;
+    record.window = ChooseWindow(options, NaturalEnd(options, sources));
+    record.vcd = format == "vcd";
+    OutputFile output(options.output, InputsOf(options));
+    WarnOfMany(sources, record.window);
+    Progress progress("writing " + options.output);
+    record.progress = [&](std::int64_t time) {
+        progress.Tell(static_cast<double>(time - record.window.start),
+                      static_cast<double>(record.window.end - record.window.start));
+    };
+    std::vector<host::SourceSignal> signals;
+    for (const NamedSource& named : sources) {
+        signals.push_back({named.name, named.source.get(), named.shape, named.type, {}});
     }
+    try {
+        host::RecordSources(std::move(signals), output.path(), record);
+    } catch (const std::runtime_error& error) {
+        throw Failure(output.Complaint(error.what()));
+    }
+    output.Commit();
     return kFine;
 }
 
@@ -57,10 +77,14 @@ void AddRun(CLI::App& program, Action& chosen) {
         "run",
         "record what formulas do\n"
         "Drives a signal for each formula and each replayed signal through a stretch of time and "
-        "writes all of them to an event file.");
+        "writes all of them to an event file or a value change dump. The format is told by the "
+        "suffix of the output, .evt or .vcd.");
     auto options = std::make_shared<RunOptions>();
     AddFormulaOptions(*command, *options);
-    AddText(*command, "-o,--output", "FILE", options->output, "The event file to write");
+    AddText(*command, "-o,--output", "FILE", options->output,
+            "The file to write; - for standard output");
+    AddChoice(*command, "--format", "evt|vcd", "The format to write, whatever the suffix",
+              [options = options.get()](const std::string& word) { options->format = word; });
     command->footer(
         "corv run -f clk='0 0, 1 5ns -r 10ns' -f cnt:8=\"$(corv counter --period 10ns)\" -e 1us -o "
         "run.evt\n"

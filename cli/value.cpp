@@ -45,7 +45,8 @@ int RunValue(const ValueOptions& options) {
     WriteOutput(options.output,
                 options.json
                     ? JsonLine({{"schema", 1}, {"time", time}, {"signals", std::move(values)}})
-                    : text);
+                    : text,
+                {options.file});
     return kFine;
 }
 

@@ -1,8 +1,8 @@
 #include "host/driven_signal.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -14,32 +14,15 @@
 namespace corv::host {
 namespace {
 
-using Bytes = std::array<unsigned char, 8>;
+using Bytes = LeafBytes;
 
-// The texts of the elements, one of a scalar.
-std::vector<std::string> Elements(const std::string& value, Shape shape) {
-    std::vector<std::string> elements;
-    if (shape.width == 0) {
-        return {value};
-    }
-    if (!shape.words) {
-        for (const char c : value) {
-            elements.emplace_back(1, c);
-        }
-        return elements;
-    }
-    for (std::size_t at = 0; at <= value.size();) {
-        const std::size_t end = std::min(value.find(kBetweenWords, at), value.size());
-        elements.push_back(value.substr(at, end - at));
-        at = end + 1;
-    }
-    return elements;
-}
+constexpr std::size_t kMostKnown = 1U << 16;  // texts whose values are kept
 
-// Puts values into the waves of a signal's leaves.
+// Turns values into events of a signal's leaves.
 class LeafWriter {
 public:
-    LeafWriter(ISignal& signal, const std::vector<std::string>& texts) {
+    LeafWriter(ISignal& signal, const std::vector<std::string>& texts, DrivenSignal::Put put)
+        : put_(std::move(put)) {
         leaves_ = LeavesOf(signal);
         last_.resize(leaves_.size());
         for (ISignal* const leaf : leaves_) {
@@ -53,6 +36,11 @@ public:
     // Leaves that keep their value get no event, unless none changes.
     void Write(std::int64_t time, const std::vector<std::string>& elements) {
         const std::size_t count = std::min(leaves_.size(), elements.size());
+        for (auto& [type, known] : bytes_) {
+            if (known.size() > kMostKnown) {
+                known.clear();
+            }
+        }
         bool any = false;
         for (std::size_t i = 0; i < count; ++i) {
             const Bytes bytes = BytesOf(i, elements[i], time);
@@ -69,10 +57,7 @@ public:
     }
 
 private:
-    void Add(std::size_t leaf, std::int64_t time) {
-        leaves_[leaf]->GetWave()->AddEvent(time, 0, last_[leaf].data(),
-                                           static_cast<std::uint32_t>(last_[leaf].size()));
-    }
+    void Add(std::size_t leaf, std::int64_t time) { put_(leaf, time, last_[leaf]); }
 
     // What has no value yet has the first one of its type.
     Bytes BytesOf(std::size_t leaf, const std::string& text, std::int64_t time) {
@@ -93,6 +78,7 @@ private:
         return (*values_[leaf])[text] = bytes;
     }
 
+    DrivenSignal::Put put_;
     std::vector<ISignal*> leaves_;
     std::vector<Bytes> last_;
     std::map<std::string, std::size_t> numbers_;
@@ -129,22 +115,32 @@ private:
 
 }  // namespace
 
-DrivenSignal::DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape, std::string type)
-    : shape_(shape), typed_(!type.empty()) {
-    if (type.empty()) {
-        type = ChooseType(recorded);
+std::vector<std::string> Elements(const std::string& value, Shape shape) {
+    std::vector<std::string> elements;
+    if (shape.width == 0) {
+        return {value};
     }
-    if (FAILED(CreateSignal(type.c_str(), nullptr, signal_.Out()))) {
-        throw std::runtime_error("no signal can be made of the type " + type);
+    if (!shape.words) {
+        for (const char c : value) {
+            elements.emplace_back(1, c);
+        }
+        return elements;
     }
-    Drive(recorded, start);
+    for (std::size_t at = 0; at <= value.size();) {
+        const std::size_t end = std::min(value.find(kBetweenWords, at), value.size());
+        elements.push_back(value.substr(at, end - at));
+        at = end + 1;
+    }
+    return elements;
 }
 
-std::string DrivenSignal::ChooseType(const Trace& recorded) {
-    std::set<std::string> values;
+namespace {
+
+std::set<std::string> ElementsOf(const Trace& recorded, Shape shape) {
+    std::set<std::string> elements;
     const auto add = [&](const std::string& value) {
-        for (std::string& element : Elements(value, shape_)) {
-            values.insert(std::move(element));
+        for (std::string& element : Elements(value, shape)) {
+            elements.insert(std::move(element));
         }
     };
     if (recorded.before) {
@@ -153,6 +149,38 @@ std::string DrivenSignal::ChooseType(const Trace& recorded) {
     for (const Change& change : recorded.changes) {
         add(change.value);
     }
+    return elements;
+}
+
+}  // namespace
+
+DrivenSignal::DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape, std::string type)
+    : DrivenSignal(type.empty() ? ElementsOf(recorded, shape) : std::set<std::string>(), shape,
+                   type) {
+    const std::vector<ISignal*> leaves = LeavesOf(*signal_);
+    const auto drive = Driver([&](std::size_t leaf, std::int64_t time, const Bytes& value) {
+        leaves[leaf]->GetWave()->AddEvent(time, 0, value.data(),
+                                          static_cast<std::uint32_t>(value.size()));
+    });
+    if (recorded.before) {
+        drive(start - 1, *recorded.before);
+    }
+    for (const Change& change : recorded.changes) {
+        drive(change.time, change.value);
+    }
+}
+
+DrivenSignal::DrivenSignal(const std::set<std::string>& elements, Shape shape, std::string type)
+    : shape_(shape), typed_(!type.empty()) {
+    if (type.empty()) {
+        type = ChooseType(elements);
+    }
+    if (FAILED(CreateSignal(type.c_str(), nullptr, signal_.Out()))) {
+        throw std::runtime_error("no signal can be made of the type " + type);
+    }
+}
+
+std::string DrivenSignal::ChooseType(const std::set<std::string>& values) {
     if (shape_.width > 0 && !shape_.words) {
         std::string characters;
         for (const std::string& value : values) {
@@ -168,14 +196,11 @@ std::string DrivenSignal::ChooseType(const Trace& recorded) {
     return shape_.width > 0 ? VectorType(shape_.width, element) : element;
 }
 
-void DrivenSignal::Drive(const Trace& recorded, std::int64_t start) {
-    LeafWriter writer(*signal_, texts_);
-    if (recorded.before) {
-        writer.Write(start - 1, Elements(*recorded.before, shape_));
-    }
-    for (const Change& change : recorded.changes) {
-        writer.Write(change.time, Elements(change.value, shape_));
-    }
+DrivenSignal::Drive DrivenSignal::Driver(Put put) const {
+    const auto writer = std::make_shared<LeafWriter>(*signal_, texts_, std::move(put));
+    return [writer, shape = shape_](std::int64_t time, const std::string& value) {
+        writer->Write(time, Elements(value, shape));
+    };
 }
 
 Trace DrivenSignal::Read(TimeWindow window, const BusFormat& format) const {

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,6 +23,11 @@ struct Shape {
 inline constexpr char kBetweenWords = '\x1f';
 inline constexpr char kNotDriven = '\x1e';  // an element that has no value yet
 
+// The texts of the elements of a value, one of a scalar.
+std::vector<std::string> Elements(const std::string& value, Shape shape);
+
+using LeafBytes = std::array<unsigned char, 8>;  // a stored value, filled up with zeros
+
 // A signal whose wave, or whose elements' waves, hold what a source did.
 class DrivenSignal {
 public:
@@ -29,6 +38,16 @@ public:
     // Throws std::runtime_error, with a sentence, when a value is none of the type.
     DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape, std::string type = "");
 
+    // A signal that is not driven. Without a type the texts of its elements' values tell it.
+    DrivenSignal(const std::set<std::string>& elements, Shape shape, std::string type);
+
+    // What turns values of the source, in order of time, into the events of the leaves that change
+    // and hands them to `put`: the leaf's number, the time and the stored value. It throws
+    // std::runtime_error when a value is none of the type. The signal must outlive it.
+    using Put = std::function<void(std::size_t leaf, std::int64_t time, const LeafBytes& value)>;
+    using Drive = std::function<void(std::int64_t time, const std::string& value)>;
+    Drive Driver(Put put) const;
+
     ISignal& Signal() const { return *signal_; }
     // Whether the values are of no type, so that the signal has numbers in their place.
     bool HasOwnTexts() const { return !texts_.empty(); }
@@ -37,8 +56,7 @@ public:
     Trace Read(TimeWindow window, const BusFormat& format) const;
 
 private:
-    std::string ChooseType(const Trace& recorded);
-    void Drive(const Trace& recorded, std::int64_t start);
+    std::string ChooseType(const std::set<std::string>& elements);
 
     Shape shape_;
     bool typed_;                      // by the caller

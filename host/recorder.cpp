@@ -1,118 +1,122 @@
 #include "host/recorder.h"
 
 #include <algorithm>
-#include <memory>
-#include <queue>
 #include <stdexcept>
 #include <utility>
 
-#include "corv/containers/signal_container.h"
-#include "corv/stremo/events_stream_write.h"
 #include "corv/stremo/stream_error.h"
-#include "corv/typeinfo/type_info.h"
+#include "corv/stremo/vcd_writer.h"
+#include "host/event_copy.h"
+#include "host/value_type.h"
 
 namespace corv::host {
 namespace {
 
-void Check(bool done) {
-    if (!done) {
+constexpr std::size_t kManyTexts = 4096;
+
+// Whole numbers of several digits all say the same of a type, so of many some do.
+bool SaysNoMore(const std::string& text) {
+    return text.size() > 1 && text.size() < 10 &&
+           text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+void AddElements(const std::string& value, Shape shape, std::set<std::string>& texts) {
+    for (std::string& element : Elements(value, shape)) {
+        if (texts.size() < kManyTexts || !SaysNoMore(element)) {
+            texts.insert(std::move(element));
+        }
+    }
+}
+
+// The texts of the values from a window's start through its end.
+std::set<std::string> TextsIn(const SourceSignal& signal, TimeWindow window) {
+    std::set<std::string> texts;
+    std::string last;
+    std::int64_t time = window.start - 1;
+    do {
+        const auto value = signal.source->ValueAt(time);
+        if (value && *value != last) {
+            AddElements(*value, signal.shape, texts);
+            last = *value;
+        }
+        time = signal.source->NextEvent(time);
+    } while (time >= 0 && time <= window.end);
+    return texts;
+}
+
+// The part of a window in which a source that repeats has shown all its values, as a rule.
+TimeWindow Beginning(Source& source, TimeWindow window) {
+    return {window.start, std::min(window.end, source.NaturalEnd(window.start))};
+}
+
+bool Write(SourceReader& reader, const std::string& file_name, const RecordOptions& options) {
+    if (!options.vcd) {
+        ConvertOptions copy;
+        copy.progress = options.progress;
+        return CopyToEventFile(reader, reader.leaves(), file_name, copy);
+    }
+    VcdOptions vcd;
+    vcd.start = options.window.start;
+    vcd.end = options.window.end;
+    vcd.progress = [&](std::int64_t time) {
+        if (options.progress) {
+            options.progress(time);
+        }
+        return true;
+    };
+    return WriteVcd(reader, file_name.c_str(), vcd);
+}
+
+// Empty when all has been written, else why a source could not be read on.
+std::string TryRecord(const std::vector<SourceSignal>& signals, const std::string& file_name,
+                      const RecordOptions& options) {
+    SourceReader reader(signals, options.window);
+    const bool written = Write(reader, file_name, options);
+    if (reader.Problem().empty() && !written) {
         throw std::runtime_error(LastStreamError());
     }
-}
-
-// Gives a signal and all below it a handle and the time of the last event that is written.
-void Prepare(ISignal& signal, std::int64_t end, int& next_handle) {
-    signal.SetHandle(next_handle++);
-    std::int64_t latest = 0;
-    if (ISignalContainer* const members = signal.GetSubSignals()) {
-        ISignal* member = nullptr;
-        for (std::uint32_t i = 0; SUCCEEDED(members->GetAt(i, &member)); ++i) {
-            Prepare(*member, end, next_handle);
-            latest = std::max(latest, member->GetMaxTime());
-        }
-    } else if (ISignalWave* const wave = signal.GetWave()) {
-        IWaveEvent* event = nullptr;
-        latest = SUCCEEDED(wave->FindEvent(end, FindAtOrBefore, &event)) ? event->GetTime() : 0;
-    }
-    signal.SetProperty("MaxTime", std::to_string(latest).c_str());
-}
-
-void WriteTypes(IEventsStreamWrite& writer, ISignal& signal) {
-    Check(writer.WriteTypeInfo(signal.GetHandle(), signal.GetTypeInfo()));
-    if (ISignalContainer* const members = signal.GetSubSignals()) {
-        ISignal* member = nullptr;
-        for (std::uint32_t i = 0; SUCCEEDED(members->GetAt(i, &member)); ++i) {
-            WriteTypes(writer, *member);
-        }
-    }
-}
-
-// The next event of a leaf.
-struct Next {
-    std::int64_t time;
-    std::size_t leaf;
-    bool operator>(const Next& other) const {
-        return time != other.time ? time > other.time : leaf > other.leaf;
-    }
-};
-
-// The events of all leaves, merged in order of time.
-void WriteEvents(IEventsStreamWrite& writer, const std::vector<ISignal*>& leaves,
-                 std::int64_t end) {
-    struct Leaf {
-        frame::ComPtr<IWaveEventEnumerator> events;
-        unsigned size;
-    };
-    std::vector<Leaf> sources(leaves.size());
-    std::priority_queue<Next, std::vector<Next>, std::greater<>> queue;
-    for (std::size_t i = 0; i < leaves.size(); ++i) {
-        const KTypeInfo type{CString(leaves[i]->GetTypeInfo())};
-        sources[i].size = static_cast<unsigned>(type.GetScalarSize());
-        if (SUCCEEDED(leaves[i]->EnumEvents(sources[i].events.Out())) &&
-            sources[i].events->HasEvents() != 0) {
-            queue.push({sources[i].events->CurrentTime(), i});
-        }
-    }
-    while (!queue.empty() && queue.top().time <= end) {
-        const Next next = queue.top();
-        queue.pop();
-        IWaveEvent* event = nullptr;
-        sources[next.leaf].events->Next(1, &event, nullptr);
-        Check(writer.WriteEvent(leaves[next.leaf]->GetHandle(), &next.time, event->GetValueData(),
-                                sources[next.leaf].size));
-        if (const std::int64_t time = sources[next.leaf].events->CurrentTime(); time != -1) {
-            queue.push({time, next.leaf});
-        }
-    }
+    return reader.Problem();
 }
 
 }  // namespace
 
-void WriteRecording(const std::string& file_name,
-                    const std::vector<std::pair<std::string, ISignal*>>& signals,
-                    std::int64_t end) {
-    const std::unique_ptr<IEventsStreamWrite> writer(stremo::CreateStreamWrite(file_name.c_str()));
-    Check(writer != nullptr);
-    frame::ComPtr<ISignalContainer> container;
-    if (FAILED(CreateSignalContainer(container.Out(), nullptr))) {
-        throw std::runtime_error("out of memory");
-    }
-    int next_handle = 0;
-    std::vector<ISignal*> leaves;
-    for (const auto& [name, signal] : signals) {
-        signal->SetName(name.c_str());
-        Prepare(*signal, end, next_handle);
-        container->Add(signal);  // a composite one has no place in the handle manager
-        for (ISignal* const leaf : LeavesOf(*signal)) {
-            leaves.push_back(leaf);
+void RecordSources(std::vector<SourceSignal> signals, const std::string& file_name,
+                   const RecordOptions& options) {
+    bool surveyed = false;
+    for (SourceSignal& signal : signals) {
+        if (signal.type.empty()) {
+            signal.elements = TextsIn(signal, Beginning(*signal.source, options.window));
+            surveyed = true;
         }
     }
-    Check(SUCCEEDED(container->WriteToWriter(writer.get())));
-    for (const auto& [name, signal] : signals) {
-        WriteTypes(*writer, *signal);
+    std::string problem = TryRecord(signals, file_name, options);
+    if (!problem.empty() && surveyed) {  // a value that comes late has another type
+        for (SourceSignal& signal : signals) {
+            if (signal.type.empty()) {
+                signal.elements = TextsIn(signal, options.window);
+            }
+        }
+        problem = TryRecord(signals, file_name, options);
     }
-    WriteEvents(*writer, leaves, end);
-    Check(writer->Close());
+    if (!problem.empty()) {
+        throw std::runtime_error(problem);
+    }
+}
+
+double EstimateEvents(Source& source, TimeWindow window) {
+    constexpr int kLookedAt = 1000;
+    int count = 0;
+    std::int64_t last = window.start;
+    std::int64_t time = source.NextEvent(window.start - 1);
+    for (; time >= 0 && time <= window.end && count < kLookedAt; ++count) {
+        last = time;
+        time = source.NextEvent(time);
+    }
+    if (count < kLookedAt || last == window.start) {
+        return count;
+    }
+    return count * (static_cast<double>(window.end - window.start) /
+                    static_cast<double>(last - window.start));
 }
 
 }  // namespace corv::host
