@@ -214,8 +214,34 @@ std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
     return sources;
 }
 
+namespace {
+
+// FILE of "/custom FILE, SIGNAL"; empty for any other formula.
+std::string CustomFile(const std::string& formula) {
+    constexpr std::string_view kWord = "/custom";
+    CString lower(formula);
+    lower.MakeLower();
+    const int at = lower.Find(kWord.data());
+    const std::size_t comma = formula.rfind(',');
+    const std::size_t begin =
+        at < 0 ? std::string::npos
+               : formula.find_first_not_of(" \t", static_cast<std::size_t>(at) + kWord.size());
+    if (comma == std::string::npos || begin == std::string::npos || begin >= comma) {
+        return {};
+    }
+    const std::size_t last = formula.find_last_not_of(" \t", comma - 1);
+    return formula.substr(begin, last + 1 - begin);
+}
+
+}  // namespace
+
 std::vector<std::string> InputsOf(const FormulaOptions& options) {
     std::vector<std::string> inputs;
+    for (const std::string& formula : options.formulas) {
+        if (std::string file = CustomFile(formula); !file.empty()) {
+            inputs.push_back(std::move(file));
+        }
+    }
     if (!options.file.empty()) {
         inputs.push_back(options.file);
     }

@@ -47,7 +47,9 @@ public:
     virtual ~Files() = default;
     // An existing file, found as FindFile does.
     virtual Opened<FileContent> Open(const std::string& name) = 0;
-    // A new file, or an existing one, which is emptied.
+    // A new file in place of an existing one, whose permissions it has; links are followed, and
+    // readers keep what they have. A device or a pipe is written as it is, /dev/stdout from where
+    // it stands.
     virtual Opened<FileOutput> Create(const std::string& name) = 0;
 };
 

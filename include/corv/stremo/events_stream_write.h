@@ -51,9 +51,10 @@ public:
 
 namespace stremo {
 
-// Makes an event file and a writer for it, which the caller ends with delete. A file of that name
-// is replaced; readers that have it open keep what they have. Null when the file can't be made;
-// corv::LastStreamError says why.
+// Makes an event file and a writer for it, which the caller ends with delete. A file of that name,
+// or the one that a link of that name leads to, is replaced at once and its permissions are kept;
+// readers that have it open keep what they have. /dev/stdout is written where it stands. Null when
+// the file can't be made; corv::LastStreamError says why.
 CORV_API IEventsStreamWrite* CreateStreamWrite(const char* file_name) noexcept;
 
 }  // namespace stremo
