@@ -283,7 +283,8 @@ TEST_F(EventFileOnDisk, WhatIsNoEventFileIsRefused) {
 }
 
 TEST_F(EventFileOnDisk, WhatCanNotBeWrittenIsRefused) {
-    for (const auto& row : Table("Sub | it is a folder ;; none/run.evt | there is no such file")) {
+    for (const auto& row :
+         Table("Sub | it is a folder ;; none/run.evt | there is no such folder")) {
         EXPECT_EQ(stremo::CreateStreamWrite(Name(row[0]).c_str()), nullptr);
         EXPECT_EQ(LastStreamError(), Name(row[0]) + ": " + row[1]);
     }
