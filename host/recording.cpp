@@ -58,11 +58,7 @@ std::vector<std::string> Recording::Notes() const {
 }
 
 std::string Recording::Problem() const {
-    std::string problem = LastStreamError();
-    if (!stream_.unpacked.empty() && problem.starts_with(stream_.unpacked)) {
-        problem.replace(0, stream_.unpacked.size(), file_name_);
-    }
-    return problem;
+    return LastStreamError();
 }
 
 std::int64_t Recording::LatestTime() const {

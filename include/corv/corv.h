@@ -48,6 +48,7 @@
 #include "corv/stremo/stream_error.h"
 #include "corv/stremo/stream_progress.h"
 #include "corv/stremo/stream_registry.h"
+#include "corv/stremo/stream_source.h"
 #include "corv/stremo/vcd_writer.h"
 #include "corv/typeinfo/type_builders.h"
 #include "corv/typeinfo/type_info.h"

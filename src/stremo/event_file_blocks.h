@@ -16,9 +16,9 @@ namespace corv::recording {
 // blocks the last ones stay there, of so many bytes.
 class EventFileBlocks final : public BlockStore {
 public:
-    // The file must outlive the object. Of its front nothing is forgotten.
+    // The file must outlive the object. Of its front nothing is forgotten. Throws std::bad_alloc.
     EventFileBlocks(std::string file_name, const platform::FileContent& file, std::uint64_t front,
-                    std::size_t most_kept) noexcept
+                    std::size_t most_kept)
         : file_name_(std::move(file_name)), file_(file), front_(front), most_kept_(most_kept) {}
 
     // Uses the root that the trailer points to; false, when it is not there or damaged.

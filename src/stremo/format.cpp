@@ -1,6 +1,6 @@
 #include "stremo/format.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "stremo/event_file.h"
 #include "stremo/ghw_recording.h"

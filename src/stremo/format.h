@@ -27,7 +27,11 @@ inline constexpr std::size_t kTellingBytes = 4096;
 
 std::span<const Format> Formats() noexcept;
 
-// Opens a recording of any format; null with the stream error set when it can't be.
+// Opens a content as a recording of any format; null with the stream error set when it is none.
+std::unique_ptr<Recording> OpenContent(const std::string& name,
+                                       std::unique_ptr<platform::FileContent> content);
+
+// The same for a file.
 std::unique_ptr<Recording> OpenRecording(platform::Files& files, const std::string& file_name);
 
 }  // namespace corv::recording

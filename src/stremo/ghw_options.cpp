@@ -6,7 +6,6 @@
 
 #include "platform/files.h"
 #include "platform/guard.h"
-#include "stremo/format.h"
 #include "stremo/ghw_recording.h"
 #include "stremo/recording_reader.h"
 #include "stremo/signal_cursor.h"
@@ -21,11 +20,7 @@ stremo::IEventsStreamRead* Open(const std::string& name, int time_unit) {
         recording::SetError(name, opened.failure);
         return nullptr;
     }
-    if (!recording::IsGhw(opened.file->BringPart(0, recording::kTellingBytes))) {
-        recording::SetError(name, "it is no GHW file");
-        return nullptr;
-    }
-    auto made = recording::OpenGhwIn(name, std::move(opened.file), time_unit);
+    auto made = recording::OpenGhwContent(name, std::move(opened.file), time_unit);
     return made != nullptr ? recording::MakeReader(std::move(made)).release() : nullptr;
 }
 

@@ -292,4 +292,15 @@ std::unique_ptr<Recording> OpenGhwIn(const std::string& file_name,
     }
 }
 
+std::unique_ptr<Recording> OpenGhwContent(const std::string& file_name,
+                                          std::unique_ptr<platform::FileContent> content,
+                                          int time_unit) {
+    if (!IsGhw(content->BringPart(0, kHeaderSize))) {
+        SetError(file_name,
+                 content->failure() != nullptr ? content->failure() : "it is no GHW file");
+        return nullptr;
+    }
+    return OpenGhwIn(file_name, std::move(content), time_unit);
+}
+
 }  // namespace corv::recording

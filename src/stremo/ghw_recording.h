@@ -26,4 +26,9 @@ std::unique_ptr<Recording> OpenGhw(const std::string& file_name,
 std::unique_ptr<Recording> OpenGhwIn(const std::string& file_name,
                                      std::unique_ptr<platform::FileContent> content, int time_unit);
 
+// The same for what may be another format, which is refused.
+std::unique_ptr<Recording> OpenGhwContent(const std::string& file_name,
+                                          std::unique_ptr<platform::FileContent> content,
+                                          int time_unit);
+
 }  // namespace corv::recording

@@ -78,9 +78,8 @@ bool Changes::Read(const Byte* end, const Passed& passed) {
                    "nothing is recorded from " + std::to_string(off_time_) + " ps on");
     }
     if (zeros_ > 0) {
-        notes_.Say(first_zero_, std::to_string(zeros_) +
-                                    " zero bytes stand from here on, which no simulator writes; "
-                                    "what they replace is lost");
+        notes_.Say(first_zero_,
+                   std::to_string(zeros_) + " zero bytes; what they stand for is lost");
     }
     return builder_.Flush() && kept_;
 }

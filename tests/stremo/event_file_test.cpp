@@ -279,7 +279,7 @@ TEST_F(EventFileOnDisk, WhatIsNoEventFileIsRefused) {
     EXPECT_EQ(stremo::CreateStreamRead(nullptr), nullptr);
     EXPECT_STREQ(LastStreamError(), "a name is missing");
     EXPECT_EQ(stremo::CreateStreamRead(std::string(100'000, 'a').c_str()), nullptr);
-    EXPECT_EQ(std::string(LastStreamError()).substr(700), "aaa: there is no such file");
+    EXPECT_EQ(std::string(LastStreamError()).substr(700), "aaa: the name is too long");
 }
 
 TEST_F(EventFileOnDisk, WhatCanNotBeWrittenIsRefused) {

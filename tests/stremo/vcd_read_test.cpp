@@ -179,7 +179,9 @@ TEST(VcdChanges, AreToldWithWhatWasRepaired) {
     }
     const auto zeros = OpenVcdText(kSome + "#0 0!\n" + std::string(4096, '\0') + "#9 1!\n");
     zeros->EventCount();
-    EXPECT_EQ(Notes(*zeros).rfind("line 4, column 1: 4096 zero bytes stand from here on", 0), 0U);
+    EXPECT_EQ(
+        Notes(*zeros).rfind("line 4, column 1: 4096 zero bytes; what they stand for is lost", 0),
+        0U);
     const auto clean = OpenVcdText(kSome + "#0 1! bx # r1 $ #1 0!\n#2\n");
     clean->EventCount();
     EXPECT_EQ(Notes(*clean), "");
