@@ -19,11 +19,21 @@ void Put(ISignalWave& wave, std::int64_t time, const Value& value) {
     wave.AddEvent(time, 0, value.data(), wave.GetValueSize());
 }
 
+// The units of a physical type, which signals don't take over from their recording themselves.
+void TakeUnits(stremo::IEventsStreamRead& reader, ISignal& leaf) {
+    constexpr const char* kUnits = "Units";
+    if (const char* const units = reader.GetSignalProperty(leaf.GetHandle(), kUnits)) {
+        leaf.SetProperty(kUnits, units);
+    }
+}
+
 // The waves of all leaves by handle, empty; leaves of one handle may have a wave each.
-std::unordered_multimap<int, ISignalWave*> WavesOf(const std::vector<ISignal*>& signals) {
+std::unordered_multimap<int, ISignalWave*> WavesOf(stremo::IEventsStreamRead& reader,
+                                                   const std::vector<ISignal*>& signals) {
     std::unordered_multimap<int, ISignalWave*> waves;
     for (ISignal* const signal : signals) {
         for (ISignal* const leaf : LeavesOf(*signal)) {
+            TakeUnits(reader, *leaf);
             ISignalWave* const wave = leaf->GetWave();
             const auto [first, last] = waves.equal_range(leaf->GetHandle());
             const bool known =
@@ -68,7 +78,7 @@ std::int64_t Recording::LatestTime() const {
 }
 
 void Recording::Load(const std::vector<ISignal*>& signals, TimeWindow window) const {
-    const auto waves = WavesOf(signals);
+    const auto waves = WavesOf(Reader(), signals);
     std::vector<int> handles;
     for (const auto& [handle, wave] : waves) {
         handles.push_back(handle);
