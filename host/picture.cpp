@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/bus_text.h"
 #include "host/fit_text.h"
 
 namespace corv::host {
@@ -55,6 +56,7 @@ public:
     LaneBuilder(const Trace& trace, const TimeGrid& grid)
         : trace_(trace), grid_(grid), window_(grid.Window()) {
         lane_.name = CleanText(trace.name);
+        lane_.binary = trace.binary;
         if (trace.before) {
             value_ = Shown(*trace.before);
         }
@@ -158,6 +160,21 @@ ShownValue ClassifyBus(std::string_view value_text) {
 
 Lane LayOut(const Trace& trace, const TimeGrid& grid) {
     return LaneBuilder(trace, grid).Build();
+}
+
+std::optional<Lane> InHex(const Lane& lane) {
+    Lane hex = lane;
+    for (Segment& segment : hex.segments) {
+        std::string& text = segment.value.text;
+        if (segment.value.value_class == ValueClass::Bus && text.size() > 1) {
+            std::string digits = BusDigits(text, Radix::Hex);
+            if (digits == text) {
+                return std::nullopt;
+            }
+            text = std::move(digits);
+        }
+    }
+    return hex;
 }
 
 std::vector<Cell> CellsOf(const Lane& lane, const TimeGrid& grid) {

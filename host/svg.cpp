@@ -254,7 +254,11 @@ private:
             Boxes(static_cast<Ink>(ink), paths.boxes[ink]);
             Path(kInks[ink].name, paths.lines[ink]);
         }
-        for (const Segment& segment : lane.segments) {
+        const bool narrow =
+            lane.binary && std::any_of(lane.segments.begin(), lane.segments.end(),
+                                       [&](const Segment& segment) { return IsNarrow(segment); });
+        const Lane shown = narrow ? InHex(lane).value_or(lane) : lane;
+        for (const Segment& segment : shown.segments) {
             DrawValue(segment, base);
         }
         out_ += "</g>\n";
@@ -321,14 +325,23 @@ private:
                Decimal(from + slope) + "Z";
     }
 
+    // The characters that have room in a segment.
+    std::size_t RoomOf(const Segment& segment) const {
+        const std::int64_t room = X(segment.to) - X(segment.from) - 2 * kSlope;
+        return room < 0 ? 0 : static_cast<std::size_t>(room / kValueHundredths);
+    }
+
+    bool IsNarrow(const Segment& segment) const {
+        return segment.value.value_class == ValueClass::Bus &&
+               TextWidth(segment.value.text) > RoomOf(segment);
+    }
+
     void DrawValue(const Segment& segment, std::int64_t base) {
         const ClassRow& shape = RowOf(segment.value.value_class);
-        const std::int64_t room = X(segment.to) - X(segment.from) - 2 * kSlope;
-        if (shape.level < Level::Box || segment.value.text.empty() || room < kValueHundredths) {
+        if (shape.level < Level::Box || segment.value.text.empty()) {
             return;
         }
-        const std::string text =
-            FitText(segment.value.text, static_cast<std::size_t>(room / kValueHundredths), "…");
+        const std::string text = FitValue(segment.value.text, RoomOf(segment), "…");
         if (!text.empty()) {
             Text(shape.level == Level::Box ? "value halo text" : "value text",
                  (X(segment.from) + X(segment.to)) / 2, base, text);

@@ -115,20 +115,33 @@ private:
         }
         Row row = TextRow(FitText(lane.name, style_.name_width, glyphs_.ellipsis));
         row.resize(Start(), Place{" "});
-        const std::vector<Cell> cells = CellsOf(lane, picture_.grid);
-        for (const Cell& cell : cells) {
+        for (const Cell& cell : CellsOf(lane, picture_.grid)) {
             PutCell(row, cell);
         }
+        const bool narrow = lane.binary && !PutValues(row, lane, false);
+        PutValues(row, narrow ? InHex(lane).value_or(lane) : lane, true);
+        AddRow(row);
+    }
+
+    // Writes the values, or only tells whether each has room as a whole.
+    bool PutValues(Row& row, const Lane& lane, bool write) const {
+        const std::vector<Cell> cells = CellsOf(lane, picture_.grid);
+        bool all = true;
         for (std::size_t first = 0; first < cells.size();) {
             std::size_t end = first + 1;
             while (end < cells.size() && cells[end].segment == cells[first].segment) {
                 ++end;
             }
-            PutValue(row, Start() + first + (cells[first].before ? 1 : 0), Start() + end,
-                     cells[first].segment->value);
+            const std::size_t from = first + (cells[first].before ? 1 : 0);
+            const ShownValue& value = cells[first].segment->value;
+            all = all &&
+                  (value.value_class != ValueClass::Bus || TextWidth(value.text) <= end - from);
+            if (write) {
+                PutValue(row, Start() + from, Start() + end, value);
+            }
             first = end;
         }
-        AddRow(row);
+        return all;
     }
 
     void PutCell(Row& row, const Cell& cell) {
@@ -155,7 +168,7 @@ private:
         if (end <= first || shape.level < Level::Box || value.text.empty()) {
             return;
         }
-        std::string text = FitText(value.text, end - first, glyphs_.ellipsis);
+        std::string text = FitValue(value.text, end - first, glyphs_.ellipsis);
         if (!text.empty() && TextWidth(text) + 2 <= end - first) {
             text = " " + text + " ";
         }

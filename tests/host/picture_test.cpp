@@ -8,6 +8,7 @@
 #include "host/source.h"
 #include "host/terminal.h"
 #include "tests/support/random_formula.h"
+#include "tests/support/table.h"
 
 namespace corv::host {
 namespace {
@@ -156,9 +157,26 @@ TEST(FitText, LeavesOnlyPrintableCharacters) {
         {"\xC2\x85", "\uFFFD\uFFFD"},
         {std::string("\0", 1), "\uFFFD"},
         {"\xEF\xBF\xBF", "\uFFFD\uFFFD\uFFFD"},
+        {"a\u202Eb", "a\uFFFD\uFFFD\uFFFDb"},
+        {"\u2066\u061C", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
+        {"\u2026\u2027\u2065", "\u2026\u2027\u2065"},
     };
     for (const auto& [text, clean] : rows) {
         EXPECT_EQ(CleanText(text), clean);
+    }
+}
+
+TEST(FitValue, WhatIsLeftReadsAsNoOtherValue) {
+    const auto rows = test::Table(R"(
+20.5|3|_ ;; 20.5|4|20.5 ;; -12345|5|_ ;; 103375ns|7|_ ;; 1.79769e+308|11|_ ;; 1e-09|4|_
+        12345678901|10|_ ;; 12345678901234567890|9|1234…7890 ;; 12Mohm|5|_
+        0001|3|_ ;; 0ZX1|3|_ ;; DEADBEEF|6|_ ;; DEADBEEF01|7|DEA…F01 ;; DEADBEEF01|6|_
+        00000000DEADBEEF|12|000000…DBEEF ;; 16#12345678#|9|16#1…678# ;; 16#1F|4|_
+        (10,20,30)|10|(10,20,30) ;; (10,20,30)|9|(10,20,…) ;; (10,20,30)|8|(10,…)
+        (10,20,30)|7|(10,…) ;; (10,20,30)|3|(…) ;; (10,20,30)|2|_ ;; ((1,2),3)|7|((1,…)
+        s_idle|5|s_…le ;; s_idle|3|s…e ;; s_idle|2|_ ;; NaN|2|_)");
+    for (const auto& row : rows) {
+        EXPECT_EQ(FitValue(row[0], std::stoul(row[1]), "…"), row[2]) << row[0] << " in " << row[1];
     }
 }
 
@@ -187,7 +205,7 @@ TEST(DrawTerminal, NeverShowsAWrongValue) {
             const std::size_t length = 2 + random.Below(14);
             std::string value;
             while (value.size() < length) {
-                value += static_cast<char>('A' + random.Below(26));
+                value += static_cast<char>('G' + random.Below(14));
             }
             trace.changes.push_back({time, value});
             time += 1 + static_cast<std::int64_t>(random.Below(20));
