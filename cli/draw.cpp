@@ -10,6 +10,7 @@
 #include "host/axis.h"
 #include "host/svg.h"
 #include "host/terminal.h"
+#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -28,6 +29,7 @@ host::Picture MakePicture(const DrawOptions& options, const Shown& shown,
         options.title, grid, host::MakeTicks(grid, columns_per_character, options.time_unit), {}};
     for (const host::Trace& trace : shown.ForGrid(grid)) {
         picture.lanes.push_back(host::LayOut(trace, grid));
+        picture.lanes.back().binary &= !options.radix;  // who asked for bits gets no other digits
     }
     return picture;
 }
@@ -54,12 +56,23 @@ void DrawPicture(const DrawOptions& options, const Shown& shown, host::TimeWindo
     WriteOutput(options.svg, DrawSvg(picture, style));
 }
 
+// Says that what lies after the recording's end is left empty.
+void TellEnd(const Shown& shown, host::TimeWindow window) {
+    const auto end = shown.RecordingEnd();
+    if (end && *end < window.end) {
+        WriteMessage("note", "the recording ends at " + host::TimeText(*end) +
+                                 (*end < window.start ? ", before the window"
+                                                      : "; after it nothing is drawn"));
+    }
+}
+
 int RunDraw(const DrawOptions& options) {
     if (options.svg == "-" && options.output == "-") {
         throw Failure("only one of --svg and --output can go to standard output");
     }
     const Shown shown(options);
     const host::TimeWindow window = shown.Window();
+    TellEnd(shown, window);
     if (options.svg.empty() || !options.output.empty()) {
         DrawText(options, shown, window);
     }

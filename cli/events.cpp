@@ -41,6 +41,10 @@ Listing MakeListing(const EventsOptions& options) {
     const Shown shown(options);
     Listing listing;
     listing.window = shown.Window();
+    if (const auto end = shown.RecordingEnd(); end && *end < listing.window.start) {
+        WriteMessage("warning",
+                     "the recording ends at " + host::TimeText(*end) + ", before the window");
+    }
     listing.traces = shown.Events(listing.window, max);
     for (host::Trace& trace : listing.traces) {
         trace.name = host::CleanText(trace.name);

@@ -102,6 +102,11 @@ host::TimeWindow Shown::Window() const {
     return ChooseWindow(options_, end);
 }
 
+std::optional<std::int64_t> Shown::RecordingEnd() const {
+    const std::int64_t end = selected_.empty() ? -1 : recording_->Signals().GetMaxTime();
+    return end < 0 ? std::nullopt : std::optional(end);
+}
+
 std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style) const {
     std::vector<host::Trace> traces;
     if (selected_.empty()) {
@@ -115,10 +120,12 @@ std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style
         recording_->Load(signals, window);
         return 0;
     });
+    const auto end = RecordingEnd();
     const host::BusFormat format = BusFormatOf(options_, style);
     for (const host::NamedSignal& named : selected_) {
         traces.push_back(host::ReadTrace(*named.signal, window, format));
         traces.back().name = named.name;
+        traces.back().known_until = end;
     }
     return traces;
 }

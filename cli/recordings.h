@@ -30,6 +30,8 @@ public:
 
     std::vector<std::string> Names() const;
     host::TimeWindow Window() const;
+    // Where the recording that is shown ends; nothing without one, and when it has no events.
+    std::optional<std::int64_t> RecordingEnd() const;
     // What each does in a window: every event, at most `max` of each.
     std::vector<host::Trace> Events(host::TimeWindow window, std::size_t max) const;
     // The same as far as a drawing on the grid can show it.

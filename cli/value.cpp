@@ -7,6 +7,7 @@
 #include "cli/output.h"
 #include "cli/recordings.h"
 #include "host/fit_text.h"
+#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -25,6 +26,10 @@ int RunValue(const ValueOptions& options) {
     std::string text;
     Json values = Json::array();
     const std::int64_t time = *options.time;
+    if (const auto end = shown.RecordingEnd(); end && *end < time) {
+        WriteMessage("warning", "the recording ends at " + host::TimeText(*end) +
+                                    "; these are its last values");
+    }
     auto traces = shown.Events({time, time}, static_cast<std::size_t>(-1));
     std::size_t width = 0;
     for (host::Trace& trace : traces) {

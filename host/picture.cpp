@@ -72,6 +72,7 @@ public:
             const std::int64_t crowd =
                 crowded != trace_.crowded.end() ? crowded->start : window_.end;
             if (std::min(change, crowd) >= window_.end) {
+                EndWithKnowledge();
                 return std::move(lane_);
             }
             if (grid_.Column(crowd) <= grid_.Column(change)) {
@@ -120,6 +121,20 @@ private:
             AddActivity(grid_.First(column), end);
         }
         return next;
+    }
+
+    // After the column of the last time that something is known of there is no value.
+    void EndWithKnowledge() {
+        const std::int64_t known = trace_.known_until.value_or(window_.end);
+        const std::int64_t end =
+            known < window_.start ? window_.start : grid_.First(grid_.Column(known) + 1);
+        if (known >= window_.end || end >= window_.end) {
+            return;
+        }
+        while (!lane_.segments.empty() && lane_.segments.back().from >= end) {
+            lane_.segments.pop_back();
+        }
+        Append(lane_, end, {}, window_.end);
     }
 
     void AddActivity(std::int64_t from, std::int64_t to) {

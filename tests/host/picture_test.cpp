@@ -120,6 +120,28 @@ TEST(LayOut, EveryColumnShowsWhatAScanOfEveryPicosecondSays) {
     EXPECT_GT(crowds, 1000);
 }
 
+TEST(LayOut, HasNoValueAfterTheLastKnownTime) {
+    const TimeGrid grid({10, 30}, 10);
+    const std::pair<std::int64_t, std::int64_t> rows[] = {{5, 10},  {9, 10},  {10, 12}, {17, 18},
+                                                          {27, 28}, {28, 30}, {40, 30}};
+    for (const auto& [known, end] : rows) {
+        Trace trace;
+        trace.before = "0";
+        trace.changes = {{12, "1"}, {20, "0"}, {28, "1"}, {29, "0"}};
+        while (!trace.changes.empty() && trace.changes.back().time > known) {
+            trace.changes.pop_back();
+        }
+        trace.known_until = known;
+        const Lane lane = LayOut(trace, grid);
+        EXPECT_EQ(lane.segments.back().to, 30);
+        for (const Segment& segment : lane.segments) {
+            const bool none = segment.value.value_class == ValueClass::None;
+            EXPECT_EQ(none, segment.from >= end) << known << " at " << segment.from;
+            EXPECT_TRUE(segment.to <= end || none) << known << " to " << segment.to;
+        }
+    }
+}
+
 TEST(FitText, IsWholeOrSaysThatItIsNot) {
     const std::string text =
         "a\xC3\xA4"
