@@ -107,23 +107,24 @@ std::optional<std::int64_t> Shown::RecordingEnd() const {
     return end < 0 ? std::nullopt : std::optional(end);
 }
 
-std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style) const {
-    std::vector<host::Trace> traces;
-    if (selected_.empty()) {
-        return traces;
-    }
+std::vector<ISignal*> Shown::Signals() const {
     std::vector<ISignal*> signals;
     for (const host::NamedSignal& named : selected_) {
         signals.push_back(named.signal);
     }
-    OrFailure([&] {
-        recording_->Load(signals, window);
-        return 0;
-    });
+    return signals;
+}
+
+std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style,
+                                         std::size_t most) const {
+    std::vector<host::Trace> traces;
+    if (selected_.empty()) {
+        return traces;
+    }
     const auto end = RecordingEnd();
     const host::BusFormat format = BusFormatOf(options_, style);
     for (const host::NamedSignal& named : selected_) {
-        traces.push_back(host::ReadTrace(*named.signal, window, format));
+        traces.push_back(host::ReadTrace(*named.signal, window, format, most));
         traces.back().name = named.name;
         traces.back().known_until = end;
     }
@@ -131,11 +132,10 @@ std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style
 }
 
 std::vector<host::Trace> Shown::Events(host::TimeWindow window, std::size_t max) const {
-    std::vector<host::Trace> traces = Recorded(window, BusStyle::Literal);
-    for (host::Trace& trace : traces) {
-        trace.truncated = trace.changes.size() > max;
-        trace.changes.resize(std::min(trace.changes.size(), max));
+    if (!selected_.empty()) {
+        OrFailure([&] { return recording_->Load(Signals(), window, max); });
     }
+    std::vector<host::Trace> traces = Recorded(window, BusStyle::Literal, max);
     const host::BusFormat format = BusFormatOf(options_, BusStyle::Literal);
     for (const NamedSource& named : sources_) {
         const host::Trace recorded = host::RecordEvents(*named.source, window, max);
@@ -146,7 +146,10 @@ std::vector<host::Trace> Shown::Events(host::TimeWindow window, std::size_t max)
 
 std::vector<host::Trace> Shown::ForGrid(const host::TimeGrid& grid) const {
     const host::TimeWindow window = grid.Window();
-    std::vector<host::Trace> traces = Recorded(window, BusStyle::Digits);
+    if (!selected_.empty()) {
+        OrFailure([&] { return recording_->LoadForGrid(Signals(), grid); });
+    }
+    std::vector<host::Trace> traces = Recorded(window, BusStyle::Digits, host::kAllChanges);
     const host::BusFormat format = BusFormatOf(options_, BusStyle::Digits);
     for (const NamedSource& named : sources_) {
         const host::Trace recorded = host::RecordForGrid(*named.source, grid);

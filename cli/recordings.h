@@ -38,7 +38,10 @@ public:
     std::vector<host::Trace> ForGrid(const host::TimeGrid& grid) const;
 
 private:
-    std::vector<host::Trace> Recorded(host::TimeWindow window, BusStyle style) const;
+    std::vector<ISignal*> Signals() const;
+    // Of what has been loaded.
+    std::vector<host::Trace> Recorded(host::TimeWindow window, BusStyle style,
+                                      std::size_t most) const;
 
     const FormulaOptions& options_;
     std::unique_ptr<host::Recording> recording_;

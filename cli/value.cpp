@@ -30,7 +30,7 @@ int RunValue(const ValueOptions& options) {
         WriteMessage("warning", "the recording ends at " + host::TimeText(*end) +
                                     "; these are its last values");
     }
-    auto traces = shown.Events({time, time}, static_cast<std::size_t>(-1));
+    auto traces = shown.Events({time, time}, host::Recording::kAllTimes);
     std::size_t width = 0;
     for (host::Trace& trace : traces) {
         trace.name = host::CleanText(trace.name);

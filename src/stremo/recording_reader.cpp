@@ -10,6 +10,7 @@
 #include "platform/guard.h"
 #include "stremo/block_view.h"
 #include "stremo/leaf_cursor.h"
+#include "stremo/overview.h"
 #include "stremo/stream_error.h"
 
 namespace corv::recording {
@@ -48,6 +49,8 @@ public:
     std::unique_ptr<SignalReader> Share() noexcept override;
     void SetInterest(std::span<const int> handles) override;
     std::unique_ptr<SignalCursor> OpenSignal(int handle) noexcept override;
+    bool ReadOverview(std::span<const int> handles, std::span<const std::int64_t> borders,
+                      IStreamOverview& overview) noexcept override;
     std::uint64_t EventCount() noexcept override;
     int NoteCount() noexcept override { return static_cast<int>(recording_->notes().size()); }
     const char* Note(int index) noexcept override;
@@ -184,6 +187,14 @@ bool RecordingReader::OpenBlocks() noexcept {
     }
     blocks_ = blocks.get();
     return blocks_ != nullptr;
+}
+
+bool RecordingReader::ReadOverview(std::span<const int> handles,
+                                   std::span<const std::int64_t> borders,
+                                   IStreamOverview& overview) noexcept {
+    return OpenBlocks() && platform::Guarded(false, [&] {
+               return recording::ReadOverview(*blocks_, signals_, handles, borders, overview);
+           });
 }
 
 bool RecordingReader::Seek(const std::int64_t* time) {

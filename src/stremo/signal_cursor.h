@@ -5,6 +5,7 @@
 #include <span>
 
 #include "corv/stremo/events_stream_read.h"
+#include "corv/stremo/stream_overview.h"
 
 // Questions about one signal of a recording. A replay asks for the next event and the value of one
 // signal again and again; here the answers come from that signal's own index and cost the same
@@ -44,6 +45,10 @@ public:
     // A cursor for a scalar's handle; it must not be used after the reader's end. Null for other
     // handles and when the events can't be read or memory runs out.
     virtual std::unique_ptr<SignalCursor> OpenSignal(int handle) noexcept = 0;
+
+    // See ReadStreamOverview.
+    virtual bool ReadOverview(std::span<const int> handles, std::span<const std::int64_t> borders,
+                              IStreamOverview& overview) noexcept = 0;
 
     // The number of events of all signals, as far as they can be read.
     virtual std::uint64_t EventCount() noexcept = 0;
