@@ -24,9 +24,8 @@ struct DrawOptions : FormulaOptions {
 };
 
 host::Picture MakePicture(const DrawOptions& options, const Shown& shown,
-                          const host::TimeGrid& grid, std::int64_t columns_per_character) {
-    host::Picture picture{
-        options.title, grid, host::MakeTicks(grid, columns_per_character, options.time_unit), {}};
+                          const host::TimeGrid& grid, std::vector<host::Tick> ticks) {
+    host::Picture picture{options.title, grid, std::move(ticks), {}};
     for (const host::Trace& trace : shown.ForGrid(grid)) {
         picture.lanes.push_back(host::LayOut(trace, grid));
         picture.lanes.back().binary &= !options.radix;  // who asked for bits gets no other digits
@@ -44,15 +43,20 @@ void DrawText(const DrawOptions& options, const Shown& shown, host::TimeWindow w
     style.name_width = host::TerminalNameWidth(shown.Names(), static_cast<std::size_t>(width));
     const auto names = static_cast<int>(style.name_width + host::kTerminalGap);
     const host::TimeGrid grid(window, std::max(width - names, kLeastPlot));
-    WriteOutput(options.output, DrawTerminal(MakePicture(options, shown, grid, 1), style));
+    auto ticks = host::MakeTicks(grid, 1, options.time_unit);
+    WriteOutput(options.output,
+                DrawTerminal(MakePicture(options, shown, grid, std::move(ticks)), style));
 }
 
 void DrawPicture(const DrawOptions& options, const Shown& shown, host::TimeWindow window) {
     host::SvgStyle style;
     style.width = options.svg_width.value_or(static_cast<int>(style.width));
     style.name_columns = host::SvgNameColumns(shown.Names(), style.width);
-    const host::TimeGrid grid(window, host::SvgPlotWidth(style));
-    const host::Picture picture = MakePicture(options, shown, grid, host::kSvgLabelWidth);
+    const std::int64_t pixels = host::SvgPlotWidth(style);
+    auto ticks =
+        host::MakeTicks(host::TimeGrid(window, pixels), host::kSvgLabelWidth, options.time_unit);
+    const host::TimeGrid grid(window, pixels / host::kSvgColumn);
+    const host::Picture picture = MakePicture(options, shown, grid, std::move(ticks));
     WriteOutput(options.svg, DrawSvg(picture, style));
 }
 

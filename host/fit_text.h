@@ -28,8 +28,8 @@ std::size_t TextWidth(std::string_view text);
 std::string FitText(std::string_view text, std::size_t width, std::string_view ellipsis);
 
 // The text of a value in at most `width` places, so that what is left of it reads as no other
-// value: a number is whole or left out, of the digits of a vector three stay on either side or none,
-// (a,b,c) keeps whole elements in front of the ellipsis, and a word is cut as above.
+// value: a number is whole or left out, of the digits of a vector three stay on either side or
+// none, (a,b,c) keeps whole elements in front of the ellipsis, and a word is cut as above.
 std::string FitValue(std::string_view text, std::size_t width, std::string_view ellipsis);
 
 }  // namespace corv::host

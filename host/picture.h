@@ -86,7 +86,8 @@ struct Lane {
 };
 
 // A lane for drawing on the grid. A column with two or more changes and one that touches a crowded
-// stretch show Activity from border to border; changes elsewhere keep their exact time. After the
+// stretch show Activity from border to border, and so do the columns beside it that have a change,
+// up to the first without one; changes elsewhere keep their exact time. After the
 // column of the last time that something is known of the lane is empty.
 Lane LayOut(const Trace& trace, const TimeGrid& grid);
 

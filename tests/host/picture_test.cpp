@@ -58,6 +58,15 @@ std::vector<Expected> Scan(const CStimulus& stimulus, const TimeGrid& grid) {
         }
         columns[i].last = value;
     }
+    for (std::size_t first = 0, end = 0; first < columns.size(); first = end + 1) {
+        bool dense = false;
+        for (end = first; end < columns.size() && columns[end].changes > 0; ++end) {
+            dense |= columns[end].changes > 1;
+        }
+        for (std::size_t i = first; dense && i < end; ++i) {
+            columns[i].changes = 2;  // what stands beside it is as dense
+        }
+    }
     return columns;
 }
 
