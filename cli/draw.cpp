@@ -15,12 +15,15 @@
 namespace corv::cli {
 namespace {
 
+constexpr std::size_t kCompactFrom = 25;  // signals
+constexpr std::size_t kManySignals = 100;
 constexpr int kLeastPlot = 10;  // columns that a drawing in the terminal needs beside the names
 
 struct DrawOptions : FormulaOptions {
     std::string output, svg, title;
     std::optional<int> width, svg_width;
     bool ascii = false;
+    bool compact = false;
 };
 
 host::Picture MakePicture(const DrawOptions& options, const Shown& shown,
@@ -39,6 +42,7 @@ void DrawText(const DrawOptions& options, const Shown& shown, host::TimeWindow w
     const int width = options.width ? *options.width : host::DrawingWidth(file_descriptor);
     host::TerminalStyle style;
     style.ascii = options.ascii;
+    style.compact = options.compact || shown.Names().size() >= kCompactFrom;
     style.colour = WithColour(options.colour, file_descriptor);
     style.name_width = host::TerminalNameWidth(shown.Names(), static_cast<std::size_t>(width));
     const auto names = static_cast<int>(style.name_width + host::kTerminalGap);
@@ -60,6 +64,15 @@ void DrawPicture(const DrawOptions& options, const Shown& shown, host::TimeWindo
     WriteOutput(options.svg, DrawSvg(picture, style));
 }
 
+// Says how to draw less.
+void TellMany(const DrawOptions& options, const Shown& shown) {
+    const std::size_t count = shown.Names().size();
+    if (count >= kManySignals && options.names.empty()) {
+        WriteMessage("note", std::to_string(count) + " signals; choose some with -n, such as -n '" +
+                                 shown.Names().front() + "'");
+    }
+}
+
 // Says that what lies after the recording's end is left empty.
 void TellEnd(const Shown& shown, host::TimeWindow window) {
     const auto end = shown.RecordingEnd();
@@ -77,6 +90,7 @@ int RunDraw(const DrawOptions& options) {
     const Shown shown(options);
     const host::TimeWindow window = shown.Window();
     TellEnd(shown, window);
+    TellMany(options, shown);
     if (options.svg.empty() || !options.output.empty()) {
         DrawText(options, shown, window);
     }
@@ -109,6 +123,8 @@ void AddDraw(CLI::App& program, Action& chosen) {
     AddNumber(*command, "--svg-width", 200, 10000, options->svg_width,
               "Pixels of the SVG picture's width; 1000 unless given");
     command->add_flag("--ascii", options->ascii, "Draw with 7-bit characters");
+    command->add_flag("--compact", options->compact,
+                      "Leave no empty line between signals; the usual way from 25 signals on");
     command->footer(
         "corv draw -f clk='0 0, 1 5ns -r 10ns' -f rst='1 0, 0 @23ns'\n"
         "corv draw -f cnt:4=\"$(corv counter --kind gray --period 10ns)\" --expand\n"

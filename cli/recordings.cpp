@@ -71,7 +71,8 @@ std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
     return selected;
 }
 
-Shown::Shown(const FormulaOptions& options) : options_(options), sources_(LoadSources(options)) {
+Shown::Shown(const FormulaOptions& options, BusStyle listed)
+    : options_(options), listed_(listed), sources_(LoadSources(options)) {
     if (!options.file.empty()) {
         recording_ = OpenRecording(options.file, options.recording_unit);
         selected_ = SelectNamed(*recording_, options.names);
@@ -135,8 +136,8 @@ std::vector<host::Trace> Shown::Events(host::TimeWindow window, std::size_t max)
     if (!selected_.empty()) {
         OrFailure([&] { return recording_->Load(Signals(), window, max); });
     }
-    std::vector<host::Trace> traces = Recorded(window, BusStyle::Literal, max);
-    const host::BusFormat format = BusFormatOf(options_, BusStyle::Literal);
+    std::vector<host::Trace> traces = Recorded(window, listed_, max);
+    const host::BusFormat format = BusFormatOf(options_, listed_);
     for (const NamedSource& named : sources_) {
         const host::Trace recorded = host::RecordEvents(*named.source, window, max);
         traces.push_back(ShowDriven(named, recorded, window, format));

@@ -26,7 +26,7 @@ std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
 class Shown {
 public:
     // Throws Failure, also when there is nothing to be shown.
-    explicit Shown(const FormulaOptions& options);
+    explicit Shown(const FormulaOptions& options, BusStyle listed = BusStyle::Literal);
 
     std::vector<std::string> Names() const;
     host::TimeWindow Window() const;
@@ -44,6 +44,7 @@ private:
                                       std::size_t most) const;
 
     const FormulaOptions& options_;
+    BusStyle listed_;  // of vectors in lists of events
     std::unique_ptr<host::Recording> recording_;
     std::vector<host::NamedSignal> selected_;
     std::vector<NamedSource> sources_;

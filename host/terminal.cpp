@@ -9,6 +9,7 @@ namespace corv::host {
 namespace {
 
 constexpr std::size_t kLevels = 6;
+constexpr std::size_t kLanesPerRuler = 40;
 
 struct Glyphs {
     std::array<std::string_view, kClasses.size()> body;               // by ValueClass
@@ -27,6 +28,18 @@ constexpr Glyphs kBoxDrawing{{" ", "▁", "▔", "─", "₋", "⁻", "░", "�
                              "─",
                              "┬",
                              "…"};
+
+// Of compact drawings, whose lines touch each other.
+constexpr Glyphs kBars{{" ", "▁", "▇", "─", "₋", "⁻", "░", "░", "╱", "═", "║"},
+                       {{{"", "", "", "", "", ""},
+                         {"", "▁", "╭", "▇", "│", "<"},
+                         {"", "╮", "─", "▇", "│", "<"},
+                         {"", "▁", "╰", "▇", "│", "<"},
+                         {"", "│", "│", "│", "│", "│"},
+                         {"", ">", ">", ">", "│", "╳"}}},
+                       "─",
+                       "┬",
+                       "…"};
 
 constexpr Glyphs kAscii{{" ", "_", "\"", "-", ".", "'", "?", "~", "/", "=", "#"},
                         {{{"", "", "", "", "", ""},
@@ -48,7 +61,11 @@ using Row = std::vector<Place>;
 class TerminalDrawing {
 public:
     TerminalDrawing(const Picture& picture, const TerminalStyle& style)
-        : picture_(picture), style_(style), glyphs_(style.ascii ? kAscii : kBoxDrawing) {}
+        : picture_(picture),
+          style_(style),
+          glyphs_(style.ascii     ? kAscii
+                  : style.compact ? kBars
+                                  : kBoxDrawing) {}
 
     std::string Draw() {
         if (!picture_.title.empty()) {
@@ -56,8 +73,12 @@ public:
             out_ += '\n';
         }
         DrawRuler();
-        for (const Lane& lane : picture_.lanes) {
-            DrawLane(lane);
+        for (std::size_t i = 0; i < picture_.lanes.size(); ++i) {
+            out_ += style_.compact || i == 0 ? "" : "\n";
+            if (i > 0 && i % kLanesPerRuler == 0) {
+                DrawRuler();
+            }
+            DrawLane(picture_.lanes[i]);
         }
         if (crowded_) {
             Row legend(Start());
@@ -110,9 +131,6 @@ private:
     }
 
     void DrawLane(const Lane& lane) {
-        if (&lane != &picture_.lanes.front()) {
-            out_ += '\n';
-        }
         Row row = TextRow(FitText(lane.name, style_.name_width, glyphs_.ellipsis));
         row.resize(Start(), Place{" "});
         for (const Cell& cell : CellsOf(lane, picture_.grid)) {
