@@ -136,7 +136,9 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
     AddRadix(command, options);
     command.add_flag("--words", options.words,
                      "Cut values of vectors into words, (red,green), instead of characters");
-    command.add_flag("--expand", options.expand, "Show the elements of each vector below it");
+    command.add_flag(
+        "--expand", options.expand,
+        "Show the elements of vectors and arrays and the fields of records below them");
     AddColour(command, options.colour);
 }
 

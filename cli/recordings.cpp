@@ -8,6 +8,7 @@
 #include "cli/progress.h"
 #include "cli/suggestion.h"
 #include "corv/stremo/stream_progress.h"
+#include "corv/typeinfo/type_info.h"
 #include "host/driver.h"
 #include "host/fit_text.h"
 
@@ -35,6 +36,27 @@ void ShowProgressOf(const std::string& work) {
             progress = nullptr;
         }
     });
+}
+
+bool IsVector(ISignal& signal) {
+    const KTypeInfo type{CString(signal.GetTypeInfo())};
+    return type.GetKind() == KTypeInfo::KindArray && type.IsSimple();
+}
+
+// Adds a signal and what it is made of; vectors within others are not taken apart.
+void AddExpanded(host::NamedSignal signal, bool outermost, std::vector<host::NamedSignal>& all) {
+    ISignal& whole = *signal.signal;
+    const std::string name = signal.name;
+    all.push_back(std::move(signal));
+    ISignalContainer* const members = whole.GetSubSignals();
+    if (members == nullptr || (!outermost && IsVector(whole))) {
+        return;
+    }
+    ISignal* member = nullptr;
+    for (std::uint32_t i = 0; SUCCEEDED(members->GetAt(i, &member)); ++i) {
+        const std::string part = host::ShownName(member->GetName());
+        AddExpanded({name + (part.starts_with('(') ? "" : ".") + part, member, {}}, false, all);
+    }
 }
 
 }  // namespace
@@ -75,7 +97,13 @@ Shown::Shown(const FormulaOptions& options, BusStyle listed)
     : options_(options), listed_(listed), sources_(LoadSources(options)) {
     if (!options.file.empty()) {
         recording_ = OpenRecording(options.file, options.recording_unit);
-        selected_ = SelectNamed(*recording_, options.names);
+        for (host::NamedSignal& named : SelectNamed(*recording_, options.names)) {
+            if (options.expand) {
+                AddExpanded(std::move(named), true, selected_);
+            } else {
+                selected_.push_back(std::move(named));
+            }
+        }
     }
     if (selected_.empty() && sources_.empty()) {
         throw Failure(recording_ ? options.file + " has no signals"
