@@ -70,7 +70,7 @@ TEST(BusText, NumbersHaveTheSignAndThePointOfTheirType) {
     EXPECT_EQ(BusDigits("0110", Radix::Dec, {true, 2}), "1.5");
     EXPECT_EQ(BusKindOf("signed(7 downto 0)", 0), (BusKind{true, 0}));
     EXPECT_EQ(BusKindOf("ieee.fixed_pkg.UNRESOLVED_sfixed(3 downto -4)", -4), (BusKind{true, 4}));
-    EXPECT_EQ(BusKindOf("u_ufixed(9 downto 2)", 2), (BusKind{false, 0}));
+    EXPECT_EQ(BusKindOf("U_sfixed(1 downto -2)", -2), (BusKind{true, 2}));
     EXPECT_EQ(BusKindOf("unsigned(7 downto 0)", 0), BusKind());
 }
 
