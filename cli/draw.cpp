@@ -11,24 +11,28 @@
 #include "host/axis.h"
 #include "host/svg.h"
 #include "host/terminal.h"
+#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
 
+constexpr std::size_t kCompactFrom = 25;  // signals
+constexpr std::size_t kManySignals = 100;
 constexpr int kLeastPlot = 10;  // columns that a drawing in the terminal needs beside the names
 
 struct DrawOptions : FormulaOptions {
     std::string output, svg, title;
     std::optional<int> width, svg_width;
     bool ascii = false;
+    bool compact = false;
 };
 
 host::Picture MakePicture(const DrawOptions& options, const Shown& shown,
-                          const host::TimeGrid& grid, std::int64_t columns_per_character) {
-    host::Picture picture{
-        options.title, grid, host::MakeTicks(grid, columns_per_character, options.time_unit), {}};
+                          const host::TimeGrid& grid, std::vector<host::Tick> ticks) {
+    host::Picture picture{options.title, grid, std::move(ticks), {}};
     for (const host::Trace& trace : shown.ForGrid(grid)) {
         picture.lanes.push_back(host::LayOut(trace, grid));
+        picture.lanes.back().binary &= !options.radix;  // who asked for bits gets no other digits
     }
     return picture;
 }
@@ -39,11 +43,14 @@ void DrawText(const DrawOptions& options, const Shown& shown, host::TimeWindow w
     const int width = options.width ? *options.width : host::DrawingWidth(file_descriptor);
     host::TerminalStyle style;
     style.ascii = options.ascii;
+    style.compact = options.compact || shown.Names().size() >= kCompactFrom;
     style.colour = WithColour(options.colour, file_descriptor);
     style.name_width = host::TerminalNameWidth(shown.Names(), static_cast<std::size_t>(width));
     const auto names = static_cast<int>(style.name_width + host::kTerminalGap);
     const host::TimeGrid grid(window, std::max(width - names, kLeastPlot));
-    WriteOutput(options.output, DrawTerminal(MakePicture(options, shown, grid, 1), style),
+    auto ticks = host::MakeTicks(grid, 1, options.time_unit);
+    WriteOutput(options.output,
+                DrawTerminal(MakePicture(options, shown, grid, std::move(ticks)), style),
                 InputsOf(options));
 }
 
@@ -51,9 +58,31 @@ void DrawPicture(const DrawOptions& options, const Shown& shown, host::TimeWindo
     host::SvgStyle style;
     style.width = options.svg_width.value_or(static_cast<int>(style.width));
     style.name_columns = host::SvgNameColumns(shown.Names(), style.width);
-    const host::TimeGrid grid(window, host::SvgPlotWidth(style));
-    const host::Picture picture = MakePicture(options, shown, grid, host::kSvgLabelWidth);
+    const std::int64_t pixels = host::SvgPlotWidth(style);
+    auto ticks =
+        host::MakeTicks(host::TimeGrid(window, pixels), host::kSvgLabelWidth, options.time_unit);
+    const host::TimeGrid grid(window, pixels / host::kSvgColumn);
+    const host::Picture picture = MakePicture(options, shown, grid, std::move(ticks));
     WriteOutput(options.svg, DrawSvg(picture, style), InputsOf(options));
+}
+
+// Says how to draw less.
+void TellMany(const DrawOptions& options, const Shown& shown) {
+    const std::size_t count = shown.Names().size();
+    if (count >= kManySignals && options.names.empty()) {
+        WriteMessage("note", std::to_string(count) + " signals; choose some with -n, such as -n '" +
+                                 shown.Names().front() + "'");
+    }
+}
+
+// Says that what lies after the recording's end is left empty.
+void TellEnd(const Shown& shown, host::TimeWindow window) {
+    const auto end = shown.RecordingEnd();
+    if (end && *end < window.end) {
+        WriteMessage("note", "the recording ends at " + host::TimeText(*end) +
+                                 (*end < window.start ? ", before the window"
+                                                      : "; after it nothing is drawn"));
+    }
 }
 
 int RunDraw(const DrawOptions& options) {
@@ -66,6 +95,8 @@ int RunDraw(const DrawOptions& options) {
     }
     const Shown shown(options);
     const host::TimeWindow window = shown.Window();
+    TellEnd(shown, window);
+    TellMany(options, shown);
     if (options.svg.empty() || !options.output.empty()) {
         DrawText(options, shown, window);
     }
@@ -98,6 +129,8 @@ void AddDraw(CLI::App& program, Action& chosen) {
     AddNumber(*command, "--svg-width", 200, 10000, options->svg_width,
               "Pixels of the SVG picture's width; 1000 unless given");
     command->add_flag("--ascii", options->ascii, "Draw with 7-bit characters");
+    command->add_flag("--compact", options->compact,
+                      "Leave no empty line between signals; the usual way from 25 signals on");
     command->footer(
         "corv draw -f clk='0 0, 1 5ns -r 10ns' -f rst='1 0, 0 @23ns'\n"
         "corv draw -f cnt:4=\"$(corv counter --kind gray --period 10ns)\" --expand\n"

@@ -38,9 +38,13 @@ struct Listing {
 
 Listing MakeListing(const EventsOptions& options) {
     const auto max = static_cast<std::size_t>(options.max.value_or(kDefaultMax));
-    const Shown shown(options);
+    const Shown shown(options, options.csv ? BusStyle::Plain : BusStyle::Literal);
     Listing listing;
     listing.window = shown.Window();
+    if (const auto end = shown.RecordingEnd(); end && *end < listing.window.start) {
+        WriteMessage("warning",
+                     "the recording ends at " + host::TimeText(*end) + ", before the window");
+    }
     listing.traces = shown.Events(listing.window, max);
     for (host::Trace& trace : listing.traces) {
         trace.name = host::CleanText(trace.name);
@@ -92,17 +96,6 @@ std::string Table(const Listing& listing, std::optional<unsigned> unit) {
         out += line + "\n";
     }
     return out;
-}
-
-std::string CsvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) {
-        return text;
-    }
-    std::string field = "\"";
-    for (const char c : text) {
-        field += c == '"' ? "\"\"" : std::string(1, c);
-    }
-    return field + "\"";
 }
 
 std::string Csv(const Listing& listing) {
@@ -168,8 +161,10 @@ void AddEvents(CLI::App& program, Action& chosen) {
     AddNumber(*command, "--max", 1, 10000000, options->max,
               "List at most N events, the earliest; 10000 unless given");
     command->add_flag("--json", options->json, "Write JSON, times in picoseconds");
-    command->add_flag("--csv", options->csv,
-                      "Write comma-separated values, a line per event, times in picoseconds");
+    command->add_flag(
+        "--csv", options->csv,
+        "Write comma-separated values, a line per event, times in picoseconds, vectors "
+        "as 0xA5");
     command->footer(
         "corv events -f clk='0 0, 1 5ns -r 10ns' -e 50ns\n"
         "corv events -f a='0 0, 1 10ns' -f b='Z 0, 1 10ns, 0 @15ns' --csv -o events.csv\n"

@@ -157,13 +157,16 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
     AddRadix(command, options);
     command.add_flag("--words", options.words,
                      "Cut values of vectors into words, (red,green), instead of characters");
-    command.add_flag("--expand", options.expand, "Show the elements of each vector below it");
+    command.add_flag(
+        "--expand", options.expand,
+        "Show the elements of vectors and arrays and the fields of records below them");
     AddColour(command, options.colour);
 }
 
 void AddRadix(CLI::App& command, FormulaOptions& options) {
     AddChoice(command, "-r,--radix", "bin|oct|dec|hex",
-              "How values of vectors are written; hex unless given, bin up to 4 elements",
+              "How vectors are written, those in records and arrays too; unless given hex, bin up "
+              "to 4 elements, dec for signed",
               [&options](const std::string& word) { options.radix = RadixOf(word); });
 }
 
@@ -316,11 +319,14 @@ host::Trace ShowDriven(const NamedSource& named, const host::Trace& recorded,
 }
 
 host::BusFormat BusFormatOf(const FormulaOptions& options, BusStyle style) {
-    return [radix = options.radix, style](std::string_view characters) {
-        const host::Radix used =
-            radix.value_or(characters.size() > 4 ? host::Radix::Hex : host::Radix::Bin);
-        return style == BusStyle::Digits ? host::BusDigits(characters, used)
-                                         : host::BusLiteral(characters, used);
+    return [radix = options.radix, style](std::string_view characters, host::BusKind kind) {
+        const host::Radix usual = kind.is_signed && kind.fraction == 0 ? host::Radix::Dec
+                                  : characters.size() > 4              ? host::Radix::Hex
+                                                                       : host::Radix::Bin;
+        const host::Radix used = radix.value_or(usual);
+        return style == BusStyle::Digits    ? host::BusDigits(characters, used, kind)
+               : style == BusStyle::Literal ? host::BusLiteral(characters, used, kind)
+                                            : host::BusPlain(characters, used, kind);
     };
 }
 

@@ -41,8 +41,8 @@ struct NamedSource {
     std::string type;  // empty: the values tell it
 };
 
-// How the value of a vector is written: in a drawing, and as VHDL writes it.
-enum class BusStyle { Digits, Literal };
+// How the value of a vector is written: in a drawing, as VHDL writes it, and for a table.
+enum class BusStyle { Digits, Literal, Plain };
 
 // Reads the formulas and the replayed signals. Their problems go to standard error; throws Failure
 // when one has errors. Expanded vectors are followed by their elements.

@@ -49,6 +49,17 @@ void WriteOutput(const std::string& name, std::string_view data,
     output.Commit();
 }
 
+std::string CsvField(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) {
+        return text;
+    }
+    std::string field = "\"";
+    for (const char c : text) {
+        field += c == '"' ? "\"\"" : std::string(1, c);
+    }
+    return field + "\"";
+}
+
 void WriteMessage(std::string_view severity, std::string_view sentence) {
     std::fprintf(stderr, "corv: %s: %s\n", std::string(severity).c_str(),
                  host::CleanText(sentence).c_str());

@@ -15,6 +15,9 @@ std::string ReadStandardInput();
 void WriteOutput(const std::string& name, std::string_view data,
                  const std::vector<std::string>& inputs = {});
 
+// A field of comma-separated values, in quotes where it needs them.
+std::string CsvField(const std::string& text);
+
 // One line on standard error in the program's form: "corv: error: ", the sentence.
 void WriteMessage(std::string_view severity, std::string_view sentence);
 

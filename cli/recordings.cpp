@@ -8,6 +8,7 @@
 #include "cli/output.h"
 #include "cli/progress.h"
 #include "corv/stremo/stream_progress.h"
+#include "corv/typeinfo/type_info.h"
 #include "host/driver.h"
 #include "host/fit_text.h"
 
@@ -35,6 +36,27 @@ void ShowProgressOf(const std::string& work) {
     });
 }
 
+bool IsVector(ISignal& signal) {
+    const KTypeInfo type{CString(signal.GetTypeInfo())};
+    return type.GetKind() == KTypeInfo::KindArray && type.IsSimple();
+}
+
+// Adds a signal and what it is made of; vectors within others are not taken apart.
+void AddExpanded(host::NamedSignal signal, bool outermost, std::vector<host::NamedSignal>& all) {
+    ISignal& whole = *signal.signal;
+    const std::string name = signal.name;
+    all.push_back(std::move(signal));
+    ISignalContainer* const members = whole.GetSubSignals();
+    if (members == nullptr || (!outermost && IsVector(whole))) {
+        return;
+    }
+    ISignal* member = nullptr;
+    for (std::uint32_t i = 0; SUCCEEDED(members->GetAt(i, &member)); ++i) {
+        const std::string part = host::ShownName(member->GetName());
+        AddExpanded({name + (part.starts_with('(') ? "" : ".") + part, member, {}}, false, all);
+    }
+}
+
 }  // namespace
 
 std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
@@ -52,10 +74,17 @@ std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
     }
 }
 
-Shown::Shown(const FormulaOptions& options) : options_(options), sources_(LoadSources(options)) {
+Shown::Shown(const FormulaOptions& options, BusStyle listed)
+    : options_(options), listed_(listed), sources_(LoadSources(options)) {
     if (!options.file.empty()) {
         recording_ = OpenRecording(options.file, options.recording_unit);
-        selected_ = SelectNamed(*recording_, options.names);
+        for (host::NamedSignal& named : SelectNamed(*recording_, options.names)) {
+            if (options.expand) {
+                AddExpanded(std::move(named), true, selected_);
+            } else {
+                selected_.push_back(std::move(named));
+            }
+        }
     }
     if (selected_.empty() && sources_.empty()) {
         throw Failure(recording_ ? options.file + " has no signals"
@@ -95,35 +124,42 @@ void Shown::TellNotes() const {
     }
 }
 
-std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style) const {
-    std::vector<host::Trace> traces;
-    if (selected_.empty()) {
-        return traces;
-    }
+std::optional<std::int64_t> Shown::RecordingEnd() const {
+    const std::int64_t end = selected_.empty() ? -1 : recording_->Signals().GetMaxTime();
+    return end < 0 ? std::nullopt : std::optional(end);
+}
+
+std::vector<ISignal*> Shown::Signals() const {
     std::vector<ISignal*> signals;
     for (const host::NamedSignal& named : selected_) {
         signals.push_back(named.signal);
     }
-    OrFailure([&] {
-        recording_->Load(signals, window);
-        return 0;
-    });
+    return signals;
+}
+
+std::vector<host::Trace> Shown::Recorded(host::TimeWindow window, BusStyle style,
+                                         std::size_t most) const {
+    std::vector<host::Trace> traces;
+    if (selected_.empty()) {
+        return traces;
+    }
     TellNotes();
+    const auto end = RecordingEnd();
     const host::BusFormat format = BusFormatOf(options_, style);
     for (const host::NamedSignal& named : selected_) {
-        traces.push_back(host::ReadTrace(*named.signal, window, format));
+        traces.push_back(host::ReadTrace(*named.signal, window, format, most));
         traces.back().name = named.name;
+        traces.back().known_until = end;
     }
     return traces;
 }
 
 std::vector<host::Trace> Shown::Events(host::TimeWindow window, std::size_t max) const {
-    std::vector<host::Trace> traces = Recorded(window, BusStyle::Literal);
-    for (host::Trace& trace : traces) {
-        trace.truncated = trace.changes.size() > max;
-        trace.changes.resize(std::min(trace.changes.size(), max));
+    if (!selected_.empty()) {
+        OrFailure([&] { return recording_->Load(Signals(), window, max); });
     }
-    const host::BusFormat format = BusFormatOf(options_, BusStyle::Literal);
+    std::vector<host::Trace> traces = Recorded(window, listed_, max);
+    const host::BusFormat format = BusFormatOf(options_, listed_);
     for (const NamedSource& named : sources_) {
         const host::Trace recorded = host::RecordEvents(*named.source, window, max);
         traces.push_back(ShowDriven(named, recorded, window, format));
@@ -133,7 +169,10 @@ std::vector<host::Trace> Shown::Events(host::TimeWindow window, std::size_t max)
 
 std::vector<host::Trace> Shown::ForGrid(const host::TimeGrid& grid) const {
     const host::TimeWindow window = grid.Window();
-    std::vector<host::Trace> traces = Recorded(window, BusStyle::Digits);
+    if (!selected_.empty()) {
+        OrFailure([&] { return recording_->LoadForGrid(Signals(), grid); });
+    }
+    std::vector<host::Trace> traces = Recorded(window, BusStyle::Digits, host::kAllChanges);
     const host::BusFormat format = BusFormatOf(options_, BusStyle::Digits);
     for (const NamedSource& named : sources_) {
         const host::Trace recorded = host::RecordForGrid(*named.source, grid);

@@ -29,10 +29,12 @@ std::string UnknownSignal(const host::Recording& recording, const std::string& n
 class Shown {
 public:
     // Throws Failure, also when there is nothing to be shown.
-    explicit Shown(const FormulaOptions& options);
+    explicit Shown(const FormulaOptions& options, BusStyle listed = BusStyle::Literal);
 
     std::vector<std::string> Names() const;
     host::TimeWindow Window() const;
+    // Where the recording that is shown ends; nothing without one, and when it has no events.
+    std::optional<std::int64_t> RecordingEnd() const;
     // What each does in a window: every event, at most `max` of each. What was repaired or lost
     // in the recording is told on standard error, once; what was assumed of a whole one is not.
     std::vector<host::Trace> Events(host::TimeWindow window, std::size_t max) const;
@@ -40,10 +42,14 @@ public:
     std::vector<host::Trace> ForGrid(const host::TimeGrid& grid) const;
 
 private:
-    std::vector<host::Trace> Recorded(host::TimeWindow window, BusStyle style) const;
     void TellNotes() const;
+    std::vector<ISignal*> Signals() const;
+    // Of what has been loaded.
+    std::vector<host::Trace> Recorded(host::TimeWindow window, BusStyle style,
+                                      std::size_t most) const;
 
     const FormulaOptions& options_;
+    BusStyle listed_;  // of vectors in lists of events
     std::unique_ptr<host::Recording> recording_;
     std::vector<host::NamedSignal> selected_;
     std::vector<NamedSource> sources_;

@@ -7,6 +7,7 @@
 #include "cli/output.h"
 #include "cli/recordings.h"
 #include "host/fit_text.h"
+#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -15,17 +16,26 @@ struct ValueOptions : FormulaOptions {
     std::string output;
     std::optional<std::int64_t> time;
     bool json = false;
+    bool csv = false;
 };
 
 int RunValue(const ValueOptions& options) {
     if (!options.time) {
         throw Failure("name a time with --at");
     }
-    const Shown shown(options);
+    if (options.json && options.csv) {
+        throw Failure("only one of --json and --csv can be chosen");
+    }
+    const Shown shown(options, options.csv ? BusStyle::Plain : BusStyle::Literal);
     std::string text;
+    std::string table = "signal,value\n";
     Json values = Json::array();
     const std::int64_t time = *options.time;
-    auto traces = shown.Events({time, time}, static_cast<std::size_t>(-1));
+    if (const auto end = shown.RecordingEnd(); end && *end < time) {
+        WriteMessage("warning", "the recording ends at " + host::TimeText(*end) +
+                                    "; these are its last values");
+    }
+    auto traces = shown.Events({time, time}, host::Recording::kAllTimes);
     std::size_t width = 0;
     for (host::Trace& trace : traces) {
         trace.name = host::CleanText(trace.name);
@@ -36,6 +46,7 @@ int RunValue(const ValueOptions& options) {
             trace.changes.empty() ? trace.before : std::optional(trace.changes.back().value);
         text += trace.name + std::string(width - host::TextWidth(trace.name), ' ') + "  " +
                 host::CleanText(value.value_or("(no value yet)")) + "\n";
+        table += CsvField(trace.name) + "," + CsvField(value.value_or("")) + "\n";
         Json shown_value = nullptr;
         if (value) {
             shown_value = *value;
@@ -45,7 +56,8 @@ int RunValue(const ValueOptions& options) {
     WriteOutput(options.output,
                 options.json
                     ? JsonLine({{"schema", 1}, {"time", time}, {"signals", std::move(values)}})
-                    : text,
+                : options.csv ? table
+                              : text,
                 {options.file});
     return kFine;
 }
@@ -66,6 +78,8 @@ void AddValueAt(CLI::App& program, Action& chosen) {
     AddRadix(*command, *options);
     AddText(*command, "-o,--output", "FILE", options->output, "Write to FILE");
     command->add_flag("--json", options->json, "Write JSON, the time in picoseconds");
+    command->add_flag("--csv", options->csv,
+                      "Write comma-separated values, a line per signal, vectors as 0xA5");
     command->footer("corv value run.evt --at 120ns\ncorv value run.evt --at 1us -n 'tb.cpu.*'");
     command->callback([&chosen, options] { chosen = [options] { return RunValue(*options); }; });
 }

@@ -12,7 +12,8 @@ namespace {
 constexpr unsigned kSecond = 5;
 constexpr unsigned kMinute = 6;
 constexpr unsigned kHour = 7;
-constexpr std::int64_t kGap = 2;  // characters between two labels
+constexpr std::int64_t kMostDigits = 1'000'000'000'000'000;  // picoseconds that people read
+constexpr std::int64_t kGap = 2;                             // characters between two labels
 
 void AddSteps(std::vector<std::int64_t>& steps, unsigned unit,
               std::initializer_list<std::int64_t> counts) {
@@ -30,6 +31,21 @@ std::int64_t LabelWidth(TimeWindow window, std::int64_t step, unsigned unit) {
     const std::int64_t last = window.end - window.end % step;
     return static_cast<std::int64_t>(
         std::max(Label(last, unit).size(), Label(last - std::min(step, last), unit).size()));
+}
+
+// The unit in which the labels of the last steps are shortest, from that of the step on; of larger
+// ones than seconds only that of the step.
+unsigned ShortestUnit(TimeWindow window, std::int64_t step) {
+    const unsigned own = WholeUnit(step);
+    const std::int64_t last = window.end - window.end % step;
+    const auto length = [&](unsigned unit) {
+        return Label(last, unit).size() + Label(last - std::min(step, last), unit).size();
+    };
+    unsigned best = own;
+    for (unsigned unit = own + 1; unit <= kSecond && last < kMostDigits; ++unit) {
+        best = length(unit) < length(best) ? unit : best;
+    }
+    return best;
 }
 
 std::int64_t FirstTick(TimeWindow window, std::int64_t step) {
@@ -65,7 +81,7 @@ std::vector<Tick> MakeTicks(const TimeGrid& grid, std::int64_t columns_per_chara
     unsigned step_unit = 0;
     for (const std::int64_t candidate : RoundSteps()) {
         step = candidate;
-        step_unit = unit.value_or(WholeUnit(step));
+        step_unit = unit ? *unit : ShortestUnit(window, step);
         const std::int64_t need =
             (LabelWidth(window, step, step_unit) + kGap) * columns_per_character;
         if (need < grid.Columns() && grid.First(need) - window.start <= step) {

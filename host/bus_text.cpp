@@ -11,7 +11,8 @@ bool IsBit(char c) {
 
 // One digit for a few bits, 0 when none tells them.
 char DigitOf(std::string_view bits) {
-    if (!IsBit(bits[0])) {
+    constexpr std::string_view kLetters = "UXZWLHuxzwlh";
+    if (kLetters.find(bits[0]) != std::string_view::npos) {
         return bits.find_first_not_of(bits[0]) == std::string_view::npos ? bits[0] : '\0';
     }
     unsigned value = 0;
@@ -39,34 +40,70 @@ std::string Grouped(std::string_view bits, std::size_t each) {
     return digits;
 }
 
-// A binary number of any length in decimal.
-std::string Decimal(std::string_view bits) {
+// Digits of a decimal number, the least significant first, times a factor plus a summand.
+void MultiplyAdd(std::string& digits, int factor, int summand) {
+    for (char& digit : digits) {
+        const int product = (digit - '0') * factor + summand;
+        digit = static_cast<char>('0' + product % 10);
+        summand = product / 10;
+    }
+    if (summand != 0) {
+        digits += static_cast<char>('0' + summand);
+    }
+}
+
+// A whole number divided by a power of two, as its digits times that power of five behind a point.
+void PutPoint(std::string& digits, int fraction) {
+    for (int i = 0; i < fraction; ++i) {
+        MultiplyAdd(digits, 5, 0);
+    }
+    const auto places = static_cast<std::size_t>(fraction);
+    if (digits.size() <= places) {
+        digits.append(places + 1 - digits.size(), '0');
+    }
+    const std::size_t zeros = std::min(digits.find_first_not_of('0'), places);
+    if (places > zeros) {
+        digits.insert(places, 1, '.');
+    }
+    digits.erase(0, zeros);
+}
+
+// A binary number of any length in decimal; a negative one is the complement and one more.
+std::string Decimal(std::string_view bits, BusKind kind) {
+    const bool negative = kind.is_signed && bits.starts_with('1');
     std::string digits(1, '0');  // the least significant first
     for (const char bit : bits) {
-        int carry = bit == '1' ? 1 : 0;
-        for (char& digit : digits) {
-            const int doubled = (digit - '0') * 2 + carry;
-            digit = static_cast<char>('0' + doubled % 10);
-            carry = doubled / 10;
-        }
-        if (carry != 0) {
-            digits += '1';
-        }
+        MultiplyAdd(digits, 2, (bit == '1') != negative ? 1 : 0);
     }
+    if (negative) {
+        MultiplyAdd(digits, 1, 1);
+    }
+    if (kind.fraction > 0) {
+        PutPoint(digits, kind.fraction);
+    }
+    digits += negative ? "-" : "";
     std::reverse(digits.begin(), digits.end());
     return digits;
 }
 
+bool IsNumber(std::string_view characters) {
+    return !characters.empty() && std::all_of(characters.begin(), characters.end(), IsBit);
+}
+
+// What is written where decimal digits can't tell the characters.
+Radix Written(std::string_view characters, Radix radix) {
+    return radix == Radix::Dec && !IsNumber(characters) ? Radix::Hex : radix;
+}
+
 // Empty where the radix can't tell the characters.
-std::string Digits(std::string_view characters, Radix radix) {
+std::string Digits(std::string_view characters, Radix radix, BusKind kind) {
     switch (radix) {
         case Radix::Oct:
             return Grouped(characters, 3);
         case Radix::Hex:
             return Grouped(characters, 4);
         case Radix::Dec:
-            return std::all_of(characters.begin(), characters.end(), IsBit) ? Decimal(characters)
-                                                                            : std::string();
+            return Decimal(characters, kind);
         case Radix::Bin:
             break;
     }
@@ -75,13 +112,26 @@ std::string Digits(std::string_view characters, Radix radix) {
 
 }  // namespace
 
-std::string BusDigits(std::string_view characters, Radix radix) {
-    std::string digits = Digits(characters, radix);
+BusKind BusKindOf(std::string_view type_name, int right) {
+    std::string name(type_name.substr(0, type_name.find('(')));
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    name.erase(0, name.rfind('.') + 1);
+    for (const std::string_view prefix : {"unresolved_", "u_"}) {
+        name.erase(0, name.starts_with(prefix) ? prefix.size() : 0);
+    }
+    const bool fixed = name == "sfixed" || name == "ufixed";
+    return {name == "signed" || name == "sfixed", fixed ? std::max(-right, 0) : 0};
+}
+
+std::string BusDigits(std::string_view characters, Radix radix, BusKind kind) {
+    std::string digits = Digits(characters, Written(characters, radix), kind);
     return digits.empty() ? std::string(characters) : digits;
 }
 
-std::string BusLiteral(std::string_view characters, Radix radix) {
-    std::string digits = Digits(characters, radix);
+std::string BusLiteral(std::string_view characters, Radix radix, BusKind kind) {
+    radix = Written(characters, radix);
+    const std::string digits = Digits(characters, radix, kind);
     const bool whole = radix == Radix::Hex   ? characters.size() % 4 == 0
                        : radix == Radix::Oct ? characters.size() % 3 == 0
                                              : true;
@@ -92,6 +142,15 @@ std::string BusLiteral(std::string_view characters, Radix radix) {
         return digits;
     }
     return (radix == Radix::Hex ? "X\"" : "O\"") + digits + '"';
+}
+
+std::string BusPlain(std::string_view characters, Radix radix, BusKind kind) {
+    radix = Written(characters, radix);
+    const std::string digits = Digits(characters, radix, kind);
+    if (digits.empty()) {
+        return std::string(characters);
+    }
+    return (radix == Radix::Hex ? "0x" : radix == Radix::Oct ? "0o" : "") + digits;
 }
 
 }  // namespace corv::host

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "corv/typeinfo/type_info.h"
+#include "host/physical_text.h"
 #include "host/time_text.h"
 #include "host/value_type.h"
 
@@ -69,13 +70,24 @@ private:
         const std::string literal =
             number == numbers_.end() ? text : NumberedLiteral(number->second);
         Bytes bytes{};
-        if (text != std::string(1, kNotDriven) &&
-            FAILED(leaves_[leaf]->TextToValue(literal.c_str(), bytes.data(),
-                                              static_cast<std::uint32_t>(bytes.size())))) {
+        if (text != std::string(1, kNotDriven) && !Read(*leaves_[leaf], literal, bytes) &&
+            !Read(*leaves_[leaf], PhysicalNumber(*leaves_[leaf], literal), bytes)) {
             throw std::runtime_error("`" + text + "`, at " + TimeText(time) +
                                      ", is not a value of the type");
         }
         return (*values_[leaf])[text] = bytes;
+    }
+
+    static bool Read(ISignal& leaf, const std::string& text, Bytes& bytes) {
+        return SUCCEEDED(
+            leaf.TextToValue(text.c_str(), bytes.data(), static_cast<std::uint32_t>(bytes.size())));
+    }
+
+    // "103375ns" as the number that a signal of type time has for it; empty for anything else.
+    static std::string PhysicalNumber(ISignal& leaf, const std::string& text) {
+        const KTypeInfo type{CString(leaf.GetTypeInfo())};
+        const auto number = ReadPhysical(text, UnitsOfType(type.GetTypeIdentifier().View()));
+        return number ? std::to_string(*number) : "";
     }
 
     DrivenSignal::Put put_;
@@ -93,10 +105,7 @@ public:
     ValueTexts(const char* type, const std::vector<std::string>& texts)
         : type_(CString(type)), texts_(texts) {}
 
-    const std::string& Of(const void* value, std::uint32_t size) {
-        Bytes bytes{};
-        std::copy_n(static_cast<const unsigned char*>(value), std::min<std::size_t>(size, 8),
-                    bytes.begin());
+    const std::string& Of(const Bytes& bytes) {
         std::string& text = known_[bytes];
         if (text.empty()) {
             text = texts_.empty()
@@ -209,19 +218,23 @@ Trace DrivenSignal::Read(TimeWindow window, const BusFormat& format) const {
     }
     const std::vector<ISignal*> leaves = LeavesOf(*signal_);
     ValueTexts texts(leaves.empty() ? "" : leaves[0]->GetTypeInfo(), texts_);
-    if (shape_.width == 0) {
-        return ReadScalarTrace(*signal_, window, [&](IWaveEvent& event) {
-            return texts.Of(event.GetValueData(), event.GetValueSize());
-        });
-    }
-    return ReadBusTrace(*signal_, window, [&](IBusEvent& event) {
+    bool as_characters = shape_.width > 0 && !shape_.words;
+    const auto text_of = [&](std::span<const LeafValue> values) {
         std::string value;
-        for (std::uint32_t i = 0; i < leaves.size(); ++i) {
+        for (std::size_t i = 0; i < values.size(); ++i) {
             value += shape_.words && i > 0 ? "," : "";
-            value += texts.Of(event.GetValueData(i), event.GetValueSize(i));
+            value += texts.Of(values[i].bytes);
         }
-        return shape_.words ? "(" + value + ")" : format(value);
-    });
+        if (shape_.words || shape_.width == 0) {
+            return shape_.words ? "(" + value + ")" : value;
+        }
+        std::string text = format(value, {});
+        as_characters &= text == value;
+        return text;
+    };
+    Trace trace = ReadTrace(*signal_, window, text_of);
+    trace.binary = as_characters;
+    return trace;
 }
 
 }  // namespace corv::host

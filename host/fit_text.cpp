@@ -15,6 +15,19 @@ struct LeadByte {
 constexpr LeadByte kLeadBytes[] = {
     {0x80, 0x00, 1, 0x20}, {0xE0, 0xC0, 2, 0xA0}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
 
+struct CodeRange {
+    unsigned first, last;
+};
+// Characters that nobody sees but that turn the direction of what follows, or end a line.
+constexpr CodeRange kUnseen[] = {{0x61C, 0x61C},   {0x200E, 0x200F}, {0x2028, 0x202E},
+                                 {0x2066, 0x2069}, {0x7F, 0x7F},     {0xFFFE, 0xFFFF}};
+
+bool IsPrintable(unsigned code) {
+    return std::none_of(std::begin(kUnseen), std::end(kUnseen), [code](const CodeRange& range) {
+        return code >= range.first && code <= range.last;
+    });
+}
+
 // The length of the printable character at the front of the text, 0 when there is none.
 std::size_t CharacterLength(std::string_view text) {
     const auto byte = [&](std::size_t i) {
@@ -32,9 +45,8 @@ std::size_t CharacterLength(std::string_view text) {
             code = code << 6 | (byte(i) & 0x3F);
         }
         const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-        const bool printable = code != 0x7F && code != 0xFFFE && code != 0xFFFF;
-        return code >= lead.smallest && code <= 0x10FFFF && !surrogate && printable ? lead.length
-                                                                                    : 0;
+        const bool known = code >= lead.smallest && code <= 0x10FFFF && !surrogate;
+        return known && IsPrintable(code) ? lead.length : 0;
     }
     return 0;
 }
@@ -47,6 +59,49 @@ void ForEachCharacter(std::string_view text, Take take) {
         take(length == 0 ? kReplacement : text.substr(0, length));
         text.remove_prefix(std::max<std::size_t>(length, 1));
     }
+}
+
+constexpr std::string_view kDecimals = "0123456789";
+
+// Whether all characters could be digits or levels of a vector.
+bool IsDigits(std::string_view text) {
+    return text.find_first_not_of("0123456789ABCDEFabcdefUXZWLHuxzwlh-\"#_") ==
+           std::string_view::npos;
+}
+
+std::size_t CountDigits(std::string_view text) {
+    return std::min(text.find_first_not_of(kDecimals), text.size());
+}
+
+// Whether the text is a number in decimal: -12, 20.5, 1e-09, 25ns. Digits alone are when they are
+// no more than 32 bits make.
+bool IsNumber(std::string_view text) {
+    constexpr std::size_t kMostDigits = 11;
+    text.remove_prefix(text.starts_with('-') ? 1 : 0);
+    const std::size_t whole = CountDigits(text);
+    text.remove_prefix(whole);
+    const std::size_t fraction = text.starts_with('.') ? 1 + CountDigits(text.substr(1)) : 0;
+    text.remove_prefix(fraction);
+    const bool exponent = text.starts_with("e+") || text.starts_with("e-");
+    text.remove_prefix(exponent ? 2 + CountDigits(text.substr(2)) : 0);
+    const bool unit =
+        !text.empty() && !IsDigits(text) && text.find_first_of(kDecimals) == text.npos;
+    return whole > 0 && (text.empty() ? fraction > 0 || exponent || whole <= kMostDigits : unit);
+}
+
+// The elements that have room, from the first one on: "(1,2,…)".
+std::string FitElements(std::string_view text, std::size_t width, std::string_view ellipsis) {
+    const std::vector<std::string> characters = Characters(text);
+    const std::size_t tail = TextWidth(ellipsis) + 1;
+    std::size_t whole = 0;
+    for (std::size_t i = 0; i + tail < width && i < characters.size(); ++i) {
+        whole = i == 0 || characters[i] == "," ? i + 1 : whole;
+    }
+    std::string fit;
+    for (std::size_t i = 0; i < whole; ++i) {
+        fit += characters[i];
+    }
+    return fit.empty() ? fit : fit.append(ellipsis) + ")";
 }
 
 }  // namespace
@@ -119,6 +174,19 @@ std::string FitText(std::string_view text, std::size_t width, std::string_view e
         result += characters[i];
     }
     return result;
+}
+
+std::string FitValue(std::string_view text, std::size_t width, std::string_view ellipsis) {
+    constexpr std::size_t kLeastDigits = 3;  // on either side
+    if (TextWidth(text) <= width) {
+        return CleanText(text);
+    }
+    if (text.starts_with('(')) {
+        return FitElements(text, width, ellipsis);
+    }
+    const bool too_narrow = width < 2 * kLeastDigits + TextWidth(ellipsis);
+    return IsNumber(text) || (IsDigits(text) && too_narrow) ? std::string()
+                                                            : FitText(text, width, ellipsis);
 }
 
 }  // namespace corv::host

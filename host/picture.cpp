@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/bus_text.h"
 #include "host/fit_text.h"
 
 namespace corv::host {
@@ -53,8 +54,12 @@ void Append(Lane& lane, std::int64_t from, ShownValue value, std::int64_t end) {
 class LaneBuilder {
 public:
     LaneBuilder(const Trace& trace, const TimeGrid& grid)
-        : trace_(trace), grid_(grid), window_(grid.Window()) {
+        : trace_(trace),
+          grid_(grid),
+          window_(grid.Window()),
+          marks_(static_cast<std::size_t>(grid.Columns()), Mark::Nothing) {
         lane_.name = CleanText(trace.name);
+        lane_.binary = trace.binary;
         if (trace.before) {
             value_ = Shown(*trace.before);
         }
@@ -70,6 +75,8 @@ public:
             const std::int64_t crowd =
                 crowded != trace_.crowded.end() ? crowded->start : window_.end;
             if (std::min(change, crowd) >= window_.end) {
+                JoinActivity();
+                EndWithKnowledge();
                 return std::move(lane_);
             }
             if (grid_.Column(crowd) <= grid_.Column(change)) {
@@ -95,7 +102,9 @@ private:
         for (; next < trace_.changes.size() && trace_.changes[next].time < end; ++next) {
             value_ = Shown(trace_.changes[next].value);
         }
-        AddActivity(grid_.First(grid_.Column(crowd.start)), end);
+        const std::int64_t first = grid_.Column(crowd.start);
+        std::fill(At(first), At(last + 1), Mark::Activity);
+        AddActivity(grid_.First(first), end);
         return next;
     }
 
@@ -113,11 +122,61 @@ private:
             }
         }
         if (changes == 1) {
+            *At(column) = Mark::Change;
             Append(lane_, at, value_, window_.end);
         } else if (changes > 1) {
+            *At(column) = Mark::Activity;
             AddActivity(grid_.First(column), end);
         }
         return next;
+    }
+
+    // Single changes beside Activity belong to it: edges between dense marks would look like a slow
+    // signal that isn't there.
+    void JoinActivity() {
+        std::vector<Segment> segments;
+        std::swap(segments, lane_.segments);
+        TimeWindow run = NextRun(window_.start);
+        for (Segment& segment : segments) {
+            while (run.end <= segment.from && run.start < run.end) {
+                run = NextRun(run.end);
+            }
+            if (run.start >= run.end || segment.from < run.start) {
+                Append(lane_, segment.from, std::move(segment.value), window_.end);
+                continue;
+            }
+            Append(lane_, run.start, {ValueClass::Activity, {}}, window_.end);
+            if (segment.to > run.end) {
+                Append(lane_, run.end, std::move(segment.value), window_.end);
+            }
+        }
+    }
+
+    // The first run of columns with changes, from a column border on, that has Activity; an empty
+    // window when there is none.
+    TimeWindow NextRun(std::int64_t border) {
+        for (auto first = At(grid_.Column(border)); first != marks_.end();) {
+            const auto end = std::find(first, marks_.end(), Mark::Nothing);
+            if (std::find(first, end, Mark::Activity) != end) {
+                return {grid_.First(first - marks_.begin()), grid_.First(end - marks_.begin())};
+            }
+            first = std::find_if(end, marks_.end(), [](Mark m) { return m != Mark::Nothing; });
+        }
+        return {window_.end, window_.end};
+    }
+
+    // After the column of the last time that something is known of there is no value.
+    void EndWithKnowledge() {
+        const std::int64_t known = trace_.known_until.value_or(window_.end);
+        const std::int64_t end =
+            known < window_.start ? window_.start : grid_.First(grid_.Column(known) + 1);
+        if (known >= window_.end || end >= window_.end) {
+            return;
+        }
+        while (!lane_.segments.empty() && lane_.segments.back().from >= end) {
+            lane_.segments.pop_back();
+        }
+        Append(lane_, end, {}, window_.end);
     }
 
     void AddActivity(std::int64_t from, std::int64_t to) {
@@ -128,9 +187,13 @@ private:
         }
     }
 
+    enum class Mark : char { Nothing, Change, Activity };  // what happens in a column
+    std::vector<Mark>::iterator At(std::int64_t column) { return marks_.begin() + column; }
+
     const Trace& trace_;
     const TimeGrid& grid_;
     TimeWindow window_;
+    std::vector<Mark> marks_;  // by column
     Lane lane_;
     ShownValue value_;
 };
@@ -158,6 +221,21 @@ ShownValue ClassifyBus(std::string_view value_text) {
 
 Lane LayOut(const Trace& trace, const TimeGrid& grid) {
     return LaneBuilder(trace, grid).Build();
+}
+
+std::optional<Lane> InHex(const Lane& lane) {
+    Lane hex = lane;
+    for (Segment& segment : hex.segments) {
+        std::string& text = segment.value.text;
+        if (segment.value.value_class == ValueClass::Bus && text.size() > 1) {
+            std::string digits = BusDigits(text, Radix::Hex);
+            if (digits == text) {
+                return std::nullopt;
+            }
+            text = std::move(digits);
+        }
+    }
+    return hex;
 }
 
 std::vector<Cell> CellsOf(const Lane& lane, const TimeGrid& grid) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -80,12 +81,18 @@ struct Segment {
 // Segments follow one another without a gap, from the window's start to its end; neighbours differ.
 struct Lane {
     std::string name;
+    bool binary = false;  // the values are bits, a digit for each; hexadecimal ones take less room
     std::vector<Segment> segments;
 };
 
 // A lane for drawing on the grid. A column with two or more changes and one that touches a crowded
-// stretch show Activity from border to border; changes elsewhere keep their exact time.
+// stretch show Activity from border to border, and so do the columns beside it that have a change,
+// up to the first without one; changes elsewhere keep their exact time. After the
+// column of the last time that something is known of the lane is empty.
 Lane LayOut(const Trace& trace, const TimeGrid& grid);
+
+// A binary lane with its values in hexadecimal digits; nothing when these don't tell all of them.
+std::optional<Lane> InHex(const Lane& lane);
 
 // What one column of a lane shows: the segment, and on an edge the segment that ends there.
 struct Cell {

@@ -2,42 +2,76 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <stdexcept>
 #include <unordered_map>
 
 #include "corv/stremo/stream_details.h"
 #include "corv/stremo/stream_error.h"
+#include "corv/stremo/stream_overview.h"
 #include "host/signal_trace.h"
 
 namespace corv::host {
 namespace {
 
 using Value = std::array<unsigned char, 16>;
-using Waves = std::unordered_map<int, ISignalWave*>;
 
-void Put(ISignalWave& wave, std::int64_t time, const Value& value) {
-    wave.AddEvent(time, 0, value.data(), wave.GetValueSize());
-}
-
-// The waves of all leaves by handle, empty; leaves of one handle may have a wave each.
-std::unordered_multimap<int, ISignalWave*> WavesOf(const std::vector<ISignal*>& signals) {
-    std::unordered_multimap<int, ISignalWave*> waves;
-    for (ISignal* const signal : signals) {
-        for (ISignal* const leaf : LeavesOf(*signal)) {
-            ISignalWave* const wave = leaf->GetWave();
-            const auto [first, last] = waves.equal_range(leaf->GetHandle());
-            const bool known =
-                std::any_of(first, last, [&](const auto& entry) { return entry.second == wave; });
-            if (wave != nullptr && leaf->GetHandle() != -1 && !known) {
-                wave->Clear();
-                waves.emplace(leaf->GetHandle(), wave);
-            }
-        }
+// The units of a physical type, which signals don't take over from their recording themselves.
+void TakeUnits(stremo::IEventsStreamRead& reader, ISignal& leaf) {
+    constexpr const char* kUnits = "Units";
+    if (const char* const units = reader.GetSignalProperty(leaf.GetHandle(), kUnits)) {
+        leaf.SetProperty(kUnits, units);
     }
-    return waves;
 }
 
 }  // namespace
+
+// The waves of leaves by handle; leaves of one handle may have a wave each.
+class Recording::Waves final : public IStreamOverview {
+public:
+    // Empties the waves.
+    Waves(stremo::IEventsStreamRead& reader, const std::vector<ISignal*>& signals) {
+        for (ISignal* const signal : signals) {
+            for (ISignal* const leaf : LeavesOf(*signal)) {
+                TakeUnits(reader, *leaf);
+                AddLeaf(*leaf);
+            }
+        }
+    }
+
+    const std::vector<int>& Handles() const { return handles_; }
+
+    void Take(int handle, std::int64_t time, const void* value) override {
+        const auto [first, last] = waves_.equal_range(handle);
+        for (auto entry = first; entry != last; ++entry) {
+            ISignalWave& wave = *entry->second;
+            failed_ |= FAILED(wave.AddEvent(time, 0, value, wave.GetValueSize()));
+        }
+    }
+    bool Has(int handle) const { return waves_.count(handle) != 0; }
+    bool Failed() const { return failed_; }
+
+private:
+    void AddLeaf(ISignal& leaf) {
+        ISignalWave* const wave = leaf.GetWave();
+        const int handle = leaf.GetHandle();
+        const auto [first, last] = waves_.equal_range(handle);
+        const bool known =
+            std::any_of(first, last, [&](const auto& entry) { return entry.second == wave; });
+        if (wave == nullptr || handle == -1 || known) {
+            return;
+        }
+        if (first == last) {
+            handles_.push_back(handle);
+        }
+        wave->Clear();
+        waves_.emplace(handle, wave);
+    }
+
+    std::unordered_multimap<int, ISignalWave*> waves_;
+    std::vector<int> handles_;
+    bool failed_ = false;  // memory has run out
+};
 
 Recording::Recording(const std::string& file_name, const OpenOptions& options)
     : file_name_(file_name), stream_(OpenStream(file_name, options)) {
@@ -65,34 +99,67 @@ std::int64_t Recording::LatestTime() const {
     return std::max<std::int64_t>(signals_->GetMaxTime(), 0);
 }
 
-void Recording::Load(const std::vector<ISignal*>& signals, TimeWindow window) const {
-    const auto waves = WavesOf(signals);
-    std::vector<int> handles;
-    for (const auto& [handle, wave] : waves) {
-        handles.push_back(handle);
-    }
+// The values that the leaves bring into a window become events of the last picosecond before it.
+void Recording::LoadBefore(Waves& waves, std::int64_t start) const {
+    const std::vector<int>& handles = waves.Handles();
     SelectStreamSignals(Reader(), handles.data(), static_cast<int>(handles.size()));
-    if (!Reader().Seek(&window.start)) {
+    if (!Reader().Seek(&start)) {
         throw std::runtime_error(Problem());
     }
-    for (const auto& [handle, wave] : waves) {
+    for (const int handle : handles) {
         Value value{};
-        if (window.start > 0 && Reader().GetCachedValue(handle, value.data())) {
-            Put(*wave, window.start - 1, value);
+        if (start > 0 && Reader().GetCachedValue(handle, value.data())) {
+            waves.Take(handle, start - 1, value.data());
         }
     }
-    for (int handle = Reader().Next(); handle != -1 && *Reader().GetCurrentTime() <= window.end;
-         handle = Reader().Next()) {
-        const auto [first, last] = waves.equal_range(handle);
+}
+
+void Recording::Load(const std::vector<ISignal*>& signals, TimeWindow window,
+                     std::size_t most) const {
+    Waves waves(Reader(), signals);
+    LoadBefore(waves, window.start);
+    std::size_t times = 0;
+    std::int64_t last = -1;
+    for (int handle = Reader().Next(); handle != -1; handle = Reader().Next()) {
+        const std::int64_t time = *Reader().GetCurrentTime();
         Value value{};
-        if (first != last && Reader().ReadValue(value.data())) {
-            for (auto entry = first; entry != last; ++entry) {
-                Put(*entry->second, *Reader().GetCurrentTime(), value);
-            }
+        if (time > window.end) {
+            break;
         }
+        if (!waves.Has(handle) || !Reader().ReadValue(value.data())) {
+            continue;
+        }
+        if (time != last && times++ > most) {
+            break;
+        }
+        last = time;
+        waves.Take(handle, time, value.data());
     }
+    CheckLoaded(waves);
+}
+
+void Recording::LoadForGrid(const std::vector<ISignal*>& signals, const TimeGrid& grid) const {
+    Waves waves(Reader(), signals);
+    LoadBefore(waves, grid.Window().start);
+    std::vector<std::int64_t> borders;
+    for (std::int64_t column = 0; column <= grid.Columns(); ++column) {
+        borders.push_back(grid.First(column));
+    }
+    const std::vector<int>& handles = waves.Handles();
+    const bool read = ReadStreamOverview(Reader(), handles.data(), static_cast<int>(handles.size()),
+                                         borders.data(), borders.size(), waves);
+    CheckLoaded(waves);
+    if (!read) {
+        Load(signals, grid.Window(), kAllTimes);
+    }
+}
+
+void Recording::CheckLoaded(const Waves& waves) const {
     if (*LastStreamError() != '\0') {
         throw std::runtime_error(Problem());
+    }
+    if (waves.Failed()) {
+        throw std::bad_alloc();
     }
 }
 

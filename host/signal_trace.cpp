@@ -1,131 +1,105 @@
 #include "host/signal_trace.h"
 
-#include <cmath>
-#include <string_view>
+#include <algorithm>
+#include <queue>
 #include <utility>
+#include <vector>
 
 #include "corv/frame/com_ptr.h"
-#include "corv/typeinfo/type_info.h"
-#include "host/fit_text.h"
 
 namespace corv::host {
 namespace {
 
-void AddLeaves(ISignal& signal, std::vector<ISignal*>& leaves) {
-    ISignalContainer* const members = signal.GetSubSignals();
-    if (members == nullptr) {
-        leaves.push_back(&signal);
-        return;
-    }
-    ISignal* member = nullptr;
-    for (std::uint32_t i = 0; SUCCEEDED(members->GetAt(i, &member)); ++i) {
-        AddLeaves(*member, leaves);
-    }
-}
-
-void Add(Trace& trace, TimeWindow window, std::int64_t time, std::string text) {
-    if (time < window.start) {
-        trace.before = std::move(text);
-    } else {
-        trace.changes.push_back({time, std::move(text)});
-    }
-}
-
-// Whether the values are arrays of single characters.
-bool IsCharacters(const KTypeInfo& type) {
-    const KTypeInfo& element = type.GetArrayElementKTypeInfo();
-    if (type.GetKind() != KTypeInfo::KindArray || element.GetKind() != KTypeInfo::KindEnum) {
-        return false;
-    }
-    for (int i = 0; i < element.GetNbOfValues(); ++i) {
-        if (element.GetValue(i, false).GetLength() != 1) {
-            return false;
+// The events of the leaves of a signal together, in order of time.
+class LeafEvents {
+public:
+    LeafEvents(ISignal& signal, std::int64_t start) {
+        const std::vector<ISignal*> leaves = LeavesOf(signal);
+        values_.resize(leaves.size());
+        events_.resize(leaves.size());
+        for (std::size_t i = 0; i < leaves.size(); ++i) {
+            if (SUCCEEDED(leaves[i]->EnumEvents(events_[i].Out()))) {
+                if (FAILED(events_[i]->Seek(start, FindBefore))) {
+                    events_[i]->Reset();
+                }
+                Expect(i);
+            }
         }
     }
-    return true;
-}
 
-// Whether the values are levels of logic.
-bool IsLevel(const KTypeInfo& type) {
-    constexpr std::string_view kLevels = "UX01ZWLH-";
-    bool level = type.GetKind() == KTypeInfo::KindEnum;
-    for (int i = 0; level && i < type.GetNbOfValues(); ++i) {
-        const CString literal = type.GetValue(i, true);
-        level = literal.GetLength() == 3 && literal.GetAt(0) == '\'' &&
-                kLevels.find(literal.GetAt(1)) != std::string_view::npos;
+    // The time of the next event, -1 without one.
+    std::int64_t NextTime() const { return next_.empty() ? -1 : next_.top().first; }
+
+    // Takes the events of that time.
+    void Take() {
+        for (const std::int64_t time = NextTime(); !next_.empty() && next_.top().first == time;) {
+            const std::size_t leaf = next_.top().second;
+            next_.pop();
+            IWaveEvent* event = nullptr;
+            if (events_[leaf]->Next(1, &event, nullptr) == S_OK) {
+                values_[leaf].known = true;
+                event->GetValue(values_[leaf].bytes.data(), 8);
+                Expect(leaf);
+            }
+        }
     }
-    return level;
-}
 
-std::string TextOf(const char* text) {
-    return FromVhdl(text != nullptr ? text : "");
-}
+    std::span<const LeafValue> Values() const { return values_; }
 
-// Numbers that no literal of VHDL stands for have words of their own.
-std::string TextOf(ISignal& signal, IWaveEvent& event) {
-    std::string text = TextOf(signal.GetEventText(&event));
-    double number = 0;
-    if (text.empty() && event.GetValueSize() == sizeof number &&
-        event.GetValue(&number, sizeof number) == sizeof number && !std::isfinite(number)) {
-        return std::isnan(number) ? "NaN" : number < 0 ? "-inf" : "inf";
+private:
+    void Expect(std::size_t leaf) {
+        if (const std::int64_t time = events_[leaf]->CurrentTime(); time >= 0) {
+            next_.emplace(time, leaf);
+        }
     }
-    return text;
-}
+
+    using Due = std::pair<std::int64_t, std::size_t>;  // the time of a leaf's next event
+    std::vector<LeafValue> values_;
+    std::vector<frame::ComPtr<IWaveEventEnumerator>> events_;
+    std::priority_queue<Due, std::vector<Due>, std::greater<>> next_;
+};
 
 }  // namespace
 
-std::vector<ISignal*> LeavesOf(ISignal& signal) {
-    std::vector<ISignal*> leaves;
-    AddLeaves(signal, leaves);
-    return leaves;
-}
-
-Trace ReadScalarTrace(ISignal& signal, TimeWindow window,
-                      const std::function<std::string(IWaveEvent&)>& text_of) {
+Trace ReadTrace(ISignal& signal, TimeWindow window,
+                const std::function<std::string(std::span<const LeafValue>)>& text_of,
+                std::size_t most) {
     Trace trace;
-    frame::ComPtr<IWaveEventEnumerator> events;
-    if (FAILED(signal.EnumEvents(events.Out()))) {
-        return trace;
+    trace.bus = signal.GetSubSignals() != nullptr;
+    LeafEvents events(signal, window.start);
+    bool any = false;
+    while (events.NextTime() >= 0 && events.NextTime() < window.start) {
+        events.Take();
+        any = true;
     }
-    if (FAILED(events->Seek(window.start, FindBefore))) {
-        events->Reset();
+    if (any) {
+        trace.before = text_of(events.Values());
     }
-    IWaveEvent* event = nullptr;
-    while (events->Next(1, &event, nullptr) == S_OK && event->GetTime() <= window.end) {
-        Add(trace, window, event->GetTime(), text_of(*event));
+    while (events.NextTime() >= 0 && events.NextTime() <= window.end) {
+        if (trace.changes.size() == most) {
+            trace.truncated = true;
+            break;
+        }
+        const std::int64_t time = events.NextTime();
+        events.Take();
+        trace.changes.push_back({time, text_of(events.Values())});
     }
     return trace;
 }
 
-Trace ReadBusTrace(ISignal& signal, TimeWindow window,
-                   const std::function<std::string(IBusEvent&)>& text_of) {
-    Trace trace;
-    trace.bus = true;
-    frame::ComPtr<IBusEventIterator> events;
-    if (FAILED(signal.GetBusEventIterator(events.Out()))) {
-        return trace;
-    }
-    IBusEvent& event = *events->GetEvent();
-    while (events->Next() == S_OK && event.GetTime() <= window.end) {
-        Add(trace, window, event.GetTime(), text_of(event));
-    }
-    return trace;
-}
-
-Trace ReadTrace(ISignal& signal, TimeWindow window, const BusFormat& format) {
-    const KTypeInfo type{CString(signal.GetTypeInfo())};
-    if (signal.GetSubSignals() == nullptr) {
-        Trace trace = ReadScalarTrace(signal, window,
-                                      [&](IWaveEvent& event) { return TextOf(signal, event); });
-        trace.plain = !IsLevel(type);
-        return trace;
-    }
-    const bool characters = IsCharacters(type);
-    Trace trace = ReadBusTrace(signal, window, [&](IBusEvent& event) {
-        const std::string text = TextOf(signal.GetValueTextAt(event.GetTime(), FindAtOrBefore));
-        return characters ? format(text) : text;
-    });
-    trace.plain = !characters || !IsLevel(type.GetArrayElementKTypeInfo());
+Trace ReadTrace(ISignal& signal, TimeWindow window, const BusFormat& format, std::size_t most) {
+    bool as_characters = true;
+    const BusFormat watched = [&](std::string_view characters, BusKind kind) {
+        std::string text = format(characters, kind);
+        as_characters &= text == characters;
+        return text;
+    };
+    const ValueWriter writer(signal, watched);
+    Trace trace = ReadTrace(
+        signal, window, [&](std::span<const LeafValue> values) { return writer.Text(values); },
+        most);
+    trace.plain = !writer.HasLevels();
+    trace.binary = trace.bus && writer.HasLevels() && as_characters;
     return trace;
 }
 

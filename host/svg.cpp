@@ -38,6 +38,7 @@ constexpr std::string_view kRules =
     "path{fill:none;stroke-width:1.6;stroke-linejoin:round}.grid,.ruler{stroke-width:1}"
     "path.weak{stroke-dasharray:5 3}"
     ".lit{stroke:none;fill-opacity:.1}.rails{fill-opacity:.07}"
+    ".dense{stroke:none;fill-opacity:.75}"
     ".halo{font-weight:bold;paint-order:stroke;stroke-width:6px;stroke-linejoin:round}";
 
 struct HatchRow {
@@ -48,7 +49,6 @@ constexpr HatchRow kHatches[] = {
     {Ink::Unknown, "M-2 2L2-2M0 8L8 0M6 10L10 6"},
     {Ink::DontCare, "M-2 6L2 10M0 0L8 8M6-2L10 2"},
     {Ink::Weak, "M0 2H5M3 6H8"},
-    {Ink::Activity, "M1 0V8M5 0V8"},
 };
 
 std::string Escape(std::string_view text) {
@@ -149,6 +149,8 @@ private:
         const std::string name(RowOf(ink).name);
         if (ink == Ink::Bus) {
             Path(name + " rails", path);
+        } else if (ink == Ink::Activity) {
+            Path(name + " dense", path);
         } else if (!path.empty()) {
             out_ += "<path class=\"" + name + "\" style=\"fill:url(#hatch-" + name + ")\" d=\"" +
                     std::string(path) + "\"/>\n";
@@ -182,7 +184,7 @@ private:
         }
         return rules + "text.text{fill:" + colour(Ink::Text) +
                "text.muted{fill:" + colour(Ink::Muted) + ".lit{fill:" + colour(Ink::Strong) +
-               ".rails{fill:" + colour(Ink::Bus);
+               ".rails{fill:" + colour(Ink::Bus) + ".dense{fill:" + colour(Ink::Activity);
     }
 
     void DrawHead(std::int64_t height) {
@@ -254,7 +256,11 @@ private:
             Boxes(static_cast<Ink>(ink), paths.boxes[ink]);
             Path(kInks[ink].name, paths.lines[ink]);
         }
-        for (const Segment& segment : lane.segments) {
+        const bool narrow =
+            lane.binary && std::any_of(lane.segments.begin(), lane.segments.end(),
+                                       [&](const Segment& segment) { return IsNarrow(segment); });
+        const Lane shown = narrow ? InHex(lane).value_or(lane) : lane;
+        for (const Segment& segment : shown.segments) {
             DrawValue(segment, base);
         }
         out_ += "</g>\n";
@@ -321,14 +327,23 @@ private:
                Decimal(from + slope) + "Z";
     }
 
+    // The characters that have room in a segment.
+    std::size_t RoomOf(const Segment& segment) const {
+        const std::int64_t room = X(segment.to) - X(segment.from) - 2 * kSlope;
+        return room < 0 ? 0 : static_cast<std::size_t>(room / kValueHundredths);
+    }
+
+    bool IsNarrow(const Segment& segment) const {
+        return segment.value.value_class == ValueClass::Bus &&
+               TextWidth(segment.value.text) > RoomOf(segment);
+    }
+
     void DrawValue(const Segment& segment, std::int64_t base) {
         const ClassRow& shape = RowOf(segment.value.value_class);
-        const std::int64_t room = X(segment.to) - X(segment.from) - 2 * kSlope;
-        if (shape.level < Level::Box || segment.value.text.empty() || room < kValueHundredths) {
+        if (shape.level < Level::Box || segment.value.text.empty()) {
             return;
         }
-        const std::string text =
-            FitText(segment.value.text, static_cast<std::size_t>(room / kValueHundredths), "…");
+        const std::string text = FitValue(segment.value.text, RoomOf(segment), "…");
         if (!text.empty()) {
             Text(shape.level == Level::Box ? "value halo text" : "value text",
                  (X(segment.from) + X(segment.to)) / 2, base, text);

@@ -9,6 +9,7 @@ namespace corv::host {
 namespace {
 
 constexpr std::size_t kLevels = 6;
+constexpr std::size_t kLanesPerRuler = 40;
 
 struct Glyphs {
     std::array<std::string_view, kClasses.size()> body;               // by ValueClass
@@ -27,6 +28,18 @@ constexpr Glyphs kBoxDrawing{{" ", "▁", "▔", "─", "₋", "⁻", "░", "�
                              "─",
                              "┬",
                              "…"};
+
+// Of compact drawings, whose lines touch each other.
+constexpr Glyphs kBars{{" ", "▁", "▇", "─", "₋", "⁻", "░", "░", "╱", "═", "║"},
+                       {{{"", "", "", "", "", ""},
+                         {"", "▁", "╭", "▇", "│", "<"},
+                         {"", "╮", "─", "▇", "│", "<"},
+                         {"", "▁", "╰", "▇", "│", "<"},
+                         {"", "│", "│", "│", "│", "│"},
+                         {"", ">", ">", ">", "│", "╳"}}},
+                       "─",
+                       "┬",
+                       "…"};
 
 constexpr Glyphs kAscii{{" ", "_", "\"", "-", ".", "'", "?", "~", "/", "=", "#"},
                         {{{"", "", "", "", "", ""},
@@ -48,7 +61,11 @@ using Row = std::vector<Place>;
 class TerminalDrawing {
 public:
     TerminalDrawing(const Picture& picture, const TerminalStyle& style)
-        : picture_(picture), style_(style), glyphs_(style.ascii ? kAscii : kBoxDrawing) {}
+        : picture_(picture),
+          style_(style),
+          glyphs_(style.ascii     ? kAscii
+                  : style.compact ? kBars
+                                  : kBoxDrawing) {}
 
     std::string Draw() {
         if (!picture_.title.empty()) {
@@ -56,8 +73,12 @@ public:
             out_ += '\n';
         }
         DrawRuler();
-        for (const Lane& lane : picture_.lanes) {
-            DrawLane(lane);
+        for (std::size_t i = 0; i < picture_.lanes.size(); ++i) {
+            out_ += style_.compact || i == 0 ? "" : "\n";
+            if (i > 0 && i % kLanesPerRuler == 0) {
+                DrawRuler();
+            }
+            DrawLane(picture_.lanes[i]);
         }
         if (crowded_) {
             Row legend(Start());
@@ -110,25 +131,35 @@ private:
     }
 
     void DrawLane(const Lane& lane) {
-        if (&lane != &picture_.lanes.front()) {
-            out_ += '\n';
-        }
         Row row = TextRow(FitText(lane.name, style_.name_width, glyphs_.ellipsis));
         row.resize(Start(), Place{" "});
-        const std::vector<Cell> cells = CellsOf(lane, picture_.grid);
-        for (const Cell& cell : cells) {
+        for (const Cell& cell : CellsOf(lane, picture_.grid)) {
             PutCell(row, cell);
         }
+        const bool narrow = lane.binary && !PutValues(row, lane, false);
+        PutValues(row, narrow ? InHex(lane).value_or(lane) : lane, true);
+        AddRow(row);
+    }
+
+    // Writes the values, or only tells whether each has room as a whole.
+    bool PutValues(Row& row, const Lane& lane, bool write) const {
+        const std::vector<Cell> cells = CellsOf(lane, picture_.grid);
+        bool all = true;
         for (std::size_t first = 0; first < cells.size();) {
             std::size_t end = first + 1;
             while (end < cells.size() && cells[end].segment == cells[first].segment) {
                 ++end;
             }
-            PutValue(row, Start() + first + (cells[first].before ? 1 : 0), Start() + end,
-                     cells[first].segment->value);
+            const std::size_t from = first + (cells[first].before ? 1 : 0);
+            const ShownValue& value = cells[first].segment->value;
+            all = all &&
+                  (value.value_class != ValueClass::Bus || TextWidth(value.text) <= end - from);
+            if (write) {
+                PutValue(row, Start() + from, Start() + end, value);
+            }
             first = end;
         }
-        AddRow(row);
+        return all;
     }
 
     void PutCell(Row& row, const Cell& cell) {
@@ -155,7 +186,7 @@ private:
         if (end <= first || shape.level < Level::Box || value.text.empty()) {
             return;
         }
-        std::string text = FitText(value.text, end - first, glyphs_.ellipsis);
+        std::string text = FitValue(value.text, end - first, glyphs_.ellipsis);
         if (!text.empty() && TextWidth(text) + 2 <= end - first) {
             text = " " + text + " ";
         }

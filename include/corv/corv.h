@@ -46,6 +46,7 @@
 #include "corv/stremo/ghw_options.h"
 #include "corv/stremo/stream_details.h"
 #include "corv/stremo/stream_error.h"
+#include "corv/stremo/stream_overview.h"
 #include "corv/stremo/stream_progress.h"
 #include "corv/stremo/stream_registry.h"
 #include "corv/stremo/stream_source.h"

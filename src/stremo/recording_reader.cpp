@@ -10,6 +10,7 @@
 #include "platform/guard.h"
 #include "stremo/block_view.h"
 #include "stremo/leaf_cursor.h"
+#include "stremo/overview.h"
 #include "stremo/shared_recording.h"
 #include "stremo/stream_error.h"
 
@@ -44,6 +45,8 @@ public:
     void SetInterest(std::span<const int> handles) override;
     std::unique_ptr<SignalCursor> OpenSignal(int handle) noexcept override;
     std::string_view SignalName(int index) noexcept override;
+    bool ReadOverview(std::span<const int> handles, std::span<const std::int64_t> borders,
+                      IStreamOverview& overview) noexcept override;
     std::uint64_t EventCount() noexcept override;
     int NoteCount() noexcept override { return static_cast<int>(recording_->notes().size()); }
     const char* Note(int index) noexcept override;
@@ -182,6 +185,14 @@ bool RecordingReader::OpenBlocks() noexcept {
         other_interest_ = false;
     }
     return blocks_ != nullptr;
+}
+
+bool RecordingReader::ReadOverview(std::span<const int> handles,
+                                   std::span<const std::int64_t> borders,
+                                   IStreamOverview& overview) noexcept {
+    return OpenBlocks() && platform::Guarded(false, [&] {
+               return recording::ReadOverview(*blocks_, signals_, handles, borders, overview);
+           });
 }
 
 // A place belongs to the blocks in which it was found, so others are taken only here.

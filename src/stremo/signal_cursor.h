@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "corv/stremo/events_stream_read.h"
+#include "corv/stremo/stream_overview.h"
 
 // Questions about one signal of a recording. A replay asks for the next event and the value of one
 // signal again and again; here the answers come from that signal's own index and cost the same
@@ -49,6 +50,9 @@ public:
 
     // The name of a top-level signal, without a look at anything else; empty outside.
     virtual std::string_view SignalName(int index) noexcept = 0;
+    // See ReadStreamOverview.
+    virtual bool ReadOverview(std::span<const int> handles, std::span<const std::int64_t> borders,
+                              IStreamOverview& overview) noexcept = 0;
 
     // The number of events of all signals, as far as they can be read.
     virtual std::uint64_t EventCount() noexcept = 0;

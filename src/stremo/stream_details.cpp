@@ -1,9 +1,11 @@
 #include "corv/stremo/stream_details.h"
+#include "corv/stremo/stream_overview.h"
 
 #include <algorithm>
 
 #include "platform/guard.h"
 #include "stremo/signal_cursor.h"
+#include "stremo/stream_error.h"
 
 namespace corv {
 
@@ -18,6 +20,16 @@ void SelectStreamSignals(stremo::IEventsStreamRead& reader, const int* handles,
 stremo::IEventsStreamRead* ShareStream(stremo::IEventsStreamRead& reader) noexcept {
     auto* const own = recording::OwnReader(&reader);
     return own != nullptr ? own->Share().release() : nullptr;
+}
+
+bool ReadStreamOverview(stremo::IEventsStreamRead& reader, const int* handles, int count,
+                        const std::int64_t* borders, std::size_t border_count,
+                        IStreamOverview& overview) noexcept {
+    recording::ClearError();
+    auto* const own = recording::OwnReader(&reader);
+    return own != nullptr && border_count >= 2 &&
+           own->ReadOverview({handles, static_cast<std::size_t>(std::max(count, 0))},
+                             {borders, border_count}, overview);
 }
 
 int CountStreamNotes(stremo::IEventsStreamRead& reader) noexcept {

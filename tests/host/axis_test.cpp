@@ -65,6 +65,19 @@ bool Fits(const TimeGrid& grid, const std::vector<Tick>& ticks, std::int64_t sca
     return true;
 }
 
+TEST(Axis, LabelsAreInTheUnitThatMakesThemShort) {
+    const auto labels = [](std::int64_t start, std::int64_t end) {
+        std::string text;
+        for (const Tick& tick : MakeTicks(TimeGrid({start, end}, 40), 1, std::nullopt)) {
+            text += tick.label + " ";
+        }
+        return text;
+    };
+    EXPECT_EQ(labels(999'000'000, 999'800'000), "999us 999.2us 999.4us 999.6us ");
+    EXPECT_EQ(labels(0, 50'000), "0 10ns 20ns 30ns 40ns ");
+    EXPECT_EQ(labels(1'000'123, 1'000'127), "1000124ps 1000126ps ");
+}
+
 TEST(Axis, LabelsStandApartAndAreDense) {
     test::Random random(11);
     int two_or_more = 0;

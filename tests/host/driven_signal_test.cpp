@@ -30,7 +30,7 @@ std::string Text(const Trace& trace) {
     return text;
 }
 
-std::string Plain(std::string_view characters) {
+std::string Plain(std::string_view characters, BusKind) {
     return std::string(characters);
 }
 

@@ -8,6 +8,7 @@
 #include "host/source.h"
 #include "host/terminal.h"
 #include "tests/support/random_formula.h"
+#include "tests/support/table.h"
 
 namespace corv::host {
 namespace {
@@ -56,6 +57,15 @@ std::vector<Expected> Scan(const CStimulus& stimulus, const TimeGrid& grid) {
             value = now;
         }
         columns[i].last = value;
+    }
+    for (std::size_t first = 0, end = 0; first < columns.size(); first = end + 1) {
+        bool dense = false;
+        for (end = first; end < columns.size() && columns[end].changes > 0; ++end) {
+            dense |= columns[end].changes > 1;
+        }
+        for (std::size_t i = first; dense && i < end; ++i) {
+            columns[i].changes = 2;  // what stands beside it is as dense
+        }
     }
     return columns;
 }
@@ -119,6 +129,28 @@ TEST(LayOut, EveryColumnShowsWhatAScanOfEveryPicosecondSays) {
     EXPECT_GT(crowds, 1000);
 }
 
+TEST(LayOut, HasNoValueAfterTheLastKnownTime) {
+    const TimeGrid grid({10, 30}, 10);
+    const std::pair<std::int64_t, std::int64_t> rows[] = {{5, 10},  {9, 10},  {10, 12}, {17, 18},
+                                                          {27, 28}, {28, 30}, {40, 30}};
+    for (const auto& [known, end] : rows) {
+        Trace trace;
+        trace.before = "0";
+        trace.changes = {{12, "1"}, {20, "0"}, {28, "1"}, {29, "0"}};
+        while (!trace.changes.empty() && trace.changes.back().time > known) {
+            trace.changes.pop_back();
+        }
+        trace.known_until = known;
+        const Lane lane = LayOut(trace, grid);
+        EXPECT_EQ(lane.segments.back().to, 30);
+        for (const Segment& segment : lane.segments) {
+            const bool none = segment.value.value_class == ValueClass::None;
+            EXPECT_EQ(none, segment.from >= end) << known << " at " << segment.from;
+            EXPECT_TRUE(segment.to <= end || none) << known << " to " << segment.to;
+        }
+    }
+}
+
 TEST(FitText, IsWholeOrSaysThatItIsNot) {
     const std::string text =
         "a\xC3\xA4"
@@ -156,9 +188,26 @@ TEST(FitText, LeavesOnlyPrintableCharacters) {
         {"\xC2\x85", "\uFFFD\uFFFD"},
         {std::string("\0", 1), "\uFFFD"},
         {"\xEF\xBF\xBF", "\uFFFD\uFFFD\uFFFD"},
+        {"a\u202Eb", "a\uFFFD\uFFFD\uFFFDb"},
+        {"\u2066\u061C", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
+        {"\u2026\u2027\u2065", "\u2026\u2027\u2065"},
     };
     for (const auto& [text, clean] : rows) {
         EXPECT_EQ(CleanText(text), clean);
+    }
+}
+
+TEST(FitValue, WhatIsLeftReadsAsNoOtherValue) {
+    const auto rows = test::Table(R"(
+20.5|3|_ ;; 20.5|4|20.5 ;; -12345|5|_ ;; 103375ns|7|_ ;; 1.79769e+308|11|_ ;; 1e-09|4|_
+        12345678901|10|_ ;; 12345678901234567890|9|1234…7890 ;; 12Mohm|5|_
+        0001|3|_ ;; 0ZX1|3|_ ;; DEADBEEF|6|_ ;; DEADBEEF01|7|DEA…F01 ;; DEADBEEF01|6|_
+        00000000DEADBEEF|12|000000…DBEEF ;; 16#12345678#|9|16#1…678# ;; 16#1F|4|_
+        (10,20,30)|10|(10,20,30) ;; (10,20,30)|9|(10,20,…) ;; (10,20,30)|8|(10,…)
+        (10,20,30)|7|(10,…) ;; (10,20,30)|3|(…) ;; (10,20,30)|2|_ ;; ((1,2),3)|7|((1,…)
+        s_idle|5|s_…le ;; s_idle|3|s…e ;; s_idle|2|_ ;; NaN|2|_)");
+    for (const auto& row : rows) {
+        EXPECT_EQ(FitValue(row[0], std::stoul(row[1]), "…"), row[2]) << row[0] << " in " << row[1];
     }
 }
 
@@ -187,7 +236,7 @@ TEST(DrawTerminal, NeverShowsAWrongValue) {
             const std::size_t length = 2 + random.Below(14);
             std::string value;
             while (value.size() < length) {
-                value += static_cast<char>('A' + random.Below(26));
+                value += static_cast<char>('G' + random.Below(14));
             }
             trace.changes.push_back({time, value});
             time += 1 + static_cast<std::int64_t>(random.Below(20));

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <random>
 
 #include "host/bus_text.h"
@@ -26,20 +28,50 @@ std::string List(Source& source, TimeWindow window) {
 }
 
 TEST(BusText, WritesDigitsOnlyForBitsThatTheyTell) {
-    const auto rows = test::Table(R"(01011010|5A|132|90|X"5A"|"01011010" ;; 1|1|1|1|"1"|"1"
-        ZZZZ0001|Z1|ZZZZ0001|ZZZZ0001|X"Z1"|"ZZZZ0001" ;; 10X|10X|10X|10X|"10X"|"10X"
-        XX0000|X0|XX0000|XX0000|"XX0000"|"XX0000" ;; 000111|07|07|7|"000111"|O"07")");
+    const auto rows = test::Table(R"(
+        01011010|5A|132|90|X"5A"|0x5A ;; 1|1|1|1|"1"|0x1 ;; 10X|10X|10X|10X|"10X"|10X
+        ZZZZ0001|Z1|ZZZZ0001|Z1|X"Z1"|0xZ1 ;; XX0000|X0|XX0000|X0|"XX0000"|0xX0
+        000111|07|07|7|"000111"|0x07 ;; ----0001|----0001|----0001|----0001|"----0001"|----0001
+        AAAA|AAAA|AAAA|AAAA|"AAAA"|AAAA ;; 0?01|0?01|0?01|0?01|"0?01"|0?01)");
     for (const auto& row : rows) {
         EXPECT_EQ(BusDigits(row[0], Radix::Bin), row[0]);
         EXPECT_EQ(BusDigits(row[0], Radix::Hex), row[1]);
         EXPECT_EQ(BusDigits(row[0], Radix::Oct), row[2]);
         EXPECT_EQ(BusDigits(row[0], Radix::Dec), row[3]);
         EXPECT_EQ(BusLiteral(row[0], Radix::Hex), row[4]);
-        EXPECT_EQ(BusLiteral(row[0],
-                             row[0].size() % 3 == 0 && row[5][0] == 'O' ? Radix::Oct : Radix::Bin),
-                  row[5]);
+        EXPECT_EQ(BusPlain(row[0], Radix::Hex), row[5]);
+        EXPECT_EQ(BusLiteral(row[0], Radix::Bin), '"' + row[0] + '"');
+        EXPECT_EQ(BusPlain(row[0], Radix::Bin), row[0]);
     }
+    EXPECT_EQ(BusLiteral("000111", Radix::Oct), "O\"07\"");
     EXPECT_EQ(BusDigits(std::string(70, '1'), Radix::Dec), "1180591620717411303423");
+}
+
+TEST(BusText, NumbersHaveTheSignAndThePointOfTheirType) {
+    for (int bits = 1; bits <= 9; ++bits) {
+        for (int fraction = 0; fraction <= bits + 2; ++fraction) {
+            for (int value = 0; value < 1 << bits; ++value) {
+                std::string text;
+                for (int bit = bits - 1; bit >= 0; --bit) {
+                    text += value >> bit & 1 ? '1' : '0';
+                }
+                const auto read = [&](bool is_signed) {
+                    return std::stod(BusDigits(text, Radix::Dec, {is_signed, fraction}));
+                };
+                EXPECT_EQ(read(false), std::ldexp(value, -fraction)) << text;
+                const int low = value - (text[0] == '1' ? 1 << bits : 0);
+                EXPECT_EQ(read(true), std::ldexp(low, -fraction)) << text;
+            }
+        }
+    }
+    EXPECT_EQ(BusDigits("10" + std::string(70, '0'), Radix::Dec, {true}),
+              "-2361183241434822606848");
+    EXPECT_EQ(BusDigits("0000", Radix::Dec, {true, 2}), "0");
+    EXPECT_EQ(BusDigits("0110", Radix::Dec, {true, 2}), "1.5");
+    EXPECT_EQ(BusKindOf("signed(7 downto 0)", 0), (BusKind{true, 0}));
+    EXPECT_EQ(BusKindOf("ieee.fixed_pkg.UNRESOLVED_sfixed(3 downto -4)", -4), (BusKind{true, 4}));
+    EXPECT_EQ(BusKindOf("U_sfixed(1 downto -2)", -2), (BusKind{true, 2}));
+    EXPECT_EQ(BusKindOf("unsigned(7 downto 0)", 0), BusKind());
 }
 
 TEST(VectorSource, JoinsItsElements) {
