@@ -5,6 +5,7 @@
 #include "stimulus/formula_text.h"
 #include "stimulus/vesk_formula.h"
 #include "util/quote.h"
+#include "util/words.h"
 
 namespace corv::stimulus {
 namespace {
@@ -80,9 +81,8 @@ void CheckFront(std::string_view formula, std::string_view text, ProblemList& pr
     const std::string_view before =
         formula.substr(0, static_cast<std::size_t>(text.data() - formula.data()));
     const std::size_t mark = FindNotation(formula);
-    const std::size_t begin = std::min(before.find_first_not_of(" \t\n"), before.size());
-    if (begin < mark) {
-        problems.Warn(problems.PlaceOf(before.substr(begin, mark - begin)),
+    if (before.find_first_not_of(" \t\n") < mark) {
+        problems.Warn(problems.PlaceOf(util::TrimEnds(before.substr(0, mark), " \t\n")),
                       "what stands before `" + std::string(kMark) + "` is ignored; remove it");
     }
 }

@@ -108,7 +108,7 @@ TEST(BusFormula, KeepsThePlacesOfTheFormula) {
         places += formula.substr(problem.position, problem.length) + "|";
     }
     EXPECT_EQ(places, "xs|300|X\"5\"|");
-    const BusFormula early("X\"A5\", 1 5", TypeOf("8"));
+    const BusFormula early("0 0, X\"A5\"", TypeOf("8"));
     const auto timeless = early.Problems(CheckVectorFormula(early.Text().c_str(), 8, 1));
     ASSERT_EQ(timeless.size(), 1U);
     EXPECT_EQ(timeless[0].sentence.substr(0, 17), "the value `X\"A5\"`");
