@@ -22,6 +22,19 @@ bool IsIndex(std::string_view text) {
            text.substr(letter).starts_with("to ");
 }
 
+// How many characters the name has that a backslash begins and another one closes, 0 without it. An
+// escaped name that nothing closes is not one here: a pattern goes on after it.
+std::size_t ClosedNameLength(std::string_view text, bool level_start) {
+    if (!level_start || !text.starts_with('\\')) {
+        return 0;
+    }
+    std::size_t end = text.find('\\', 1);
+    while (end != std::string_view::npos && text.substr(end + 1).starts_with('\\')) {
+        end = text.find('\\', end + 2);
+    }
+    return end == std::string_view::npos || end == 1 ? 0 : end + 1;
+}
+
 bool EndsLevel(char c) {
     return c == '.' || c == '(';
 }
@@ -35,7 +48,7 @@ NamePattern::NamePattern(std::string_view pattern, Brackets brackets) {
     bool level_start = true;
     for (std::size_t at = 0; at < pattern.size();) {
         const std::string_view rest = pattern.substr(at);
-        extended = extended > 0 ? extended : ExtendedNameLength(rest, level_start);
+        extended = extended > 0 ? extended : ClosedNameLength(rest, level_start);
         const std::string_view bracketed =
             extended == 0 && rest[0] == '[' ? Bracketed(rest) : std::string_view();
         std::size_t length = 1;

@@ -44,7 +44,7 @@ TEST(FileOutput, LeavesReadersWhatTheyHave) {
         const auto reader = platform::SystemFiles().Open(output);
         ASSERT_NE(reader.file, nullptr);
         EXPECT_EQ(Write(output, '2'), "");
-        EXPECT_EQ(Text(reader.file->bytes()), "1");
+        EXPECT_EQ(Text(reader.file->BringPart(0, 10)), "1");
         EXPECT_EQ(Text(output), "2");
         EXPECT_EQ(fs::status(output).permissions(), fs::perms(0640));
     }
