@@ -47,7 +47,8 @@ std::string ReadNumber(const std::string& word, BasedNumber& number) {
     const std::size_t mark = word.find('#');
     if (mark == std::string::npos ? converter.Convert(word.c_str(), 10, &number.value) == 0
                                   : converter.Convert(word.c_str(), &number.value) == 0) {
-        return "`" + word + "` is not a number; write it in decimal or with its radix, such as 16#FF";
+        return "`" + word +
+               "` is not a number; write it in decimal or with its radix, such as 16#FF";
     }
     number.radix = mark == std::string::npos ? 10 : std::stoi(word.substr(0, mark));
     return {};

@@ -133,13 +133,12 @@ void AddFormula(CLI::App& program, Action& chosen) {
     command->callback([&chosen, normal] { chosen = [normal] { return RunNormal(*normal); }; });
 
     auto check = std::make_shared<TextOptions>();
-    command =
-        AddTextCommand(*formula, "check",
-                       "tell what is wrong with a formula\n"
-                       "Writes every problem with its place. As after -f, NAME= may stand in "
-                       "front, or NAME:TYPE= for the formula of a vector or of a VHDL type. "
-                       "A text that begins with - goes behind --.",
-                       *check);
+    command = AddTextCommand(*formula, "check",
+                             "tell what is wrong with a formula\n"
+                             "Writes every problem with its place. As after -f, NAME= may stand in "
+                             "front, or NAME:TYPE= for the formula of a vector or of a VHDL type. "
+                             "A text that begins with - goes behind --.",
+                             *check);
     command->add_flag("-q,--quiet", check->quiet, "Write nothing, only give the exit status");
     command->footer(
         "corv formula check '0 0, 1 10ns'\n"

@@ -1,8 +1,10 @@
 #include "host/packed_source.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <zlib.h>
 
+#include <cstdio>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -21,8 +23,9 @@ std::string SomeText(std::size_t size, unsigned seed) {
     return text;
 }
 
+// A file of this process, since tests run beside each other.
 std::string FileName() {
-    return testing::TempDir() + "packed.gz";
+    return testing::TempDir() + "packed" + std::to_string(getpid()) + ".gz";
 }
 
 // Appends to the file.
@@ -40,6 +43,11 @@ void WriteFile(const std::string& bytes) {
     std::ofstream(FileName(), std::ios::binary) << bytes;
 }
 
+class PackedSource : public testing::Test {
+protected:
+    void TearDown() override { std::remove(FileName().c_str()); }
+};
+
 // All of it in order, and parts at random.
 void ExpectHolds(IStreamSource& source, const std::string& text) {
     ASSERT_EQ(source.GetSize(), text.size());
@@ -55,7 +63,7 @@ void ExpectHolds(IStreamSource& source, const std::string& text) {
     }
 }
 
-TEST(PackedSource, ReadsAnyPart) {
+TEST_F(PackedSource, ReadsAnyPart) {
     WriteFile("");
     const std::string first = SomeText(10'000'000, 1);
     const std::string second = SomeText(5'000'000, 2);
@@ -72,7 +80,7 @@ TEST(PackedSource, ReadsAnyPart) {
     ExpectHolds(*kept.source, first + second);
 }
 
-TEST(PackedSource, KeepsWhatIsNotPacked) {
+TEST_F(PackedSource, KeepsWhatIsNotPacked) {
     for (const std::size_t size : {1U, 1U << 20, 3'000'000U}) {
         const std::string text = SomeText(size, 3).substr(0, size);
         std::istringstream pipe(text);
@@ -82,7 +90,7 @@ TEST(PackedSource, KeepsWhatIsNotPacked) {
     EXPECT_EQ(KeepPacked(none).source->GetSize(), 0U);
 }
 
-TEST(PackedSource, UnpacksAsFarAsTheFileIsWhole) {
+TEST_F(PackedSource, UnpacksAsFarAsTheFileIsWhole) {
     WriteFile("");
     const std::string text = SomeText(6'000'000, 4);
     Pack(text);

@@ -4,7 +4,6 @@
 
 #include <fstream>
 #include <random>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -77,13 +76,14 @@ std::string BytesOfThePage() {
     std::ifstream page(TestFolder() + "/../docs/formats/signal-tree.md");
     std::string bytes;
     for (std::string line; std::getline(page, line);) {
-        static const std::regex row("\\| [0-9A-F]{4} \\| `((?:[0-9A-F]{2} ?)+)` \\|.*");
-        std::smatch match;
-        if (std::regex_match(line, match, row)) {
-            std::istringstream numbers(match[1]);
-            for (unsigned byte = 0; numbers >> std::hex >> byte;) {
-                bytes += static_cast<char>(byte);
-            }
+        constexpr std::size_t kBytesAt = 10;  // after "| 0000 | `"
+        const std::size_t end = line.find("` |", kBytesAt);
+        if (line.size() < kBytesAt || line.compare(6, 4, " | `") != 0 || end == line.npos) {
+            continue;
+        }
+        std::istringstream numbers(line.substr(kBytesAt, end - kBytesAt));
+        for (unsigned byte = 0; numbers >> std::hex >> byte;) {
+            bytes += static_cast<char>(byte);
         }
     }
     return bytes;

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -26,15 +26,38 @@ std::string Read(const fs::path& path) {
     return out.str();
 }
 
+// What stands between two marks of a line, empty without them.
+std::string Between(const std::string& line, const std::string& before, const std::string& after,
+                    std::size_t& at) {
+    const std::size_t begin = line.find(before, at);
+    const std::size_t end =
+        begin == line.npos ? line.npos : line.find(after, begin + before.size());
+    at = end == line.npos ? line.npos : end + after.size();
+    return end == line.npos ? "" : line.substr(begin + before.size(), end - begin - before.size());
+}
+
+void AddFormula(std::string text, std::vector<std::string>& formulas) {
+    const std::size_t name =
+        std::min(text.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789"), text.size());
+    text.erase(0, text.substr(name).starts_with('=') ? name + 1 : 0);
+    const bool is_whole = text.find("…") == text.npos && text.find(':') == text.npos;
+    if (is_whole && text.find(' ') != text.npos) {
+        formulas.push_back(text);
+    }
+}
+
 // The formulas after -f in commands, without names, and those of the table of formulas.
 std::vector<std::string> ShownFormulas(const std::string& page) {
-    static const std::regex kPattern(
-        R"re(-f (?:[a-z0-9]+=)?'(?:[a-z0-9]+=)?([^':=…]*)'|\n\| `([^`…]*)` \|[^|\n]*\|(?=\n))re");
     std::vector<std::string> formulas;
-    for (std::sregex_iterator at(page.begin(), page.end(), kPattern), end; at != end; ++at) {
-        const std::string formula = (*at)[1].matched ? (*at)[1].str() : (*at)[2].str();
-        if (!formula.starts_with("corv ") && formula.find(' ') != std::string::npos) {
-            formulas.push_back(formula);
+    std::istringstream lines(page.substr(std::min(page.find("## The program"), page.size())));
+    bool in_table = false;
+    for (std::string line; std::getline(lines, line);) {
+        in_table = line.starts_with("| formula ") || (in_table && line.starts_with("| "));
+        for (std::size_t at = in_table ? 0 : line.npos; at < line.size();) {
+            AddFormula(Between(line, "| `", "` |", at), formulas);
+        }
+        for (std::size_t at = line.find(" -f "); at < line.size();) {
+            AddFormula(Between(line, "'", "'", at), formulas);
         }
     }
     return formulas;

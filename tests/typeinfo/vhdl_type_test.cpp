@@ -331,7 +331,8 @@ TEST(VhdlType, RandomTypesReadWhatTheBuildersWrite) {
 TEST(VhdlType, MutatedTexts) {
     Random random(9);
     const std::string texts[] = {
-        "record a, b : std_logic; c : array (0 to 3, natural range 1 to 2) of unsigned(7 downto 0); "
+        "record a, b : std_logic; c : array (0 to 3, natural range 1 to 2) of unsigned(7 downto "
+        "0); "
         "d : (idle, '1', \\x y\\); e : integer range -5 to 16#f#; end record r",
         "/* all */ array (1 to 2) of time range 0 ns to 1.5e3 us -- end",
     };

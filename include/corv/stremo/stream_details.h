@@ -16,8 +16,8 @@ CORV_API void SelectStreamSignals(stremo::IEventsStreamRead& reader, const int* 
                                   int count) noexcept;
 
 // Another reader of the same recording with a place of its own; the caller ends it with delete, in
-// any order. What one of them has read from the file serves all; the new one begins with this one's selection. Null when
-// memory runs out.
+// any order. What one of them has read from the file serves all; the new one begins with this one's
+// selection. Null when memory runs out.
 CORV_API stremo::IEventsStreamRead* ShareStream(stremo::IEventsStreamRead& reader) noexcept;
 
 // What was repaired, guessed or lost when the recording was read, one sentence each; a null text
