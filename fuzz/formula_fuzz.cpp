@@ -16,13 +16,14 @@ void Require(bool holds) {
     }
 }
 
-// What stands behind the word for the notation, of any text that may be one.
+// What stands after the word for the notation; all of a text without it.
 const char* NotationOf(const std::string& text) {
     constexpr std::string_view kMark = "/vesk";
     const auto mark = std::search(
         text.begin(), text.end(), kMark.begin(), kMark.end(),
         [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
-    return text.c_str() + (mark == text.end() ? 0 : mark - text.begin() + kMark.size());
+    const auto begin = static_cast<std::size_t>(mark - text.begin());
+    return text.c_str() + (mark == text.end() ? 0 : begin + kMark.size());
 }
 
 // The events of a stimulus rise strictly. A value is left over at each of them.

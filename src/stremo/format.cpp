@@ -20,8 +20,8 @@ constexpr Format kFormats[] = {
 bool IsFst(platform::Bytes bytes) noexcept {
     constexpr unsigned char kHeader[] = {0, 0, 0, 0, 0, 0, 0, 1, 0x49};
     constexpr std::size_t kPacked = 17;  // where the packed part begins
-    return std::equal(std::begin(kHeader), std::end(kHeader), bytes.begin(),
-                      bytes.begin() + std::min(bytes.size(), std::size(kHeader))) ||
+    const platform::Bytes front = bytes.first(std::min(bytes.size(), std::size(kHeader)));
+    return std::equal(std::begin(kHeader), std::end(kHeader), front.begin(), front.end()) ||
            (bytes.size() > kPacked + 1 && bytes[0] == 0xFE && bytes[kPacked] == 0x1F &&
             bytes[kPacked + 1] == 0x8B);
 }

@@ -1,6 +1,7 @@
 #include "host/replay.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -120,7 +121,7 @@ protected:
 // Every signal of every kind, in the recording's own format and from an event file: as a whole,
 // where all elements read the one recording, and through the formulas of its elements.
 TEST_P(ReplayOfSamples, EqualsTheRecording) {
-    const std::string converted = testing::TempDir() + "replayed.evt";
+    const std::string converted = testing::TempDir() + std::to_string(getpid()) + "replayed.evt";
     {
         const Recording recording(Sample());
         std::vector<NamedSignal> all;
@@ -181,7 +182,7 @@ TEST_P(ReplayOfSamples, EqualsItThroughFormulasOnOneReader) {
 
 // Names that differ in case or look like elements, and parts of vectors.
 TEST(Replay, TakesTheSignalThatIsNamed) {
-    const std::string file = testing::TempDir() + "replay names.vcd";
+    const std::string file = testing::TempDir() + std::to_string(getpid()) + "replay names.vcd";
     std::ofstream(file)
         << "$timescale 1 ns $end $scope module t $end $var wire 1 ! clk $end\n"
            "$var wire 1 \" CLK $end $var wire 4 # a [3:0] $end $var wire 1 % a(3) "

@@ -1,6 +1,7 @@
 // Recordings of which only a part is in memory, and that are cut while they are read.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -158,7 +159,7 @@ TEST(Windows, ShowAllOfAnEventFile) {
 
 // What was looked at stays what it was; the rest is an error, and no signal ends the process.
 TEST(Windows, OutliveTheFile) {
-    const std::string name = testing::TempDir() + "cut.bin";
+    const std::string name = testing::TempDir() + std::to_string(getpid()) + "cut.bin";
     std::ofstream(name, std::ios::binary) << std::string(1'000'000, 'x');
     const auto opened = platform::SystemFiles().Open(name);
     ASSERT_NE(opened.file, nullptr);
@@ -172,7 +173,7 @@ TEST(Windows, OutliveTheFile) {
 }
 
 TEST(Windows, SayWhyAFileCannotBeOpened) {
-    const std::string loop = testing::TempDir() + "loop";
+    const std::string loop = testing::TempDir() + std::to_string(getpid()) + "loop";
     std::filesystem::remove(loop);
     std::filesystem::create_symlink("loop", loop);
     EXPECT_STREQ(platform::SystemFiles().Open(loop).failure, "its symbolic links lead in a circle");
