@@ -209,6 +209,7 @@ TEST(Replay, TakesTheSignalThatIsNamed) {
                            {"t.a[1:0]", 7000,
                             "0\x1f"
                             "1"},
+                           {"t.a(3)", -1, "1"},
                            {"t.\\e.s+c", -1, "1"}}) {
         const Replay replay = MakeReplay(file, row.name, 0);
         EXPECT_EQ(replay.source->ValueAt(0).value_or(""), row.value) << row.name;
