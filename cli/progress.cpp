@@ -44,8 +44,8 @@ std::string Duration(double seconds) {
 
 }  // namespace
 
-Progress::Progress(std::string work)
-    : work_(host::CleanText(std::move(work))), on_terminal_(isatty(STDERR_FILENO) != 0) {}
+Progress::Progress(const std::string& work)
+    : work_(host::CleanText(work)), on_terminal_(isatty(STDERR_FILENO) != 0) {}
 
 void Progress::Clear() {
     if (std::exchange(is_shown_, false)) {

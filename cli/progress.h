@@ -11,7 +11,7 @@ namespace corv::cli {
 // work is done.
 class Progress {
 public:
-    explicit Progress(std::string work);
+    explicit Progress(const std::string& work);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress() { Clear(); }

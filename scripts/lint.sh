@@ -3,8 +3,8 @@
 #
 # Runs clang-tidy with the list of .clang-tidy over the sources of library, host and program, or
 # over the named sources, and shellcheck over the scripts. Prints nothing and ends with 0 when all
-# is clean, with 1 otherwise. What was clean and has not changed since is
-# not looked at again (see scripts/lint_source.sh).
+# is clean, with 1 otherwise. What was clean and has not changed since is not looked at again (see
+# scripts/lint_source.sh).
 
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
