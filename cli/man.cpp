@@ -47,7 +47,7 @@ std::string Literally(const std::string& text) {
     return text.empty() ? "" : ".PP\n.nf\n" + Escape(text) + "\n.fi\n";
 }
 
-std::string Options(const CommandInfo& command) {
+std::string OptionEntries(const CommandInfo& command) {
     std::string out;
     for (const OptionInfo& operand : command.operands) {
         out += Item(operand.long_name, "", operand.text);
@@ -75,13 +75,13 @@ std::string ManPage(const CommandInfo& program) {
             out += (command == all[1] ? "" : ".br\n") + Escape(command->Usage()) + "\n";
         }
     }
-    out += ".SH OPTIONS\n" + Options(program) + ".SH COMMANDS\n";
+    out += ".SH OPTIONS\n" + OptionEntries(program) + ".SH COMMANDS\n";
     for (const CommandInfo* command : all) {
         if (command != &program && command->commands.empty()) {
             const std::string summary =
                 Upper(command->summary.substr(0, 1)) + command->summary.substr(1);
             out += ".SS " + Escape(command->path) + "\n" +
-                   Paragraphs(summary + ".\n" + command->details) + Options(*command) +
+                   Paragraphs(summary + ".\n" + command->details) + OptionEntries(*command) +
                    Literally(command->examples);
         }
     }

@@ -84,12 +84,12 @@ const char* ReasonOf(int code) {
     }
 }
 
-std::string Shown(const std::string& name) {
+std::string NameInMessage(const std::string& name) {
     return name == "-" ? "standard output" : "`" + name + "`";
 }
 
 std::string CannotWrite(const std::string& name, const std::string& reason) {
-    return "cannot write " + Shown(name) + ": " + reason;
+    return "cannot write " + NameInMessage(name) + ": " + reason;
 }
 
 bool IsDescriptor(const std::string& name) {
@@ -156,7 +156,7 @@ std::string FormatOf(const std::string& output, const std::string& chosen) {
     if (suffix == ".evt" || suffix == ".vcd") {
         return suffix.substr(1);
     }
-    throw Failure(Shown(output) +
+    throw Failure(NameInMessage(output) +
                   " tells no format; end its name in .evt or .vcd, or name one with --format");
 }
 
