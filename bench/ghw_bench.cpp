@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "stremo/block_store.h"
-#include "stremo/ghw_recording.h"
+#include "stremo/ghw/recording.h"
 
 namespace {
 

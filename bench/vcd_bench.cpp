@@ -1,7 +1,7 @@
 // Reading and writing VCD, beside the plainest reading of the same text: every word is looked at,
 // codes found and values summed up, nothing kept.
 
-#include "stremo/vcd_writer.h"
+#include "stremo/vcd/writer.h"
 
 #include <benchmark/benchmark.h>
 
@@ -13,7 +13,7 @@
 
 #include "stremo/block_store.h"
 #include "stremo/recording_reader.h"
-#include "stremo/vcd_recording.h"
+#include "stremo/vcd/recording.h"
 #include "vcd_input.h"
 
 namespace {

@@ -14,7 +14,7 @@
 #include "recording_fuzz.h"
 #include "stremo/block_layout.h"
 #include "stremo/checksum.h"
-#include "stremo/event_file.h"
+#include "stremo/event_file/event_file.h"
 #include "stremo/format.h"
 
 namespace {

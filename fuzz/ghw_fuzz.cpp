@@ -9,7 +9,7 @@
 
 #include "corv/typeinfo/type_info.h"
 #include "recording_fuzz.h"
-#include "stremo/ghw_recording.h"
+#include "stremo/ghw/recording.h"
 
 namespace {
 

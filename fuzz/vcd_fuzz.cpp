@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "recording_fuzz.h"
-#include "stremo/vcd_recording.h"
-#include "stremo/vcd_writer.h"
+#include "stremo/vcd/recording.h"
+#include "stremo/vcd/writer.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "stremo/event_file.h"
-#include "stremo/ghw_recording.h"
+#include "stremo/event_file/event_file.h"
+#include "stremo/ghw/recording.h"
 #include "stremo/stream_error.h"
-#include "stremo/vcd_recording.h"
+#include "stremo/vcd/recording.h"
 
 namespace corv::recording {
 namespace {

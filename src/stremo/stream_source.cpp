@@ -6,7 +6,7 @@
 #include "platform/guard.h"
 #include "platform/windowed_content.h"
 #include "stremo/format.h"
-#include "stremo/ghw_recording.h"
+#include "stremo/ghw/recording.h"
 #include "stremo/recording_reader.h"
 #include "stremo/signal_cursor.h"
 #include "stremo/stream_error.h"

@@ -15,7 +15,7 @@
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
 #include "corv/stremo/stream_error.h"
-#include "stremo/event_file_writer.h"
+#include "stremo/event_file/writer.h"
 #include "stremo/format.h"
 #include "stremo/recording_reader.h"
 #include "stremo/signal_cursor.h"

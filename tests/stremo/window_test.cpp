@@ -11,11 +11,11 @@
 
 #include "corv/stremo/events_stream_write.h"
 #include "platform/windowed_content.h"
-#include "stremo/event_file.h"
-#include "stremo/event_file_writer.h"
-#include "tests/stremo/ghw_support.h"
+#include "stremo/event_file/event_file.h"
+#include "stremo/event_file/writer.h"
+#include "tests/stremo/ghw/support.h"
 #include "tests/stremo/memory_files.h"
-#include "tests/stremo/vcd_support.h"
+#include "tests/stremo/vcd/support.h"
 
 namespace corv::test {
 namespace {
