@@ -61,7 +61,7 @@ HRESULT CORV_CALL HandleManager::AddSignal(ISignal* signal) noexcept {
 
 HRESULT CORV_CALL HandleManager::RemoveSignal(ISignal* signal) noexcept {
     const int handle = signal != nullptr ? signal->GetHandle() : -1;
-    const Listing* const listing = handle != -1 ? FindListing(*signal, handle) : nullptr;
+    const tree::Listing* const listing = handle != -1 ? FindListing(*signal, handle) : nullptr;
     if (listing == nullptr) {
         return E_FAIL;
     }
@@ -105,13 +105,13 @@ HandleManager* HandleManager::FromOwn(IHandleManager& manager) noexcept {
 }
 
 void HandleManager::Forget(ISignal& signal) noexcept {
-    if (Listings* const listings = FindListings(signal)) {
+    if (tree::Listings* const listings = FindListings(signal)) {
         listings->Leave(*this);
     }
     strangers_.erase(&signal);
 }
 
-void HandleManager::Drop(const Listing& listing) noexcept {
+void HandleManager::Drop(const tree::Listing& listing) noexcept {
     const int handle = listing.handle;
     Page& page = *FindPage(handle);
     if (page.At(handle) == nullptr) {
@@ -158,7 +158,7 @@ ISignal* HandleManager::FindFrom(Place& place) noexcept {
 }
 
 // Nothing is asked of a signal of another make.
-Listings* HandleManager::FindListings(ISignal& signal) noexcept {
+tree::Listings* HandleManager::FindListings(ISignal& signal) noexcept {
     const auto stranger = strangers_.empty() ? strangers_.end() : strangers_.find(&signal);
     if (stranger != strangers_.end()) {
         return &stranger->second;
@@ -167,15 +167,15 @@ Listings* HandleManager::FindListings(ISignal& signal) noexcept {
     return own != nullptr ? &own->Listed() : nullptr;
 }
 
-const Listing* HandleManager::FindListing(ISignal& signal, int handle) noexcept {
-    const Listings* const listings = FindListings(signal);
+const tree::Listing* HandleManager::FindListing(ISignal& signal, int handle) noexcept {
+    const tree::Listings* const listings = FindListings(signal);
     return listings != nullptr ? listings->Find(*this, handle) : nullptr;
 }
 
 void HandleManager::List(ISignal& signal, int handle) {
-    Listings* const known = FindListings(signal);
-    Listings& listings = known != nullptr ? *known : strangers_[&signal];
-    const Listing listing{this, handle, last_number_ + 1};
+    tree::Listings* const known = FindListings(signal);
+    tree::Listings& listings = known != nullptr ? *known : strangers_[&signal];
+    const tree::Listing listing{this, handle, last_number_ + 1};
     try {
         listings.Add(listing);
         Enter(signal, listing);
@@ -187,7 +187,7 @@ void HandleManager::List(ISignal& signal, int handle) {
     last_number_ = listing.number;
 }
 
-void HandleManager::Enter(ISignal& signal, const Listing& listing) {
+void HandleManager::Enter(ISignal& signal, const tree::Listing& listing) {
     const int handle = listing.handle;
     Page& page = pages_[handle >> kPageBits];
     if ((page.used & BitOf(handle)) == 0) {
@@ -203,8 +203,8 @@ void HandleManager::Enter(ISignal& signal, const Listing& listing) {
 }
 
 void HandleManager::Unlist(ISignal& signal, int handle) noexcept {
-    Listings& listings = *FindListings(signal);
-    if (const Listing* const listing = listings.Find(*this, handle)) {
+    tree::Listings& listings = *FindListings(signal);
+    if (const tree::Listing* const listing = listings.Find(*this, handle)) {
         listings.Remove(*listing);
     }
     if (listings.IsEmpty()) {

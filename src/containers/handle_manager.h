@@ -7,10 +7,10 @@
 #include <map>
 #include <utility>
 
-#include "containers/listings.h"
 #include "corv/containers/handle_manager.h"
 #include "corv/frame/interface_ids.h"
 #include "frame/com_object.h"
+#include "tree/listings.h"
 
 namespace corv::containers {
 
@@ -23,7 +23,8 @@ namespace corv::containers {
 //
 // The cursors are a handle and a number, and so mean something after any change.
 class HandleManager final
-    : public frame::ComObject<HandleManager, IHandleManager, IID_IHandleManager> {
+    : public frame::ComObject<HandleManager, IHandleManager, IID_IHandleManager>,
+      public tree::Lister {
 public:
     HandleManager() noexcept = default;
     ~HandleManager() { RemoveAll(); }
@@ -42,8 +43,7 @@ public:
 
     // Removes a signal from the lists of all handles.
     void Forget(ISignal& signal) noexcept;
-    // Removes one entry, of which the signal itself is not told.
-    void Drop(const Listing& listing) noexcept;
+    void Drop(const tree::Listing& listing) noexcept override;
 
 private:
     static constexpr int kPageBits = 5;
@@ -70,11 +70,11 @@ private:
     // The entry of the place or the next of that handle, to which the place is moved; null: none.
     ISignal* FindFrom(Place& place) noexcept;
     // Null when the signal has none.
-    Listings* FindListings(ISignal& signal) noexcept;
-    const Listing* FindListing(ISignal& signal, int handle) noexcept;
+    tree::Listings* FindListings(ISignal& signal) noexcept;
+    const tree::Listing* FindListing(ISignal& signal, int handle) noexcept;
     // Throws, with nothing changed, without memory.
     void List(ISignal& signal, int handle);
-    void Enter(ISignal& signal, const Listing& listing);
+    void Enter(ISignal& signal, const tree::Listing& listing);
     void Unlist(ISignal& signal, int handle) noexcept;
     void EndPage(int handle) noexcept;
 
@@ -82,7 +82,7 @@ private:
     std::int64_t next_handle_ = kNoHandle;  // the smallest that GetNextHandle may give
     Place next_signal_{0, kPastLast};       // of the handle's, the first that is to come
     std::map<Place, ISignal*> crowded_;
-    std::map<ISignal*, Listings> strangers_;  // signals of other makes that are listed
+    std::map<ISignal*, tree::Listings> strangers_;  // signals of other makes that are listed
     std::uint64_t last_number_ = 0;
     std::pair<int, Page*> last_page_{0, nullptr};  // of all that are in use
 };

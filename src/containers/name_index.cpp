@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <bit>
 
-#include "containers/name_watch.h"
 #include "corv/signals/signal.h"
 #include "platform/ascii.h"
 #include "platform/guard.h"
+#include "signals/signal.h"
+#include "tree/renamings.h"
 
 namespace corv::containers {
 namespace {
@@ -31,6 +32,16 @@ std::uint64_t Hash(std::string_view name) noexcept {
         hash = (hash ^ static_cast<unsigned char>(platform::Lower(c))) * 0x100000001B3U;
     }
     return hash ^ hash >> 32;
+}
+
+// Lets a signal count the changes of its name from now on. False when it is of another make than
+// this library's and can't.
+bool WatchName(ISignal& signal) noexcept {
+    CSignal* const own = CSignal::FromOwn(signal);
+    if (own != nullptr) {
+        own->WatchName();
+    }
+    return own != nullptr;
 }
 
 }  // namespace
@@ -64,8 +75,8 @@ void NameIndex::Reset() noexcept {
 }
 
 ISignal* NameIndex::Find(const SignalList& signals, std::string_view name) noexcept {
-    if (renamings_ != Renamings()) {
-        renamings_ = Renamings();
+    if (renamings_ != tree::Renamings()) {
+        renamings_ = tree::Renamings();
         Reset();
     }
     if (!IsUsable(signals) || (indexed_ == 0 && looked_at_ < signals.size())) {

@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "containers/handle_manager.h"
-#include "containers/leaf_walk.h"
 #include "containers/signal_enumerator.h"
 #include "corv/signals/signal.h"
 #include "platform/guard.h"
+#include "tree/leaf_walk.h"
 
 using corv::frame::ComPtr;
 
@@ -161,7 +161,7 @@ void SignalContainer::Unregister(ISignal& signal) noexcept {
         }
         return true;
     };
-    LeafWalk().Visit(signal, forget, forget);
+    tree::LeafWalk().Visit(signal, forget, forget);
 }
 
 void SignalContainer::NoteJoined(ISignal& signal) noexcept {

@@ -7,11 +7,11 @@
 #include <utility>
 
 #include "containers/name_index.h"
-#include "containers/running_operations.h"
 #include "corv/containers/signal_container.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/frame/interface_ids.h"
 #include "frame/com_object.h"
+#include "signals/loads.h"
 
 namespace corv::containers {
 
@@ -64,11 +64,11 @@ private:
     ISignal* FindNamed(std::string_view name) const noexcept;
 
     HRESULT SaveSignals(IByteStream& stream) noexcept;
-    HRESULT LoadSignals(LoadStream& stream, ISignal* parent) noexcept;
-    bool LoadSignal(LoadStream& stream, ISignal* parent) noexcept;
-    HRESULT LoadAll(ReaderLoad& load, stremo::IEventsStreamRead& reader);
-    HRESULT LoadOne(ReaderLoad& load, stremo::IEventsStreamRead& reader, ISignal* parent, int index,
-                    ISignal** signal);
+    HRESULT LoadSignals(signals::LoadStream& stream, ISignal* parent) noexcept;
+    bool LoadSignal(signals::LoadStream& stream, ISignal* parent) noexcept;
+    HRESULT LoadAll(signals::ReaderLoad& load, stremo::IEventsStreamRead& reader);
+    HRESULT LoadOne(signals::ReaderLoad& load, stremo::IEventsStreamRead& reader, ISignal* parent,
+                    int index, ISignal** signal);
 
     std::int64_t max_time_ = 0;
     SignalList signals_;  // each with a reference

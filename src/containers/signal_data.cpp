@@ -150,14 +150,14 @@ HRESULT SignalData::LoadFromReader(IEventsStreamRead* reader, int handle) noexce
     if (reader == nullptr) {
         return E_INVALIDARG;
     }
-    ReaderLoad load(*reader);
+    signals::ReaderLoad load(*reader);
     return platform::Guarded(E_OUTOFMEMORY, [&] { return LoadNode(load, *reader, handle, *this); });
 }
 
-HRESULT SignalData::LoadNode(ReaderLoad& load, IEventsStreamRead& reader, int handle,
+HRESULT SignalData::LoadNode(signals::ReaderLoad& load, IEventsStreamRead& reader, int handle,
                              SignalData& root) {
     Reset();
-    const Level level(load.Depth());
+    const tree::Level level(load.Depth());
     if (handle == -1 || !load.Enter(load.Depth() - 1, handle)) {
         return E_FAIL;
     }
@@ -198,7 +198,7 @@ HRESULT SignalData::LoadFields(IEventsStreamRead& reader, int handle, int& child
     return S_OK;
 }
 
-HRESULT SignalData::LoadChild(ReaderLoad& load, IEventsStreamRead& reader, int handle,
+HRESULT SignalData::LoadChild(signals::ReaderLoad& load, IEventsStreamRead& reader, int handle,
                               SignalData& root) {
     frame::ComPtr<SignalData> child(std::make_unique<SignalData>().release());
     children_.push_back(std::move(child));

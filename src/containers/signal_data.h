@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "containers/handle_list.h"
-#include "containers/running_operations.h"
 #include "corv/containers/signal_data.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/platform/cstring.h"
 #include "corv/signals/property_map.h"
 #include "frame/plain_object.h"
+#include "signals/loads.h"
 #include "signals/type_cache.h"
 
 namespace corv::containers {
@@ -49,10 +49,10 @@ private:
     SignalData* FindBySelection(std::string_view path) noexcept;
     void Reset() noexcept;
     // Read the object as a node of the tree below the root.
-    HRESULT LoadNode(ReaderLoad& load, stremo::IEventsStreamRead& reader, int handle,
+    HRESULT LoadNode(signals::ReaderLoad& load, stremo::IEventsStreamRead& reader, int handle,
                      SignalData& root);
     HRESULT LoadFields(stremo::IEventsStreamRead& reader, int handle, int& child_count);
-    HRESULT LoadChild(ReaderLoad& load, stremo::IEventsStreamRead& reader, int handle,
+    HRESULT LoadChild(signals::ReaderLoad& load, stremo::IEventsStreamRead& reader, int handle,
                       SignalData& root);
 
     CString name_;

@@ -5,10 +5,10 @@
 #include <span>
 #include <string_view>
 
-#include "containers/leaf_walk.h"
 #include "containers/signal_container.h"
 #include "corv/signals/signal.h"
 #include "corv/util/extended_id.h"
+#include "tree/leaf_walk.h"
 
 using corv::frame::ComPtr;
 
@@ -49,9 +49,9 @@ void AssignHandle(ISignal& leaf, int handle, IHandleManager* manager) noexcept {
 // the same one may be met on many ways.
 class PassOn {
 public:
-    explicit PassOn(std::uint64_t& passed_on) noexcept : level_(Running().pass_on_depth) {
+    explicit PassOn(std::uint64_t& passed_on) noexcept : level_(tree::Running().pass_on_depth) {
         static std::atomic<std::uint64_t> last_number = 0;  // a container may change its thread
-        RunningOperations& running = Running();
+        tree::RunningOperations& running = tree::Running();
         if (running.pass_on_depth == 1) {
             running.pass_on_number = last_number.fetch_add(1, std::memory_order_relaxed) + 1;
         }
@@ -61,7 +61,7 @@ public:
     bool GoesOn() const noexcept { return goes_on_; }
 
 private:
-    Level level_;
+    tree::Level level_;
     bool goes_on_;
 };
 
@@ -77,7 +77,7 @@ HRESULT CORV_CALL SignalContainer::AssignHandles(const char* path, const int* ha
         return result;
     }
     std::span<const int> left(handles, static_cast<std::size_t>(count));
-    LeafWalk().Visit(
+    tree::LeafWalk().Visit(
         *found, [](ISignal&) {},
         [&](ISignal& leaf) {
             AssignHandle(leaf, left.front(), manager_.get());
@@ -88,7 +88,7 @@ HRESULT CORV_CALL SignalContainer::AssignHandles(const char* path, const int* ha
 }
 
 HRESULT CORV_CALL SignalContainer::FindSignal(const char* path, ISignal** signal) noexcept {
-    const Level level(Running().find_depth);
+    const tree::Level level(tree::Running().find_depth);
     if (path == nullptr || !level.IsAllowed()) {
         return E_FAIL;
     }

@@ -8,14 +8,14 @@
 #include <cstring>
 #include <limits>
 
-#include "containers/save_check.h"
 #include "containers/signal_container.h"
-#include "containers/stream_number.h"
 #include "corv/platform/cstring.h"
 #include "corv/signals/signal.h"
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
 #include "platform/guard.h"
+#include "tree/save_check.h"
+#include "tree/stream_number.h"
 
 using corv::frame::ComPtr;
 using stremo::IEventsStreamRead;
@@ -70,17 +70,18 @@ bool Describe(ISignal& signal, int handle, const SignalInfo& info) noexcept {
 }  // namespace
 
 HRESULT CORV_CALL SignalContainer::Save(IByteStream* stream) noexcept {
-    const bool is_outermost = Running().save_depth == 0;
-    const Level level(Running().save_depth);
+    const bool is_outermost = tree::Running().save_depth == 0;
+    const tree::Level level(tree::Running().save_depth);
     if (stream == nullptr || !level.IsAllowed()) {
         return E_FAIL;
     }
-    const HRESULT checked = is_outermost ? SaveSignals(SaveCheck::Get()) : S_OK;
+    const HRESULT checked = is_outermost ? SaveSignals(tree::SaveCheck::Get()) : S_OK;
     return SUCCEEDED(checked) ? SaveSignals(*stream) : checked;
 }
 
 HRESULT SignalContainer::SaveSignals(IByteStream& stream) noexcept {
-    HRESULT result = signals_.size() <= kMostSaved ? WriteNumber(stream, signals_.size()) : E_FAIL;
+    HRESULT result =
+        signals_.size() <= kMostSaved ? tree::WriteNumber(stream, signals_.size()) : E_FAIL;
     for (std::size_t i = 0; SUCCEEDED(result) && i < signals_.size(); ++i) {
         result = signals_[i]->Save(&stream);
     }
@@ -91,23 +92,23 @@ HRESULT CORV_CALL SignalContainer::Load(IByteStream* stream, ISignal* parent) no
     if (stream == nullptr) {
         return E_FAIL;
     }
-    LoadStream* const running = Running().load;
+    signals::LoadStream* const running = tree::Running().load;
     if (running == stream) {
         return LoadSignals(*running, parent);
     }
-    LoadStream load(*stream);
+    signals::LoadStream load(*stream);
     return LoadSignals(load, parent);
 }
 
-HRESULT SignalContainer::LoadSignals(LoadStream& stream, ISignal* parent) noexcept {
+HRESULT SignalContainer::LoadSignals(signals::LoadStream& stream, ISignal* parent) noexcept {
     std::size_t count = 0;
-    if (const HRESULT result = ReadNumber(stream, count); FAILED(result)) {
+    if (const HRESULT result = tree::ReadNumber(stream, count); FAILED(result)) {
         return result;
     }
     if (count == 0) {
         return E_FAIL;
     }
-    const Level level(stream.Depth());
+    const tree::Level level(stream.Depth());
     if (!level.IsAllowed()) {
         stream.GiveUp();
         return E_FAIL;
@@ -120,7 +121,7 @@ HRESULT SignalContainer::LoadSignals(LoadStream& stream, ISignal* parent) noexce
 
 // False when nothing is left to read. Where memory runs out in a record its rest stays unread, and
 // what follows would not be read as what it is: the load ends.
-bool SignalContainer::LoadSignal(LoadStream& stream, ISignal* parent) noexcept {
+bool SignalContainer::LoadSignal(signals::LoadStream& stream, ISignal* parent) noexcept {
     ComPtr<ISignal> signal;
     const std::uint64_t place = stream.BytesRead();
     const HRESULT result = FAILED(stream.Signals().Make(signal.Out()))
@@ -140,7 +141,7 @@ HRESULT CORV_CALL SignalContainer::LoadFromReader(IEventsStreamRead* reader) noe
     if (reader == nullptr) {
         return E_FAIL;
     }
-    ReaderLoad load(*reader);
+    signals::ReaderLoad load(*reader);
     const HRESULT result = platform::Guarded(E_OUTOFMEMORY, [&] { return LoadAll(load, *reader); });
     if (result == E_OUTOFMEMORY) {
         load.Refuse("memory has run out");
@@ -148,7 +149,7 @@ HRESULT CORV_CALL SignalContainer::LoadFromReader(IEventsStreamRead* reader) noe
     return SUCCEEDED(result) ? S_OK : E_FAIL;
 }
 
-HRESULT SignalContainer::LoadAll(ReaderLoad& load, IEventsStreamRead& reader) {
+HRESULT SignalContainer::LoadAll(signals::ReaderLoad& load, IEventsStreamRead& reader) {
     const int count = reader.GetSignalCount();
     for (int i = 0; i < count; ++i) {
         ISignal* signal = nullptr;
@@ -166,21 +167,21 @@ HRESULT CORV_CALL SignalContainer::CreateFromReader(IEventsStreamRead* reader, I
     if (reader == nullptr) {
         return E_FAIL;
     }
-    const auto load_in = [&](ReaderLoad& load) {
+    const auto load_in = [&](signals::ReaderLoad& load) {
         return platform::Guarded(E_FAIL,
                                  [&] { return LoadOne(load, *reader, parent, index, signal); });
     };
-    ReaderLoad* const running = Running().reader_load;
+    signals::ReaderLoad* const running = tree::Running().reader_load;
     if (running != nullptr && running->IsOf(*reader)) {
         return load_in(*running);
     }
-    ReaderLoad load(*reader);
+    signals::ReaderLoad load(*reader);
     return load_in(load);
 }
 
-HRESULT SignalContainer::LoadOne(ReaderLoad& load, IEventsStreamRead& reader, ISignal* parent,
-                                 int index, ISignal** signal) {
-    const Level level(load.Depth());
+HRESULT SignalContainer::LoadOne(signals::ReaderLoad& load, IEventsStreamRead& reader,
+                                 ISignal* parent, int index, ISignal** signal) {
+    const tree::Level level(load.Depth());
     const int handle = parent != nullptr ? reader.GetSubSignalHandle(parent->GetHandle(), index)
                                          : reader.GetSignalHandle(index);
     if (handle == -1) {

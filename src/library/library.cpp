@@ -2,12 +2,12 @@
 
 #include "corv/stimulators/counter.h"
 #include "platform/address_range.h"
-#include "signals/hierarchy_separator.h"
 #include "signals/type_cache.h"
 #include "signals/value_text.h"
 #include "stimulus/event_files.h"
 #include "stremo/progress.h"
 #include "stremo/stream_registry.h"
+#include "util/hierarchy_separator.h"
 
 namespace corv {
 namespace {
@@ -20,7 +20,7 @@ void ReleaseState() noexcept {
     recording::ResetStreams();
     recording::ResetProgress();
     ResetCounters();
-    signals::ResetHierarchySeparator();
+    util::ResetHierarchySeparator();
     signals::ResetTypeCache();
     signals::ResetValueTexts();
     platform::AddressRange::ReleaseKept();
@@ -30,7 +30,7 @@ void ReleaseState() noexcept {
 
 void Attach() noexcept {
     if (attached++ == 0) {
-        signals::ReadHierarchySeparator();
+        util::ReadHierarchySeparator();
     }
 }
 

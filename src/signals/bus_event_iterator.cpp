@@ -10,7 +10,7 @@
 #include "corv/signals/signal.h"
 #include "frame/com_class.h"
 #include "platform/guard.h"
-#include "signals/nesting.h"
+#include "tree/nesting.h"
 #include "waves/wave_event_enumerator.h"
 
 using corv::frame::ClassOf;
@@ -46,7 +46,7 @@ HRESULT CBusEventIterator::CollectLeaves() noexcept {
 
 HRESULT CBusEventIterator::Collect(ISignalContainer& members, int depth) {
     ComPtr<ISignalEnumerator> signals;
-    if (depth > corv::signals::kMostNesting || FAILED(members.EnumSignals(signals.Out()))) {
+    if (depth > corv::tree::kMostNesting || FAILED(members.EnumSignals(signals.Out()))) {
         return E_FAIL;
     }
     ISignal* member = nullptr;

@@ -1,29 +1,11 @@
-#include "signals/hierarchy_separator.h"
+#include "corv/signals/hierarchy_separator.h"
 
-#include "platform/dynamic_library.h"
+#include "util/hierarchy_separator.h"
 
 namespace corv {
-namespace {
-
-constexpr char kUsual = '\\';
-
-char separator = kUsual;
-
-}  // namespace
 
 char HierarchySeparator() noexcept {
-    return separator;
-}
-
-void signals::ReadHierarchySeparator() noexcept {
-    const platform::DynamicLibrary base("quillbase");
-    if (auto* const ask = base.Find<char()>("GetVHDLHierarchySeparator")) {
-        separator = ask();
-    }
-}
-
-void signals::ResetHierarchySeparator() noexcept {
-    separator = kUsual;
+    return util::HierarchySeparator();
 }
 
 }  // namespace corv

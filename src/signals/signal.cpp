@@ -5,12 +5,12 @@
 #include <cstring>
 #include <string_view>
 
-#include "containers/name_watch.h"
-#include "containers/running_operations.h"
 #include "corv/frame/com_ptr.h"
 #include "frame/com_class.h"
 #include "platform/ascii.h"
-#include "signals/members.h"
+#include "signals/loads.h"
+#include "tree/members.h"
+#include "tree/renamings.h"
 #include "util/fields.h"
 
 using corv::frame::ComPtr;
@@ -52,7 +52,7 @@ void CSignal::SetName(const char* name) noexcept {
 }
 void CSignal::NoteNewName() const noexcept {
     if (is_name_watched_) {
-        corv::containers::CountRenaming();
+        corv::tree::CountRenaming();
     }
 }
 
@@ -200,10 +200,10 @@ HRESULT CSignal::SetWave(ISignalWave* wave) noexcept {
 
 void CSignal::SetValueTextFlag(bool quoted) noexcept {
     value_text_flag_ = quoted;
-    const corv::containers::Descent descent(is_descending_);
+    const corv::tree::Descent descent(is_descending_);
     if (descent.IsAllowed()) {
-        corv::signals::ForEachMember(members_.get(),
-                                     [&](ISignal& member) { member.SetValueTextFlag(quoted); });
+        corv::tree::ForEachMember(members_.get(),
+                                  [&](ISignal& member) { member.SetValueTextFlag(quoted); });
     }
 }
 

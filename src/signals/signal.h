@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "containers/listings.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/frame/interface_ids.h"
 #include "corv/signals/property_map.h"
@@ -10,6 +9,7 @@
 #include "corv/typeinfo/type_info.h"
 #include "frame/com_object.h"
 #include "signals/type_cache.h"
+#include "tree/listings.h"
 
 namespace corv::signals {
 
@@ -93,9 +93,9 @@ public:
     void ShareProperties(const CPropertyMap& properties) noexcept { properties_ = properties; }
 
     // The handle managers that list the signal.
-    corv::containers::Listings& Listed() noexcept { return listings_; }
+    corv::tree::Listings& Listed() noexcept { return listings_; }
 
-    // From now on each change of the name is counted, see containers/name_watch.h.
+    // From now on each change of the name is counted, see tree/renamings.h.
     void WatchName() noexcept { is_name_watched_ = true; }
 
     // The type in its parsed form, null without one.
@@ -135,5 +135,5 @@ private:
     corv::frame::ComPtr<ISignalContainer> members_;
     bool is_name_watched_ = false;
     bool is_descending_ = false;  // an operation is being passed on to the members
-    corv::containers::Listings listings_;
+    corv::tree::Listings listings_;
 };

@@ -8,19 +8,19 @@
 #include <limits>
 #include <string_view>
 
-#include "containers/running_operations.h"
-#include "containers/save_check.h"
-#include "containers/stream_number.h"
 #include "corv/signals/byte_stream.h"
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
-#include "signals/members.h"
+#include "signals/loads.h"
 #include "signals/signal.h"
 #include "signals/value_text.h"
+#include "tree/members.h"
+#include "tree/save_check.h"
+#include "tree/stream_number.h"
 
-using corv::containers::ReadNumber;
-using corv::containers::WriteNumber;
 using corv::frame::ComPtr;
+using corv::tree::ReadNumber;
+using corv::tree::WriteNumber;
 
 namespace {
 
@@ -66,7 +66,7 @@ bool CanBeLoaded(const CPropertyMap& properties) {
 
 // What is written has been checked.
 bool WriteProperties(IByteStream& stream, const CPropertyMap& properties) {
-    if (&stream == &corv::containers::SaveCheck::Get()) {
+    if (&stream == &corv::tree::SaveCheck::Get()) {
         return CanBeLoaded(properties);
     }
     return SUCCEEDED(WriteNumber(stream, static_cast<std::size_t>(properties.GetCount()))) &&
@@ -120,8 +120,8 @@ bool WriteStreamProperties(IEventsStreamWrite& writer, int handle, const CProper
 }  // namespace
 
 HRESULT CSignal::Save(IByteStream* stream) noexcept {
-    corv::containers::SaveCheck& check = corv::containers::SaveCheck::Get();
-    const bool is_outermost = corv::containers::Running().save_depth == 0 && stream != &check;
+    corv::tree::SaveCheck& check = corv::tree::SaveCheck::Get();
+    const bool is_outermost = corv::tree::Running().save_depth == 0 && stream != &check;
     if (is_outermost && FAILED(Save(&check))) {
         return E_FAIL;
     }
@@ -138,7 +138,7 @@ HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* par
         return read;
     }
     // most signals have no members: within a load that is seen before a container is made
-    corv::containers::LoadStream* const load = corv::containers::Running().load;
+    corv::signals::LoadStream* const load = corv::tree::Running().load;
     if (load != stream || !load->SkipEmptyList()) {
         ComPtr<ISignalContainer> members;
         const HRESULT made = MakeMembers(*owner, members);
@@ -233,7 +233,7 @@ void CSignal::ShareWave(ISignalContainer& owner) noexcept {
 }
 
 HRESULT CSignal::WriteToWriter(IEventsStreamWrite* writer, int index) noexcept {
-    const corv::containers::Descent descent(is_descending_);
+    const corv::tree::Descent descent(is_descending_);
     if (writer == nullptr || !descent.IsAllowed()) {
         return E_FAIL;
     }

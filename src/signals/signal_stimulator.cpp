@@ -3,11 +3,11 @@
 #include <cstring>
 #include <utility>
 
-#include "containers/running_operations.h"
 #include "corv/stimulus/stim_iterator.h"
 #include "corv/stimulus/stimulus.h"
-#include "signals/members.h"
+#include "signals/loads.h"
 #include "signals/signal.h"
+#include "tree/members.h"
 
 namespace {
 
@@ -98,9 +98,8 @@ void CSignal::SetHotKey(int key) noexcept {
     properties_.SetInteger("Stimulator Type", kHotKey);
     properties_.Erase("Stimulator Formula");
     properties_.Erase("Stimulator Clock");
-    const corv::containers::Descent descent(is_descending_);
+    const corv::tree::Descent descent(is_descending_);
     if (descent.IsAllowed()) {
-        corv::signals::ForEachMember(members_.get(),
-                                     [&](ISignal& member) { member.SetHotKey(key); });
+        corv::tree::ForEachMember(members_.get(), [&](ISignal& member) { member.SetHotKey(key); });
     }
 }

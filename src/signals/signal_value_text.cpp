@@ -9,9 +9,9 @@
 
 #include "corv/frame/com_ptr.h"
 #include "frame/com_class.h"
-#include "signals/nesting.h"
 #include "signals/signal.h"
 #include "signals/value_text.h"
+#include "tree/nesting.h"
 #include "typeinfo/type_access.h"
 #include "typeinfo/value_text.h"
 #include "waves/find_together.h"
@@ -116,7 +116,7 @@ private:
 
     Gathered GatherMembers(ISignalContainer& members, int depth) noexcept {
         const int count = members.GetCount();
-        Gathered gathered = depth > corv::signals::kMostNesting ? Gathered::kNone : Gathered::kAll;
+        Gathered gathered = depth > corv::tree::kMostNesting ? Gathered::kNone : Gathered::kAll;
         for (int i = 0; gathered == Gathered::kAll && i < count; ++i) {
             ISignal* member = nullptr;
             if (FAILED(members.GetAt(static_cast<std::uint32_t>(i), &member)) ||
@@ -220,7 +220,7 @@ const char* ArrayTextAt(CSignal& bus, std::int64_t time, std::uint32_t mode) noe
 // Takes the first events' values of all leaves; false when one has none.
 bool GatherFirst(ISignalContainer& members, int depth, ArrayValue& value) noexcept {
     const int count = members.GetCount();
-    bool good = depth <= corv::signals::kMostNesting;
+    bool good = depth <= corv::tree::kMostNesting;
     for (int i = 0; good && i < count; ++i) {
         ISignal* member = nullptr;
         if (FAILED(members.GetAt(static_cast<std::uint32_t>(i), &member))) {

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "platform/guard.h"
-#include "signals/nesting.h"
+#include "tree/nesting.h"
 #include "typeinfo/fixed_text.h"
 #include "typeinfo/type_access.h"
 #include "typeinfo/value_text.h"
@@ -66,7 +66,7 @@ ValueTextPass::ValueTextPass(ValueTexts& texts) noexcept
     }
     start_ = texts.position;
     ++texts.nesting;
-    texts.failed = texts.failed || texts.nesting > kMostNesting;
+    texts.failed = texts.failed || texts.nesting > tree::kMostNesting;
 }
 
 ValueTextPass::~ValueTextPass() {

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "corv/signals/hierarchy_separator.h"
 #include "platform/ascii.h"
+#include "util/hierarchy_separator.h"
 
 namespace corv::stimulus {
 namespace {
 
 bool IsSeparator(char c) noexcept {
-    return c == '.' || c == '/' || c == HierarchySeparator();
+    return c == '.' || c == '/' || c == util::HierarchySeparator();
 }
 
 constexpr char RoundBracket(char c) noexcept {
@@ -25,7 +25,7 @@ public:
 
     bool At(std::string_view name, std::size_t place) const noexcept {
         const char c = name[place];
-        return c == HierarchySeparator() || (plain_ && IsSeparator(c)) ||
+        return c == util::HierarchySeparator() || (plain_ && IsSeparator(c)) ||
                (member_ && place == 0 && c == '.');
     }
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "containers/running_operations.h"
 #include "corv/stremo/stream_error.h"
+#include "signals/loads.h"
 #include "tests/containers/container_support.h"
 #include "tests/containers/fake_reader.h"
 #include "tests/containers/fake_writer.h"
@@ -210,7 +210,7 @@ TEST(TreePersistence, LoadsFromAReader) {
         EXPECT_EQ(container->LoadFromReader(&reader), row[2] == "ok" ? S_OK : E_FAIL) << row[1];
         EXPECT_EQ(row[2] == "ok" || row[2] == LastStreamError(), true) << LastStreamError();
         EXPECT_EQ(TextOf(*container), row[3]) << row[1];
-        EXPECT_EQ(containers::Running().reader_load, nullptr);
+        EXPECT_EQ(tree::Running().reader_load, nullptr);
     }
 }
 
@@ -273,7 +273,7 @@ TEST(TreePersistence, DoesNotBelieveAReadersCounts) {
         EXPECT_EQ(TextOf(*container), "a=1");
     }
     FakeReader reader;
-    containers::ReaderLoad load(reader);
+    signals::ReaderLoad load(reader);
     for (int i = 0; i < 1'100'000; ++i) {
         ASSERT_TRUE(load.Enter(0, 7));
     }

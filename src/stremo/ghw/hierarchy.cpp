@@ -4,7 +4,7 @@
 #include <bit>
 #include <limits>
 
-#include "corv/signals/hierarchy_separator.h"
+#include "util/hierarchy_separator.h"
 
 namespace corv::ghw {
 namespace {
@@ -128,7 +128,7 @@ void Hierarchy::OpenScope(std::string_view name) {
     // what is too long for a name stays so until the scope ends
     if (path_.size() <= kMostCharacters && !name.empty() && budget_.Take(name.size())) {
         path_ += name;
-        path_ += HierarchySeparator();
+        path_ += util::HierarchySeparator();
     }
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "corv/signals/hierarchy_separator.h"
+#include "util/hierarchy_separator.h"
 
 namespace corv::vcd {
 namespace {
@@ -46,7 +46,7 @@ public:
             return;
         }
         if (!path_.empty() && !name.empty()) {
-            path_ += HierarchySeparator();
+            path_ += util::HierarchySeparator();
         }
         path_ += name;
     }
@@ -64,7 +64,8 @@ public:
         if (too_deep_ > 0 || path_.size() + name.size() >= kLongestName) {
             return {};
         }
-        return path_.empty() ? std::string(name) : path_ + HierarchySeparator() + std::string(name);
+        return path_.empty() ? std::string(name)
+                             : path_ + util::HierarchySeparator() + std::string(name);
     }
 
 private:

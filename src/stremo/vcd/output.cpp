@@ -4,10 +4,10 @@
 #include <charconv>
 #include <optional>
 
-#include "corv/signals/hierarchy_separator.h"
 #include "corv/typeinfo/type_info.h"
 #include "corv/util/extended_id.h"
 #include "platform/ascii.h"
+#include "util/hierarchy_separator.h"
 
 namespace corv::vcd {
 namespace {
@@ -168,7 +168,7 @@ OutputTree::OutputTree(stremo::IEventsStreamRead& reader, const VcdOptions& opti
             continue;
         }
         top_level_.push_back(signal.handle);
-        std::vector<std::string> scopes = SplitName(signal.name, HierarchySeparator());
+        std::vector<std::string> scopes = SplitName(signal.name, util::HierarchySeparator());
         const std::string name = std::move(scopes.back());
         scopes.pop_back();
         EnterScopes(scopes);

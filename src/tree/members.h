@@ -4,7 +4,7 @@
 
 #include "corv/containers/signal_container.h"
 
-namespace corv::signals {
+namespace corv::tree {
 
 // Calls an action with each member of a container, in order; none without a container.
 template <class Action>
@@ -18,4 +18,4 @@ void ForEachMember(ISignalContainer* members, Action action) {
     }
 }
 
-}  // namespace corv::signals
+}  // namespace corv::tree

@@ -6,7 +6,7 @@
 
 #include "corv/signals/byte_stream.h"
 
-namespace corv::containers {
+namespace corv::tree {
 
 // The counts and lengths of a saved tree: 2 bytes, little-endian.
 
@@ -27,4 +27,4 @@ inline HRESULT ReadNumber(IByteStream& stream, std::size_t& number) {
     return result;
 }
 
-}  // namespace corv::containers
+}  // namespace corv::tree

@@ -1,8 +1,8 @@
 #pragma once
 
-namespace corv::signals {
+namespace corv::tree {
 
 // Members of members are followed so deep and no deeper; types nest far less.
 inline constexpr int kMostNesting = 256;
 
-}  // namespace corv::signals
+}  // namespace corv::tree

@@ -3,13 +3,23 @@
 #include <cstdint>
 #include <vector>
 
-namespace corv::containers {
+namespace corv::tree {
 
-class HandleManager;
+struct Listing;
+
+// What lists signals by handle, as their listings see it.
+class Lister {
+public:
+    // Removes one entry, without reporting it to the signal.
+    virtual void Drop(const Listing& listing) noexcept = 0;
+
+protected:
+    ~Lister() = default;
+};
 
 // One entry of a signal in a handle manager.
 struct Listing {
-    HandleManager* manager;
+    Lister* manager;
     int handle;            // under which it stands there
     std::uint64_t number;  // its place among the entries of that handle
 };
@@ -24,18 +34,18 @@ public:
     ~Listings();
 
     // Null when there is none. A place that is found is valid until the next change.
-    const Listing* Find(const HandleManager& manager, int handle) const noexcept;
+    const Listing* Find(const Lister& manager, int handle) const noexcept;
     // Throws, with nothing changed, without memory.
     void Add(const Listing& listing) { entries_.push_back(listing); }
     void Remove(const Listing& listing) noexcept;
     // Takes the signal out of a manager.
-    void Leave(HandleManager& manager) noexcept;
+    void Leave(Lister& manager) noexcept;
     // Forgets a manager, which is told nothing.
-    void Forget(const HandleManager& manager) noexcept;
+    void Forget(const Lister& manager) noexcept;
     bool IsEmpty() const noexcept { return entries_.empty(); }
 
 private:
     std::vector<Listing> entries_;
 };
 
-}  // namespace corv::containers
+}  // namespace corv::tree

@@ -3,72 +3,19 @@
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <utility>
 
 #include "corv/containers/signal_container.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/signals/byte_stream.h"
 #include "corv/signals/property_map.h"
 #include "corv/signals/signal.h"
-#include "signals/nesting.h"
+#include "tree/running_operations.h"
 
 namespace stremo {
 class IEventsStreamRead;
 }
 
-// Operations that go down a tree do so through the interfaces of its signals, which tell nothing of
-// how deep they are already. What they must know of themselves to end on any tree, stream and
-// recording stands here.
-namespace corv::containers {
-
-class LoadStream;
-class ReaderLoad;
-
-// The state of the operations that are running now on a thread.
-struct RunningOperations {
-    LoadStream* load = nullptr;
-    ReaderLoad* reader_load = nullptr;
-    int save_depth = 0;
-    int find_depth = 0;
-    int pass_on_depth = 0;
-    int descent_depth = 0;
-    std::uint64_t pass_on_number = 0;
-};
-RunningOperations& Running() noexcept;
-
-// One level more of an operation, for as long as it lives.
-class Level {
-public:
-    explicit Level(int& depth) noexcept : depth_(++depth) {}
-    Level(const Level&) = delete;
-    Level& operator=(const Level&) = delete;
-    ~Level() { --depth_; }
-
-    bool IsAllowed() const noexcept { return depth_ <= signals::kMostNesting; }
-
-private:
-    int& depth_;
-};
-
-// One signal's part in an operation that each signal passes on to its members. It ends on any tree,
-// also on one that contains itself: `is_running` is the signal's own.
-class Descent {
-public:
-    explicit Descent(bool& is_running) noexcept
-        : level_(Running().descent_depth),
-          is_running_(is_running),
-          was_running_(std::exchange(is_running, true)) {}
-    Descent(const Descent&) = delete;
-    Descent& operator=(const Descent&) = delete;
-    ~Descent() { is_running_ = was_running_; }
-
-    bool IsAllowed() const noexcept { return level_.IsAllowed() && !was_running_; }
-
-private:
-    const Level level_;
-    bool& is_running_;
-    const bool was_running_;
-};
+namespace corv::signals {
 
 // Makes the std_logic signals that loaded ones begin as: the first in full, the others like it.
 class StdLogicMaker {
@@ -92,7 +39,7 @@ public:
     explicit LoadStream(IByteStream& stream) noexcept;
     LoadStream(const LoadStream&) = delete;
     LoadStream& operator=(const LoadStream&) = delete;
-    ~LoadStream() { Running().load = outer_; }
+    ~LoadStream() { tree::Running().load = outer_; }
 
     // Not counted: the load outlives all use of it.
     HRESULT CORV_CALL QueryInterface(const GUID&, void**) noexcept override {
@@ -132,7 +79,7 @@ public:
     explicit ReaderLoad(stremo::IEventsStreamRead& reader) noexcept;
     ReaderLoad(const ReaderLoad&) = delete;
     ReaderLoad& operator=(const ReaderLoad&) = delete;
-    ~ReaderLoad() { Running().reader_load = outer_; }
+    ~ReaderLoad() { tree::Running().reader_load = outer_; }
 
     bool IsOf(const stremo::IEventsStreamRead& reader) const noexcept {
         return &reader == &reader_;
@@ -155,7 +102,7 @@ private:
     int depth_ = 0;
     int signals_ = 0;
     bool is_refused_ = false;
-    std::array<int, signals::kMostNesting> way_{};  // the handles of the signals that are loaded
+    std::array<int, tree::kMostNesting> way_{};  // the handles of the signals that are loaded
 };
 
-}  // namespace corv::containers
+}  // namespace corv::signals

@@ -1,4 +1,4 @@
-#include "containers/running_operations.h"
+#include "signals/loads.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,18 +8,12 @@
 #include "signals/signal.h"
 #include "stremo/stream_error.h"
 
-namespace corv::containers {
+namespace corv::signals {
 namespace {
 
 constexpr std::uint32_t kStdLogic = 1;  // the number of the standard type
 
-constinit thread_local RunningOperations running;
-
 }  // namespace
-
-RunningOperations& Running() noexcept {
-    return running;
-}
 
 HRESULT StdLogicMaker::Make(ISignal** signal) noexcept {
     HRESULT result = first_ ? S_OK : CreateStdSignal(kStdLogic, nullptr, first_.Out());
@@ -40,7 +34,7 @@ void StdLogicMaker::ContinueFrom(ISignal& signal) noexcept {
 }
 
 LoadStream::LoadStream(IByteStream& stream) noexcept
-    : stream_(stream), outer_(std::exchange(running.load, this)) {}
+    : stream_(stream), outer_(std::exchange(tree::Running().load, this)) {}
 
 bool LoadStream::SkipEmptyList() noexcept {
     std::array<unsigned char, 2> count{};
@@ -67,11 +61,11 @@ HRESULT CORV_CALL LoadStream::Write(const void* buffer, std::uint32_t length) {
 }
 
 ReaderLoad::ReaderLoad(stremo::IEventsStreamRead& reader) noexcept
-    : reader_(reader), outer_(std::exchange(running.reader_load, this)) {}
+    : reader_(reader), outer_(std::exchange(tree::Running().reader_load, this)) {}
 
 bool ReaderLoad::Enter(int depth, int handle) noexcept {
     const auto end = way_.begin() + depth;
-    const char* const problem = depth == signals::kMostNesting ? "signals are nested too deep"
+    const char* const problem = depth == tree::kMostNesting ? "signals are nested too deep"
                                 : std::find(way_.begin(), end, handle) != end
                                     ? "a signal is a member of itself"
                                 : signals_ == kMostSignals ? "there are too many signals"
@@ -92,4 +86,4 @@ void ReaderLoad::Refuse(const char* why) noexcept {
     is_refused_ = true;
 }
 
-}  // namespace corv::containers
+}  // namespace corv::signals

@@ -1,10 +1,8 @@
-#include "containers/listings.h"
+#include "tree/listings.h"
 
 #include <algorithm>
 
-#include "containers/handle_manager.h"
-
-namespace corv::containers {
+namespace corv::tree {
 
 Listings::~Listings() {
     for (const Listing& listing : entries_) {
@@ -12,7 +10,7 @@ Listings::~Listings() {
     }
 }
 
-const Listing* Listings::Find(const HandleManager& manager, int handle) const noexcept {
+const Listing* Listings::Find(const Lister& manager, int handle) const noexcept {
     const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Listing& listing) {
         return listing.manager == &manager && listing.handle == handle;
     });
@@ -23,7 +21,7 @@ void Listings::Remove(const Listing& listing) noexcept {
     entries_.erase(entries_.begin() + (&listing - entries_.data()));
 }
 
-void Listings::Leave(HandleManager& manager) noexcept {
+void Listings::Leave(Lister& manager) noexcept {
     for (const Listing& listing : entries_) {
         if (listing.manager == &manager) {
             manager.Drop(listing);
@@ -32,8 +30,8 @@ void Listings::Leave(HandleManager& manager) noexcept {
     Forget(manager);
 }
 
-void Listings::Forget(const HandleManager& manager) noexcept {
+void Listings::Forget(const Lister& manager) noexcept {
     std::erase_if(entries_, [&](const Listing& listing) { return listing.manager == &manager; });
 }
 
-}  // namespace corv::containers
+}  // namespace corv::tree

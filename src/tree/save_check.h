@@ -4,7 +4,7 @@
 
 #include "corv/signals/byte_stream.h"
 
-namespace corv::containers {
+namespace corv::tree {
 
 // A stream that takes everything and keeps nothing. A tree is written to it first, so that one that
 // could not be loaded again is refused before the first byte goes to the host.
@@ -24,4 +24,4 @@ public:
     HRESULT CORV_CALL Write(const void*, std::uint32_t) noexcept override { return S_OK; }
 };
 
-}  // namespace corv::containers
+}  // namespace corv::tree

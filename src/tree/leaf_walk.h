@@ -4,9 +4,9 @@
 
 #include "corv/containers/signal_container.h"
 #include "corv/signals/signal.h"
-#include "signals/nesting.h"
+#include "tree/nesting.h"
 
-namespace corv::containers {
+namespace corv::tree {
 
 // A walk over the leaves of a subtree, depth first. It ends on any tree, also on one that contains
 // itself: it goes only so deep and visits only so many signals.
@@ -20,7 +20,7 @@ public:
         if (members == nullptr) {
             return leaf(signal);
         }
-        if (depth_ == signals::kMostNesting) {
+        if (depth_ == kMostNesting) {
             return true;
         }
         ++depth_;
@@ -40,4 +40,4 @@ private:
     int left_ = 4 * 1'048'576;  // more than a type or a recording makes
 };
 
-}  // namespace corv::containers
+}  // namespace corv::tree
