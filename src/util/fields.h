@@ -5,8 +5,7 @@
 #include <string_view>
 
 // Text records split at a separator by the rules of strtok: runs of separators count as one, so
-// there are no empty fields. Numbers are read by the rules of atoi and atof in the C locale, which
-// hosts have always relied on.
+// there are no empty fields. Numbers are read by the rules of atoi and atof in the C locale.
 namespace corv::util {
 
 class FieldReader {
