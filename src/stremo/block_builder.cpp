@@ -12,7 +12,7 @@ namespace {
 
 // A search reads at most one block, so blocks should be small; but each has the values of all
 // channels at its start, so with many channels small blocks would be mostly starting values. Two
-// changes per channel keep these below about half of a block.
+// changes per channel balance the two.
 constexpr std::size_t kLeastBlock = 4096;
 constexpr std::size_t kLargestBlock = std::size_t{1} << 22;
 
