@@ -72,7 +72,8 @@ std::size_t BusFormula::PositionOf(std::size_t at) const {
                : last.position + last.written.size() + at - last.at - last.length;
 }
 
-// The place, and a value that the sentence quotes.
+// Translates a problem of the converted text back to the formula: its place, and any value that its
+// sentence quotes.
 void BusFormula::MoveBack(FormulaProblem& problem) const {
     const std::size_t begin = PositionOf(problem.position);
     const std::size_t end = problem.position + problem.length;

@@ -36,7 +36,7 @@ bool ReadWhole(std::string_view text, Number& number) {
     return !text.empty() && read.ec == std::errc() && read.ptr == text.data() + text.size();
 }
 
-// A decimal number times a size, when that is whole and fits.
+// Returns a decimal number times a size if that is whole and fits.
 std::optional<std::int64_t> Times(std::string_view number, std::int64_t size) {
     const std::size_t point = std::min(number.find('.'), number.size());
     std::string digits(number.substr(0, point));

@@ -33,7 +33,7 @@ char Bare(std::string_view text) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-// Appends what holds from a time on; what held before ends there.
+// Appends the value that holds from a time on, where the one before it ends.
 void Append(Lane& lane, std::int64_t from, ShownValue value, std::int64_t end) {
     if (!lane.segments.empty()) {
         if (lane.segments.back().from == from) {
@@ -131,8 +131,8 @@ private:
         return next;
     }
 
-    // Single changes beside Activity belong to it: edges between dense marks would look like a slow
-    // signal that isn't there.
+    // Single changes next to Activity become part of it: edges between dense bands would look like
+    // a slow signal that does not exist.
     void JoinActivity() {
         std::vector<Segment> segments;
         std::swap(segments, lane_.segments);
@@ -152,8 +152,8 @@ private:
         }
     }
 
-    // The first run of columns with changes, from a column border on, that has Activity; an empty
-    // window when there is none.
+    // Returns the first run of columns with changes, from a column border on, that contains
+    // Activity; an empty window if there is none.
     TimeWindow NextRun(std::int64_t border) {
         for (auto first = At(grid_.Column(border)); first != marks_.end();) {
             const auto end = std::find(first, marks_.end(), Mark::Nothing);
@@ -165,7 +165,7 @@ private:
         return {window_.end, window_.end};
     }
 
-    // After the column of the last time that something is known of there is no value.
+    // Removes everything after the column of the last known time.
     void EndWithKnowledge() {
         const std::int64_t known = trace_.known_until.value_or(window_.end);
         const std::int64_t end =

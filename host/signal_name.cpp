@@ -42,7 +42,7 @@ std::string FullName(ISignal& signal) {
 // "a(7 downto 4)" or "a[7:4]" as its parts.
 struct SliceName {
     std::string base;
-    std::string text;  // what stands behind it, "(7 downto 4)"
+    std::string text;  // what follows it, "(7 downto 4)"
     int left = 0;
     int right = 0;
 };
@@ -83,7 +83,7 @@ std::optional<SliceName> ReadSlice(std::string_view name) {
     return std::nullopt;
 }
 
-// Gives the scalars of one signal the waves of another one of the same type.
+// Makes the scalars of one signal share the waves of another one of the same type.
 bool ShareWaves(ISignal& signal, ISignal& original) {
     const std::vector<ISignal*> leaves = LeavesOf(signal);
     const std::vector<ISignal*> originals = LeavesOf(original);
@@ -95,7 +95,7 @@ bool ShareWaves(ISignal& signal, ISignal& original) {
     return shared;
 }
 
-// A signal of some elements of an array, which has their waves.
+// Makes a signal of some elements of an array, which shares their waves.
 frame::ComPtr<ISignal> MakeSlice(ISignal& array, const SliceName& slice) {
     const KTypeInfo type{CString(array.GetTypeInfo())};
     const std::int64_t count = std::abs(std::int64_t{slice.left} - slice.right) + 1;
@@ -128,8 +128,7 @@ frame::ComPtr<ISignal> MakeSlice(ISignal& array, const SliceName& slice) {
     return made;
 }
 
-// Searches for a name, written exactly so first, among the signals of a container before among
-// their members.
+// Searches for a name: exact matches first, and signals of a container before their members.
 class NameSearch {
 public:
     explicit NameSearch(std::string_view name) : shown_(ShownName(name)), plain_(PlainName(name)) {}
@@ -160,7 +159,7 @@ private:
     std::array<ISignal*, 4> found_{};
 };
 
-// Takes the signals that match a pattern; below one that does not, its members that do.
+// Takes the signals that match a pattern and, below one that does not, the members that do.
 class PatternSearch {
 public:
     explicit PatternSearch(const NamePattern& pattern) : pattern_(pattern) {}
@@ -195,7 +194,7 @@ private:
             NamePattern::State state = before;
             pattern_.Advance(state, own.substr(0, 1), true);
             if (state.empty()) {
-                return;  // as for all of them
+                return;  // no other member can match either
             }
             state = before;
             pattern_.Advance(state, own, true);
@@ -220,7 +219,7 @@ std::vector<NamedSignal> FindMatching(ISignalContainer& signals, std::string_vie
     return selected;
 }
 
-// Names of signals, each followed by those of its fields.
+// Adds names of signals, each followed by those of its fields.
 void AddNames(ISignalContainer& signals, std::size_t most, std::vector<std::string>& names) {
     ISignal* signal = nullptr;
     for (std::uint32_t i = 0; SUCCEEDED(signals.GetAt(i, &signal)) && names.size() < most; ++i) {

@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
-// Times as users write and read them. A time is a number of picoseconds from 0 on.
+// Times as users write and read them. A time is a number of picoseconds, 0 or more.
 namespace corv::host {
 
 inline constexpr unsigned kPicosecond = 1;  // a unit identifier of corv/util/time_units.h
 
-// A time, or one sentence about what keeps the text from being one.
+// A time, or a sentence about why the text is not one.
 struct TimeReading {
     std::optional<std::int64_t> time;
     std::string problem;

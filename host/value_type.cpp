@@ -47,7 +47,7 @@ bool IsIdentifier(const std::string& text) {
     });
 }
 
-// A builder's string, by asking for its size first.
+// Returns a builder's string, asking for its size first.
 std::string Built(const std::function<HRESULT(char*, std::uint32_t*)>& build) {
     std::uint32_t size = 0;
     build(nullptr, &size);
@@ -92,7 +92,7 @@ std::optional<std::string> InferType(const std::set<std::string>& values) {
     if (all(IsReal)) {
         return kReal;
     }
-    std::set<std::string> names;  // the same without regard to case
+    std::set<std::string> names;  // enumerations do not distinguish case
     for (const std::string& value : values) {
         CString lower(value);
         lower.MakeLower();
