@@ -12,8 +12,8 @@ namespace {
 constexpr unsigned kSecond = 5;
 constexpr unsigned kMinute = 6;
 constexpr unsigned kHour = 7;
-constexpr std::int64_t kMostDigits =
-    1'000'000'000'000'000;        // above it, labels keep the step's unit
+// Labels from here on keep the unit of the step, however long they get.
+constexpr std::int64_t kMostDigits = 1'000'000'000'000'000;
 constexpr std::int64_t kGap = 2;  // characters between two labels
 
 void AddSteps(std::vector<std::int64_t>& steps, unsigned unit,
