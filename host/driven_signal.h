@@ -28,8 +28,8 @@ std::vector<std::string> Elements(const std::string& value, Shape shape);
 
 using LeafBytes = std::array<unsigned char, 8>;  // a stored value, padded with zeros
 
-// A signal whose wave, or whose elements' waves, contain what a source did. Going through a signal
-// gives the values of formulas the checks and the spelling that recorded values have.
+// A signal whose wave, or whose elements' waves, contain what a source did. Because formulas go
+// through a signal, their values are checked and spelt like recorded ones.
 class DrivenSignal {
 public:
     // Makes a signal and drives it with what was recorded in a window from `start` on. The value

@@ -13,7 +13,7 @@
 namespace corv::typeinfo {
 namespace {
 
-// A number with its sign, without the blank that may stand between them.
+// Takes a number with its sign, without the blank that may be between them.
 std::optional<std::string> TakeNumber(VhdlCursor& cursor, std::string_view& place) {
     const std::string_view sign = cursor.Next().text;
     std::string number;

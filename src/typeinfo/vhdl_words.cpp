@@ -133,8 +133,8 @@ bool IsNamePart(char c) noexcept {
     return IsNameStart(c) || platform::IsDigit(c) || c == '_';
 }
 
-// How many bytes of a no-break space stand first: one in Latin-1, two in UTF-8. Its last byte may
-// also end another character of UTF-8; that is told by the byte before it.
+// Returns the length of the no-break space at a place: one byte in Latin-1, two in UTF-8, else 0.
+// Its last byte can also end another character of UTF-8; the byte before it decides.
 std::size_t NoBreakSpace(std::string_view text, std::size_t at = 0) noexcept {
     const bool follows = at > 0 && static_cast<unsigned char>(text[at - 1]) >= 0x80;
     return text.substr(at).starts_with("\xC2\xA0")           ? 2
@@ -150,7 +150,8 @@ std::size_t NameLength(std::string_view text) noexcept {
     return i;
 }
 
-// Letters and all that may stand in a number, so that a misspelt one stays one word.
+// Accepts letters and everything that can be part of a number, so that a misspelt number stays one
+// word.
 std::size_t NumberLength(std::string_view text) noexcept {
     bool based = false;
     std::size_t i = 1;

@@ -42,7 +42,7 @@ std::optional<std::uint64_t> ReadDigits(std::string_view text, unsigned radix,
     return before == '_' ? std::nullopt : std::optional(number);
 }
 
-// The same with a sign in front; a negative number goes down to -2^63.
+// Does the same with a sign before the digits; a negative number can be as low as -2^63.
 std::optional<std::int64_t> ReadSigned(std::string_view text, unsigned radix,
                                        bool underscores) noexcept {
     const bool negative = text.starts_with('-');

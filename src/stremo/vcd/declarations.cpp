@@ -88,7 +88,7 @@ public:
     Declarations Read();
 
 private:
-    // The shape that a declaration gives.
+    // The shape that a declaration describes.
     struct Shape {
         Kind kind;
         std::uint64_t width;
