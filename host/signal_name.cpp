@@ -1,3 +1,6 @@
+// Finds signals by the names that users type: in either letter case, with either kind of brackets,
+// with wildcards, and with slices of vectors.
+
 #include "host/signal_name.h"
 
 #include <algorithm>
@@ -30,6 +33,7 @@ std::string FullName(ISignal& signal) {
     if (SUCCEEDED(signal.GetFullName(name.data(), name.size()))) {
         return name.data();
     }
+    // GetFullName does not say how long a name is, so larger and larger buffers are tried.
     for (std::size_t size = kUsualName * 8; size <= kLongestName; size *= 8) {
         std::string longer(size, '\0');
         if (SUCCEEDED(signal.GetFullName(longer.data(), static_cast<std::uint32_t>(size)))) {
@@ -90,6 +94,7 @@ bool ShareWaves(ISignal& signal, ISignal& original) {
     bool shared = leaves.size() == originals.size();
     for (std::size_t i = 0; shared && i < leaves.size(); ++i) {
         shared = SUCCEEDED(leaves[i]->SetWave(originals[i]->GetWave()));
+        // events are loaded by handle, for slices as for other signals
         leaves[i]->SetHandle(originals[i]->GetHandle());
     }
     return shared;
@@ -97,6 +102,8 @@ bool ShareWaves(ISignal& signal, ISignal& original) {
 
 // Makes a signal of some elements of an array, which shares their waves.
 frame::ComPtr<ISignal> MakeSlice(ISignal& array, const SliceName& slice) {
+    // The type of the slice is the array's with another range. Its elements get the names of those
+    // in the array, by which the originals are found.
     const KTypeInfo type{CString(array.GetTypeInfo())};
     const std::int64_t count = std::abs(std::int64_t{slice.left} - slice.right) + 1;
     if (array.GetSubSignals() == nullptr || type.GetNbOfDimensions() != 1 ||
@@ -192,6 +199,7 @@ private:
             const std::string_view own =
                 std::string_view(name).substr(std::min(parent.size(), name.size()));
             NamePattern::State state = before;
+            // the first character, a separator or a parenthesis, is the same for all members
             pattern_.Advance(state, own.substr(0, 1), true);
             if (state.empty()) {
                 return;  // no other member can match either
@@ -272,6 +280,7 @@ std::vector<NamedSignal> SelectSignals(ISignalContainer& signals, const std::str
             return slices;
         }
     }
+    // a[3] is an element if there is one, else a set of characters
     for (const auto brackets : {NamePattern::Brackets::Elements, NamePattern::Brackets::Sets}) {
         const NamePattern compiled(pattern, brackets);
         auto selected = compiled.HasWildcards() ? PatternSearch(compiled).In(signals)

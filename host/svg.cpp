@@ -212,6 +212,8 @@ private:
                 "\" rx=\"6\"/>\n";
     }
 
+    // Draws the grid, the ruler and its labels; a label that would pass the right border is left
+    // out.
     void DrawAxis(std::int64_t bottom) {
         const std::int64_t line = top_ + kAxisHeight - 8;
         std::string grid;
@@ -244,6 +246,9 @@ private:
                Decimal(from) + "Z";
     }
 
+    // Draws one signal. Paths are collected by ink, so that a signal becomes a few elements however
+    // many segments it has. If a binary value has no room, all values of the lane become
+    // hexadecimal, so that no lane mixes both.
     void DrawLane(const Lane& lane, std::int64_t y) {
         const std::int64_t base = y + kWaveHeight / 2 + 4;
         Text("name text", kMargin * 100, base,
@@ -321,6 +326,7 @@ private:
         return path + "H" + Decimal(to);
     }
 
+    // Returns the outline of a bus value, a hexagon whose slopes shrink if it is narrow.
     static std::string RailsPath(std::int64_t from, std::int64_t to, std::int64_t y) {
         const std::int64_t slope = std::min(kSlope, (to - from) / 2);
         const std::int64_t middle = LevelY(Level::Middle, y);
