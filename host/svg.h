@@ -13,7 +13,7 @@ struct SvgStyle {
     std::int64_t name_columns = 0;  // of the name column, in characters; see SvgNameColumns
 };
 
-// How many pixels apart changes must be to be drawn individually: a column of the lanes' grid.
+// The number of pixels between changes that are drawn individually: a column of the lanes' grid.
 inline constexpr std::int64_t kSvgColumn = 3;
 
 // The width of one character of the axis, in pixels.

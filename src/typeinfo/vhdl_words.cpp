@@ -172,7 +172,8 @@ constexpr bool EndsLine(char c) noexcept {
     return c >= '\n' && c <= '\r';
 }
 
-// Through the closing backslash, a doubled one closes nothing; 0 when the line ends before it.
+// Returns the length through the closing backslash, 0 if the line ends before it. A doubled
+// backslash is part of the name.
 std::size_t ExtendedLength(std::string_view text) noexcept {
     for (std::size_t i = 1; i < text.size() && !EndsLine(text[i]); ++i) {
         if (text[i] != '\\') {
@@ -186,7 +187,8 @@ std::size_t ExtendedLength(std::string_view text) noexcept {
     return 0;
 }
 
-// How much of the text is blanks and comments, up to a comment without its end.
+// Returns the length of the blanks and comments at the front of the text, up to a comment that does
+// not end.
 std::size_t BlankLength(std::string_view text) noexcept {
     std::size_t at = 0;
     while (at < text.size()) {
@@ -222,6 +224,7 @@ Word FirstWord(std::string_view text) noexcept {
     if (text.starts_with("/*")) {
         return {WordKind::Unclosed, text.substr(0, 2)};
     }
+    // any character can be between the apostrophes, even an apostrophe
     if (text[0] == '\'' && text.size() > 2 && text[2] == '\'' && !EndsLine(text[1])) {
         return {WordKind::Character, text.substr(0, 3)};
     }
