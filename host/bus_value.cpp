@@ -1,3 +1,7 @@
+// Reads the values that users write for a vector: bits, VHDL and Verilog literals, C prefixes and
+// numbers. Several forms look alike, so their order decides, and a doubtful reading comes with a
+// remark.
+
 #include "host/bus_value.h"
 
 #include <algorithm>
@@ -47,6 +51,7 @@ std::optional<std::string> NumberBits(std::string_view text, int radix, int widt
     if (digits.size() * least > static_cast<std::size_t>(width) + least) {
         return std::string(static_cast<std::size_t>(width) + 1, '1');
     }
+    // long multiplication, since vectors can have 65,536 bits
     std::vector<std::uint32_t> words;  // the least significant first
     for (const char digit : digits) {
         std::uint64_t carry = static_cast<std::uint64_t>(DigitValue(digit));
@@ -121,6 +126,7 @@ std::optional<Reading> ReadLiteral(std::string_view word, int width) {
     }
     const std::string_view text = word.substr(quote + 1, word.size() - quote - 2);
     std::string_view prefix = word.substr(0, quote);
+    // VHDL has only X for hexadecimal bit strings
     const int radix = LowerCase(prefix.back()) == 'h' ? 0 : RadixOf(prefix.back());
     prefix.remove_suffix(1);
     const bool sign = !prefix.empty() && (LowerCase(prefix.back()) == 's');
@@ -182,6 +188,7 @@ std::optional<char> ReadOthers(std::string_view word) {
                  [](char c) { return c != ' ' && c != '\t' && c != '\n'; });
     std::string lower = text;
     std::transform(lower.begin(), lower.end(), lower.begin(), LowerCase);
+    // the letter is the only one of the 13 characters that varies
     return lower.size() == 13 && lower.starts_with("(others=>'") && lower.ends_with("')")
                ? std::optional(text[10])
                : std::nullopt;
@@ -201,6 +208,9 @@ class Reader {
 public:
     Reader(std::string_view word, const BusType& type) : word_(word), type_(type) {}
 
+    // Forms with a mark come first, since they can be nothing else. Characters that fit exactly are
+    // taken as such before digits are tried, so that 0101 for four bits means bits and not a
+    // number.
     BusValue Read() const {
         const auto width = static_cast<std::size_t>(type_.width);
         if (auto reading = ReadLiteral(word_, type_.width)) {

@@ -40,6 +40,7 @@ public:
     void Write(std::int64_t time, const std::vector<std::string>& elements) {
         const std::size_t count = std::min(leaves_.size(), elements.size());
         for (auto& [type, known] : bytes_) {
+            // a counter has a new text at each event, and all of them would fill the memory
             if (known.size() > kMostKnown) {
                 known.clear();
             }
@@ -176,6 +177,7 @@ DrivenSignal::DrivenSignal(const Trace& recorded, std::int64_t start, Shape shap
                                           static_cast<std::uint32_t>(value.size()));
     });
     if (recorded.before) {
+        // the value before the window has to be an event for the wave to know it
         drive(start - 1, *recorded.before);
     }
     for (const Change& change : recorded.changes) {

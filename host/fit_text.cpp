@@ -185,6 +185,7 @@ std::string FitValue(std::string_view text, std::size_t width, std::string_view 
     if (text.starts_with('(')) {
         return FitElements(text, width, ellipsis);
     }
+    // a number that is cut would look like another number, so it is left out
     const bool too_narrow = width < 2 * kLeastDigits + TextWidth(ellipsis);
     return IsNumber(text) || (IsDigits(text) && too_narrow) ? std::string()
                                                             : FitText(text, width, ellipsis);
