@@ -20,9 +20,9 @@
 namespace corv::cli {
 namespace {
 
-constexpr double kLongestPeriod = 9.2e18;  // picoseconds
+constexpr double kLongestPeriod = 9.2e18;  // picoseconds; just below the largest time
 
-// A number above 0 in a unit, of time or of frequency.
+// A positive number with the identifier of its unit, of time or of frequency.
 struct Rate {
     double value = 0;
     unsigned unit = 0;
@@ -44,7 +44,7 @@ std::string Lower(std::string text) {
     return text;
 }
 
-// Reads "100MHz", "1.5 GHz"; a number alone counts Hz. Gives a complaint or nothing.
+// Reads "100MHz" or "1.5 GHz"; a number alone is in Hz. Returns a complaint or an empty text.
 std::string ReadFrequency(const std::string& text, std::optional<Rate>& frequency) {
     Rate rate;
     const char* const end = text.data() + text.size();
@@ -87,7 +87,7 @@ CClock MakeClock(const ClockOptions& options) {
     return clock;
 }
 
-// The period in picoseconds before it is cut to a whole number.
+// Returns the period in picoseconds before it is cut to a whole number.
 double ExactPeriod(const CClock& clock) {
     return clock.GetRateType() ? ChangeTime(clock.GetRateValue(), clock.GetRateUnit(), 1)
                                : PeriodFromFreq(clock.GetRateValue(), clock.GetRateUnit(), 1);
@@ -100,6 +100,7 @@ std::string Picoseconds(double value) {
     return std::string(text.data(), end.ptr) + "ps";
 }
 
+// A difference below one part in 10^9 is the rounding of the double, not a cut fraction.
 void WarnIfCut(const std::string& what, double exact, std::int64_t kept) {
     if (std::abs(exact - static_cast<double>(kept)) > 1e-9 * std::max(exact, 1.0)) {
         WriteMessage("warning", what + " of " + Picoseconds(exact) + " is cut to " +
@@ -107,7 +108,7 @@ void WarnIfCut(const std::string& what, double exact, std::int64_t kept) {
     }
 }
 
-// Compares what the formula holds with what was asked for.
+// Compares the times in the formula with those that were asked for.
 void CheckEdges(const CClock& clock, const std::string& formula) {
     CStimulus stimulus;
     stimulus.Create(formula.c_str(), 0);
@@ -125,7 +126,8 @@ void CheckEdges(const CClock& clock, const std::string& formula) {
     WarnIfCut("the first pulse", exact * clock.GetRateCycle() / 100, pulse);
 }
 
-// The record has six decimals for the rate and 32 bits for the offset.
+// Warns about what the record cannot keep: it has six decimals for the rate and 32 bits for the
+// offset.
 void CheckRecord(const CClock& clock, const CString& record) {
     CClock read;
     read.StreamIn(record);

@@ -6,20 +6,22 @@
 
 namespace corv::cli {
 
-// As diff: nothing found or all equal, something found, could not be done.
+// The exit codes, as those of diff: nothing was found, something was found, the work could not be
+// done.
 enum ExitCode { kFine = 0, kFound = 1, kFailed = 2 };
 
-// Why a command could not do its work, as a sentence; empty when it was told already.
+// The reason why a command could not do its work, as a sentence; empty if it has been reported
+// already.
 class Failure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// What the chosen command does; it gives the exit code and throws Failure.
+// Does what the chosen command is for and returns the exit code; throws Failure.
 using Action = std::function<int()>;
 
-// Each adds its command to the program's description; when the user calls it, parsing the
-// arguments sets `chosen`, which outlives the description.
+// Each of these adds its command to the program's description. If the user calls that command,
+// parsing the arguments sets `chosen`, which outlives the description.
 void AddDraw(CLI::App& program, Action& chosen);
 void AddEvents(CLI::App& program, Action& chosen);
 void AddRun(CLI::App& program, Action& chosen);
@@ -33,7 +35,7 @@ void AddSti(CLI::App& program, Action& chosen);
 void AddStates(CLI::App& program, Action& chosen);
 void AddMan(CLI::App& program, Action& chosen);
 void AddCompletion(CLI::App& program, Action& chosen);
-// The last one: it knows the commands before it.
+// This must be the last one, since it lists the commands added before it.
 void AddHelp(CLI::App& program, Action& chosen);
 
 }  // namespace corv::cli

@@ -1,3 +1,7 @@
+// Writes completion scripts for three shells. They contain the words of all commands and options;
+// only files and the signals of recordings are looked up when the user presses Tab, the latter with
+// `corv info --names`.
+
 #include <algorithm>
 #include <memory>
 
@@ -9,7 +13,8 @@
 namespace corv::cli {
 namespace {
 
-// Shell scripts are written from these texts, in which single quotes would end a quoted word.
+// Puts a text in single quotes for a shell script. A quote in the text would end the quoted word,
+// so it is replaced by `quote`, which each shell spells differently.
 std::string Quote(std::string_view text, std::string_view quote) {
     std::string out = "'";
     for (const char c : text) {
@@ -34,7 +39,7 @@ std::vector<std::string> NamesOf(const OptionInfo& option) {
     return names;
 }
 
-// What may stand next: commands, options and the words of an operand.
+// Returns the words that may come next: commands, the words of an operand, and options.
 std::vector<std::string> WordsOf(const CommandInfo& command) {
     std::vector<std::string> words;
     for (const CommandInfo& inner : command.commands) {
@@ -80,8 +85,9 @@ std::string BashValues(const CommandInfo& command) {
     return out;
 }
 
-// What the completion for bash calls. Names of signals are never expanded by the shell; those of
-// files and of signals are quoted when they are inserted.
+// The functions that the completion for bash calls. The names of signals do not pass through
+// compgen -W, which would expand what is in them. The option filenames makes bash quote the names
+// of files and signals when it inserts them.
 constexpr std::string_view kBashHelpers = R"shell(# bash completion of corv
 _corv_files() {  # what they begin with; whether something follows them
     local IFS=$'\n'
@@ -108,7 +114,7 @@ _corv_signals() {  # the recording; what their names begin with
 }
 )shell";
 
-// Behind "--replay FILE:" the shell sees the colon as a word of its own.
+// Bash splits words at colons, so "--replay FILE:" ends in a word that is only a colon.
 constexpr std::string_view kBashReplay = R"shell(    if [[ $prev == : || $cur == : ]]; then
         local at=$((COMP_CWORD - 1))
         [[ $cur == : ]] && cur= || at=$((at - 1))
@@ -157,7 +163,7 @@ std::string Bash(const CommandInfo& program) {
            "complete -F _corv corv\n";
 }
 
-// A text inside an argument of _arguments: brackets and colons divide it.
+// Escapes a text inside an argument of zsh's _arguments, which is divided by brackets and colons.
 std::string ZshText(std::string_view text) {
     std::string out;
     for (const char c : text) {
@@ -258,7 +264,8 @@ std::string Zsh(const CommandInfo& program) {
     return out + "_corv \"$@\"\n";
 }
 
-// When a command of the path was given and none of the commands under it.
+// Returns the start of a line that applies if all commands of the path were given and none of the
+// commands under it.
 std::string FishCondition(const CommandInfo& command) {
     std::string seen = "true";
     const std::string below = command.path.substr(std::min<std::size_t>(5, command.path.size()));

@@ -54,7 +54,7 @@ std::vector<host::NamedSignal> SelectWhole(const host::Recording& recording,
     return selected;
 }
 
-// OUT, or what -o says.
+// Returns the output, which can be named by OUT or by -o but not by both.
 const std::string& OutputOf(const ConvertCommand& command) {
     if (command.output.empty() == command.other_output.empty()) {
         throw Failure(command.output.empty()

@@ -24,7 +24,7 @@ constexpr KindRow kKinds[] = {
     {"one-hot", Info::OneHot}, {"one-cold", Info::OneCold},
 };
 
-// A number as it is written, with its radix.
+// A number with the radix in which it was written.
 struct BasedNumber {
     std::int64_t value = 0;
     int radix = 10;
@@ -41,7 +41,7 @@ struct CounterOptions {
     bool json = false;
 };
 
-// A decimal number or a based literal; a complaint when the word is neither.
+// Reads a decimal number or a based literal; returns a complaint if the word is neither.
 std::string ReadNumber(const std::string& word, BasedNumber& number) {
     c_decConverter converter;
     const std::size_t mark = word.find('#');
@@ -54,7 +54,7 @@ std::string ReadNumber(const std::string& word, BasedNumber& number) {
     return {};
 }
 
-// The number's digits in a radix; only decimal ones have a sign.
+// Writes a number in a radix. Only decimal numbers have a sign; other radixes show the 64 bits.
 std::string Digits(std::int64_t value, int radix) {
     char digits[70];
     char* const end = digits + sizeof digits;
@@ -81,7 +81,7 @@ int RunCounter(const CounterOptions& options) {
     info.SetIncrementBy(Digits(options.step.value, options.start.radix).c_str());
     info.SetCountPeriod(host::TimeText(*options.period).c_str());
     info.SetReverseBitOrder(options.reverse);
-    char text[512];  // three numbers of 64 bits and the keys
+    char text[512];  // enough for three numbers of 64 bits and the keys
     if (!info.GenerateFormula(text, sizeof text)) {
         throw Failure("the formula cannot be written");
     }

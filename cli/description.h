@@ -5,25 +5,27 @@
 #include <string_view>
 #include <vector>
 
-// The program's arguments as plain data, read from the argument parser's own description: the one
-// source of the help texts, the man page and the completions.
+// The program's arguments as plain data, read from the argument parser's own description. The help
+// texts, the man page and the completions are all made from it, so that they cannot disagree.
 namespace corv::cli {
 
 struct OptionInfo {
     std::string short_name;  // "-f", may be empty
-    std::string long_name;   // "--formula"; of an operand its name, "TEXT"
-    std::string value;       // what stands behind it, "FILE"; empty for a flag
+    std::string long_name;   // "--formula"; for an operand its name, "TEXT"
+    std::string value;       // what follows it, "FILE"; empty for a flag
     std::string text;
     bool required = false;
     bool repeatable = false;
 
-    // The words that the value is one of: value "a|b" names them, any other value names none.
+    // Returns the words that the value can be: those of "a|b"; none if the value is not such a
+    // list.
     std::vector<std::string> Choices() const;
     bool IsFile() const { return value == "FILE"; }
-    // A signal of the recording among the operands, and one behind its recording.
+    // Return whether the value is a signal of the recording among the operands, and whether it is a
+    // recording with a signal after it.
     bool IsSignal() const { return value == "GLOB"; }
     bool IsRecordedSignal() const { return value == "FILE:SIGNAL"; }
-    // Both names, "-f, --formula".
+    // Returns both names, "-f, --formula".
     std::string Names() const;
 };
 
@@ -37,16 +39,16 @@ struct CommandInfo {
     std::vector<OptionInfo> operands;
     std::vector<CommandInfo> commands;
 
-    // How it is called: "corv formula check [OPTION]... TEXT".
+    // Returns how it is called: "corv formula check [OPTION]... TEXT".
     std::string Usage() const;
 };
 
 CommandInfo Describe(const CLI::App& app);
 
-// The command and all commands under it, in their order.
+// Returns the command and all commands under it, in their order.
 std::vector<const CommandInfo*> AllCommands(const CommandInfo& program);
 
-// What the help of the program and the man page tell besides.
+// Texts that the help of the program and the man page have in addition.
 struct Section {
     std::string_view title;
     std::string_view text;

@@ -16,9 +16,11 @@
 namespace corv::cli {
 namespace {
 
-constexpr std::size_t kCompactFrom = 25;  // signals
+// From this many signals a drawing with empty lines between them would not fit on a screen.
+constexpr std::size_t kCompactFrom = 25;
 constexpr std::size_t kManySignals = 100;
-constexpr int kLeastPlot = 10;  // columns that a drawing in the terminal needs beside the names
+// The columns that a drawing has beside the names, even if the terminal is too narrow for it.
+constexpr int kLeastPlot = 10;
 
 struct DrawOptions : FormulaOptions {
     std::string output, svg, title;
@@ -32,7 +34,7 @@ host::Picture MakePicture(const DrawOptions& options, const Shown& shown,
     host::Picture picture{options.title, grid, std::move(ticks), {}};
     for (const host::Trace& trace : shown.ForGrid(grid)) {
         picture.lanes.push_back(host::LayOut(trace, grid));
-        picture.lanes.back().binary &= !options.radix;  // who asked for bits gets no other digits
+        picture.lanes.back().binary &= !options.radix;  // a radix that was asked for is kept
     }
     return picture;
 }
@@ -66,7 +68,7 @@ void DrawPicture(const DrawOptions& options, const Shown& shown, host::TimeWindo
     WriteOutput(options.svg, DrawSvg(picture, style), InputsOf(options));
 }
 
-// Says how to draw less.
+// Tells the user how to draw less if there are many signals and none was chosen.
 void TellMany(const DrawOptions& options, const Shown& shown) {
     const std::size_t count = shown.Names().size();
     if (count >= kManySignals && options.names.empty()) {
@@ -75,7 +77,7 @@ void TellMany(const DrawOptions& options, const Shown& shown) {
     }
 }
 
-// Says that what lies after the recording's end is left empty.
+// Tells the user that the drawing is empty after the recording's end.
 void TellEnd(const Shown& shown, host::TimeWindow window) {
     const auto end = shown.RecordingEnd();
     if (end && *end < window.end) {

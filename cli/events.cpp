@@ -22,7 +22,7 @@ struct EventsOptions : FormulaOptions {
     bool csv = false;
 };
 
-// One event of the listing; the names and values stay in the traces.
+// One event of the listing; names and values stay in the traces, so that sorting moves no texts.
 struct Event {
     std::int64_t time;
     std::size_t signal;
@@ -64,7 +64,8 @@ Listing MakeListing(const EventsOptions& options) {
     return listing;
 }
 
-// A row per time, a column per signal; a cell is empty where the signal has no event.
+// Returns a table with a row for each time and a column for each signal; a cell is empty if the
+// signal has no event at that time.
 std::string Table(const Listing& listing, std::optional<unsigned> unit) {
     std::vector<std::vector<std::string>> rows(1, {"time"});
     for (const host::Trace& trace : listing.traces) {

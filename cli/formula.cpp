@@ -32,14 +32,14 @@ struct TextOptions {
     unsigned Unit() const { return default_unit.value_or(host::kPicosecond); }
 };
 
-// A formula with what stands in front of it, as -f takes it.
+// A formula with what may precede it, as -f takes it.
 struct Operand {
     explicit Operand(const TextOptions& options)
         : text(TextOperand(options.text, kName)), named(host::SplitNamedFormula(text, 1)) {}
 
     std::string Prefix() const { return text.substr(0, text.size() - named.formula.size()); }
 
-    // The problems, with places in the whole text.
+    // Returns the problems with their places in the whole text.
     std::vector<FormulaProblem> Check(unsigned unit) const {
         auto problems = CheckNamedFormula(named, ReadFormulaType(named.name, named.type), unit);
         for (FormulaProblem& problem : problems) {

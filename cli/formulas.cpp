@@ -1,3 +1,6 @@
+// Turns the options -f and --replay into sources that can be recorded, and the options -s and -e
+// into a window. It is shared by draw, events, run and value.
+
 #include "cli/formulas.h"
 
 #include <algorithm>
@@ -22,7 +25,8 @@
 namespace corv::cli {
 namespace {
 
-// A stimulus takes its start in the default unit.
+// A stimulus takes its start in the default unit, so a start between two of its units cannot be
+// had.
 std::int64_t StartInUnit(std::int64_t at, unsigned unit) {
     const std::int64_t start = ConvertTime(at, host::kPicosecond, unit);
     if (ConvertTime(start, unit, host::kPicosecond) != at) {
@@ -43,7 +47,9 @@ unsigned UnitOf(const FormulaOptions& options) {
     return options.default_unit.value_or(host::kPicosecond);
 }
 
-// Appends the signal of a formula; false when the formula has errors.
+// Appends the signal of a formula; returns false if the formula has errors. A counter does not
+// become a CStimulus like the other formulas, since its values come from counting and not from a
+// list.
 bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
                 const FormulaType& type, std::vector<NamedSource>& sources) {
     const unsigned unit = UnitOf(options);
@@ -67,7 +73,7 @@ bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
     return true;
 }
 
-// The same for a vector, with its elements where they are asked for.
+// Does the same for a vector, and appends its elements as well if the user asked for them.
 bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
                 const FormulaType& type, std::vector<NamedSource>& sources) {
     const VectorText text(named.formula, type, UnitOf(options));
@@ -91,7 +97,8 @@ bool LoadVector(const FormulaOptions& options, const host::NamedFormula& named,
     return true;
 }
 
-// What went wrong, with the nearest names where the recording has no such signal.
+// Returns what went wrong, with the nearest names if the recording has no such signal. The
+// recording is opened again for them: after a failure there is time for it.
 std::string WhyNoReplay(const std::string& file, const std::string& signal,
                         const std::string& error) {
     try {
@@ -105,7 +112,7 @@ std::string WhyNoReplay(const std::string& file, const std::string& signal,
 }
 
 NamedSource LoadReplay(const FormulaOptions& options, const std::string& replay) {
-    // a slice, a[7:4], has one of its own
+    // a slice, a[7:4], contains a colon of its own
     const bool selects = replay.ends_with(']') || replay.ends_with(')');
     const std::size_t colon =
         replay.rfind(':', selects ? replay.find_last_of("[(") : std::string::npos);
@@ -211,6 +218,8 @@ std::vector<FormulaProblem> CheckNamedFormula(const host::NamedFormula& named,
 }
 
 FormulaType ReadFormulaType(const std::string& name, const std::string& text) {
+    // A vector becomes one source per element; the limit keeps a mistyped width from filling the
+    // memory.
     constexpr int kMaxWidth = 65536;
     if (text.empty()) {
         return {};
@@ -269,7 +278,8 @@ std::vector<NamedSource> LoadSources(const FormulaOptions& options) {
 
 namespace {
 
-// FILE of "/custom FILE, SIGNAL"; empty for any other formula.
+// Returns FILE of "/custom FILE, SIGNAL"; empty for any other formula. A file's name may contain
+// commas, so the last comma is the one that ends it.
 std::string CustomFile(const std::string& formula) {
     constexpr std::string_view kWord = "/custom";
     CString lower(formula);

@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t kWidth = 80;
 constexpr std::size_t kTextColumn = 26;
 
-// Words filled into lines that begin at `indent`; the first one begins at `column`. What stands
-// between backticks stays together.
+// Fills words into lines that begin at `indent`; the first line begins at `column`. A text in
+// backticks is not broken.
 std::string Fill(const std::string& text, std::size_t column, std::size_t indent) {
     std::string out;
     std::istringstream words(text);
@@ -79,7 +79,7 @@ std::vector<std::string> NamesOf(const std::vector<CommandInfo>& commands) {
     return names;
 }
 
-// The command that the words lead to; throws Failure.
+// Returns the command that the words lead to; throws Failure.
 const CommandInfo& Find(const CommandInfo& program, const std::vector<std::string>& words) {
     const CommandInfo* found = &program;
     for (const std::string& word : words) {

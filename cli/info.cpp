@@ -37,7 +37,7 @@ struct Facts {
     std::uint64_t events = 0;
     std::vector<SignalFacts> signals;
     std::vector<std::string> notes;
-    std::string problem;  // why it could not be read to its end
+    std::string problem;  // why the recording could not be read to its end
 };
 
 std::string TypeText(ISignal& signal) {
@@ -49,7 +49,7 @@ std::string TypeText(ISignal& signal) {
     return type != nullptr ? type : "";
 }
 
-// The scalars of the signals, each once.
+// Returns the handles of the signals' scalars, each once.
 std::vector<int> HandlesOf(const std::vector<host::NamedSignal>& signals) {
     std::vector<int> handles;
     for (const host::NamedSignal& named : signals) {
@@ -63,7 +63,8 @@ std::vector<int> HandlesOf(const std::vector<host::NamedSignal>& signals) {
     return handles;
 }
 
-// Counts the events of scalars by handle; `selected` tells that they are not all.
+// Counts the events of scalars by handle. `selected` says that they are not all scalars of the
+// recording; readers skip the others.
 std::unordered_map<int, std::uint64_t> CountEvents(const host::Recording& recording,
                                                    const std::vector<int>& handles, bool selected,
                                                    Facts& facts) {
@@ -160,7 +161,7 @@ std::string InfoJson(const Facts& facts) {
                      {"signals", std::move(signals)}});
 }
 
-// The names alone; the events are not read for them.
+// Writes the names alone, for which the events need not be read; the completions rely on its speed.
 int WriteNames(const InfoOptions& options) {
     const auto recording = OpenRecording(options.file, options.time_unit);
     std::string names;

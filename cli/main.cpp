@@ -49,8 +49,8 @@ int Run(int argc, const char* const* argv) {
 
 int main(int argc, char** argv) {
     using namespace corv::cli;
-    std::signal(SIGPIPE, SIG_DFL);  // a reader that stops reading ends the program quietly
-    std::signal(SIGXFSZ, SIG_IGN);  // a limit on files is told as a full disk is
+    std::signal(SIGPIPE, SIG_DFL);  // a reader that stops, as head does, ends the program quietly
+    std::signal(SIGXFSZ, SIG_IGN);  // a file over the size limit is reported as an error of writing
     try {
         return Run(argc, argv);
     } catch (const Failure& failure) {

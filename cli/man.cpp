@@ -8,7 +8,8 @@
 namespace corv::cli {
 namespace {
 
-// Text for troff, which gives a backslash, a hyphen and a dot at a line's front other meanings.
+// Escapes a text for troff, in which a backslash, a hyphen and a dot at the start of a line have
+// other meanings.
 std::string Escape(std::string_view text) {
     std::string out;
     for (const char c : text) {

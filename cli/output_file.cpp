@@ -1,3 +1,7 @@
+// Replaces an output file as a whole. rename() is atomic only within one file system, hence the
+// temporary file is in the folder of the output. A signal handler removes it if the user ends the
+// program.
+
 #include "cli/output_file.h"
 
 #include <sys/stat.h>
@@ -21,12 +25,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The signals that usually end a program from outside.
 constexpr std::array<int, 6> kSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU};
+// As many as Linux follows; links that form a circle end here.
 constexpr int kMostLinks = 40;
 
-// The temporary file that a signal removes; its first character is 0 when there is none.
+// The name of the temporary file that a signal removes; its first character is 0 if there is none.
+// It is a plain array, since a signal handler must not touch a std::string.
 std::array<char, 8192> temporary_file{};
 
+// Calls only functions that are safe in a signal handler. The signal is raised again so that the
+// caller of the program sees which one has ended it.
 extern "C" void RemoveTemporaryAndEnd(int signal) {
     if (temporary_file[0] != '\0') {
         unlink(temporary_file.data());
@@ -35,7 +44,8 @@ extern "C" void RemoveTemporaryAndEnd(int signal) {
     raise(signal);
 }
 
-// No signal ends the program while the name of the temporary file changes.
+// Holds signals back while the temporary file and its name in temporary_file change, so that the
+// handler never sees one without the other.
 class SignalsHeld {
 public:
     SignalsHeld() {
@@ -54,7 +64,7 @@ private:
     sigset_t before_{};
 };
 
-// Signals that the caller has the program ignore, as nohup does, stay ignored.
+// Signals that the caller has told the program to ignore, as nohup does, stay ignored.
 void CatchSignals() {
     for (const int signal : kSignals) {
         struct sigaction action = {};
@@ -92,12 +102,13 @@ std::string CannotWrite(const std::string& name, const std::string& reason) {
     return "cannot write " + NameInMessage(name) + ": " + reason;
 }
 
+// These names open a file that is open already; replacing what they refer to would not reach it.
 bool IsDescriptor(const std::string& name) {
     return name == "/dev/stdout" || name == "/dev/stderr" || name.starts_with("/dev/fd/") ||
            name.starts_with("/proc/self/fd/");
 }
 
-// The file that a chain of links ends in, whether or not it exists.
+// Returns the file that a chain of links ends in, whether or not it exists.
 fs::path Followed(fs::path name) {
     std::error_code error;
     for (int i = 0; i < kMostLinks && fs::is_symlink(fs::symlink_status(name, error)); ++i) {
@@ -134,6 +145,8 @@ void RequireFolder(const std::string& name, const fs::path& folder) {
     }
 }
 
+// mkstemp makes a file that only its owner can read; a new output gets what any new file would get.
+// The mask can only be read by setting it.
 mode_t UsualMode() {
     const mode_t mask = umask(0);
     umask(mask);
@@ -190,6 +203,7 @@ OutputFile::OutputFile(std::string name, const std::vector<std::string>& inputs)
     target_ = Followed(path_).string();
     MakeTemporary();
     if (exists) {
+        // It fails without consequences: an ordinary user cannot give files away.
         [[maybe_unused]] const int owned = chown(path_.c_str(), status.st_uid, status.st_gid);
     }
     chmod(path_.c_str(), exists ? status.st_mode & 0777 : UsualMode());

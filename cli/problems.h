@@ -10,18 +10,19 @@
 #include "corv/stimulus/check_formula.h"
 #include "host/colour.h"
 
-// Texts that commands read, and what is wrong with them.
+// The texts that commands read, and the problems found in them.
 namespace corv::cli {
 
-// A text: the argument, or standard input for "-", without line ends behind it. Standard input can
-// be read once. Throws Failure, also for a zero byte: it would end the text early. `what` names the
-// text in its sentence, "formula".
+// Returns the argument, or for "-" standard input without the line ends at its end. Standard input
+// can be read once. Throws Failure, also for a zero byte, since that would end the text early in
+// the library. `what` names the text in the sentence, "formula".
 std::string TextOperand(const std::string& argument, const std::string& what);
 
-// Collects problems, up to as many as are listed.
+// Collects problems up to the number that is listed, kMaxFormulaProblems.
 class ProblemList {
 public:
-    // The part of a text at a place: what was found there, a warning unless it is an error.
+    // Adds what was found in a part of the text; it is a warning unless the severity says
+    // otherwise.
     void Add(std::size_t position, std::size_t length, std::string sentence,
              FormulaProblem::Severity severity = FormulaProblem::Severity::Warning);
     std::vector<FormulaProblem> Take() { return std::move(problems_); }
@@ -30,25 +31,25 @@ private:
     std::vector<FormulaProblem> problems_;
 };
 
-// Parts between separators, runs of which count as one: where each begins, and its text.
+// A part of a text between separators: where it begins, and its text.
 struct TextPart {
     std::size_t position;
     std::string_view text;
 };
 std::vector<TextPart> SplitText(std::string_view text, char separator);
 
-// The text without white space in front.
+// Returns the text without its leading white space.
 std::string_view SkipBlanks(std::string_view text);
 
-// The problems as text; the name stands before each place.
+// Returns the problems as text, with the name before each place.
 std::string DescribeProblems(const std::string& name, const std::string& text,
                              const std::vector<FormulaProblem>& problems, bool colour);
 
-// Writes the problems to standard error; true when there is an error among them.
+// Writes the problems to standard error and returns whether there is an error among them.
 bool ReportProblems(const std::string& name, const std::string& text,
                     const std::vector<FormulaProblem>& problems, host::ColourMode colour);
 
-// Appends the members that tell of the problems: whether some were left out, and the list.
+// Appends the members "truncated", whether some problems were left out, and "problems", the list.
 void AppendProblems(Json& document, const std::string& text,
                     const std::vector<FormulaProblem>& problems);
 

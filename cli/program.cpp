@@ -13,7 +13,7 @@ constexpr void (*kCommands[])(CLI::App&, Action&) = {
     AddClock, AddCounter, AddSti, AddStates, AddMan,     AddCompletion, AddHelp,
 };
 
-// The first argument that no command took.
+// Returns the first argument that no command took.
 std::string LeftOver(const CLI::App& program) {
     for (const std::string& word : program.remaining(true)) {
         if (word != "--") {
@@ -35,7 +35,7 @@ std::string UnknownOption(const CommandInfo& command, const std::string& word) {
     return "unknown option `" + name + "`" + Suggestion(name, names);
 }
 
-// What the command takes as its recording.
+// Returns what the command takes as its recording; empty if it takes none or none is given.
 std::string FileOf(const CLI::App& command) {
     const CLI::Option* const file = command.get_option_no_throw("FILE");
     return file != nullptr && file->count() > 0 ? file->results().front() : "";
@@ -53,7 +53,7 @@ void DescribeProgram(CLI::App& program, Action& chosen) {
         "corv events -f '0 0, 1 10ns -r 20ns' -e 100ns --csv\n"
         "corv formula check '0 0, 1 10ns'\n"
         "corv clock --freq 100MHz");
-    program.require_subcommand(0, 1);  // further words are operands, also those that name commands
+    program.require_subcommand(0, 1);  // further words are operands, even "draw"
     for (const auto add : kCommands) {
         add(program, chosen);
     }

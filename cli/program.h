@@ -6,13 +6,15 @@
 
 namespace corv::cli {
 
-// Describes the program, its commands and their arguments; what the user chooses goes to `chosen`.
+// Describes the program, its commands and their arguments. Parsing sets `chosen` to what the user
+// asks for.
 void DescribeProgram(CLI::App& program, Action& chosen);
 
-// What was wrong with the arguments, as a sentence with a suggestion where one is near.
+// Returns what was wrong with the arguments, as a sentence with a suggestion if a known word is
+// near.
 std::string ArgumentComplaint(const CLI::App& program, const CLI::ParseError& error);
 
-// The last command on the command line, the program itself when there is none.
+// Returns the last command on the command line, or the program itself if there is none.
 const CLI::App& ChosenCommand(const CLI::App& program);
 
 }  // namespace corv::cli

@@ -15,10 +15,11 @@ namespace {
 
 using Seconds = std::chrono::duration<double>;
 
+// Work that is done sooner shows no line, and a line that changes more often cannot be read.
 constexpr Seconds kPatience{0.5};
 constexpr Seconds kBetween{0.1};
 
-// "1.2 GB"; three digits at most.
+// Writes a number of bytes as "1.2 GB", with at most three digits.
 std::string Bytes(double count) {
     constexpr std::array<const char*, 5> kUnits{"B", "kB", "MB", "GB", "TB"};
     std::size_t unit = 0;
@@ -31,7 +32,7 @@ std::string Bytes(double count) {
     return text;
 }
 
-// "12 s", "3 min 20 s", "2 h 5 min".
+// Writes a duration as "12 s", "3 min 20 s" or "2 h 5 min".
 std::string Duration(double seconds) {
     const auto whole = static_cast<long>(std::ceil(seconds));
     if (whole < 60) {
@@ -63,6 +64,7 @@ void Progress::Tell(double done, double all, bool in_bytes) {
     std::string line = work_;
     line += in_bytes ? "  " + Bytes(done) + " of " + Bytes(all) : "";
     line += "  " + std::to_string(static_cast<int>(100 * part)) + " %";
+    // the first percent is too short to estimate the rest from
     line += part > 0.01 ? "  " + Duration(passed.count() * (1 - part) / part) + " left" : "";
     std::fprintf(stderr, "\r\033[K%s", line.c_str());
     std::fflush(stderr);

@@ -6,9 +6,9 @@
 
 namespace corv::cli {
 
-// A line on standard error that tells how far long work has come: what it is, the part that is
-// done, the time that is left. It appears on a terminal, after half a second, and goes when the
-// work is done.
+// A line on standard error that shows how far long work has come: what it is, how much of it is
+// done, and the time left. It appears on a terminal only, after half a second, and disappears when
+// the work is done.
 class Progress {
 public:
     explicit Progress(const std::string& work);
@@ -16,10 +16,10 @@ public:
     Progress& operator=(const Progress&) = delete;
     ~Progress() { Clear(); }
 
-    // How much is done of how much; in bytes, these are told as well.
+    // Shows that `done` of `all` is done; if they are bytes, both are shown as well.
     void Tell(double done, double all, bool in_bytes = false);
 
-    // Takes the line away.
+    // Removes the line.
     void Clear();
 
 private:

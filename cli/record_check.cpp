@@ -1,3 +1,7 @@
+// Explains what the tolerant reader of records, CStiParser, does with a record that is not quite
+// right. Whether a word is known is found out by asking the reader itself, so that the check cannot
+// disagree with it.
+
 #include "cli/record_check.h"
 
 #include <array>
@@ -56,7 +60,8 @@ public:
     }
 
 private:
-    // The separators in front of a field.
+    // Checks the separators before a field. The reader takes a run of separators as one, so an
+    // empty field moves all fields after it forward.
     void CheckGap(std::size_t begin, std::size_t end, std::size_t field) {
         const std::size_t usual = field == 0 ? 0 : 1;
         if (end - begin > usual && field <= kStates) {

@@ -7,8 +7,8 @@
 
 namespace corv::cli {
 
-// What is odd about a stimulator-info record, in the order of the text. There is an error among it
-// when CStiParser can't read the record.
+// Returns what is odd about a stimulator-info record, in the order of the text. There is an error
+// among the problems if CStiParser cannot read the record.
 std::vector<FormulaProblem> CheckRecord(const std::string& text);
 
 }  // namespace corv::cli

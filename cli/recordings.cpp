@@ -24,7 +24,7 @@ auto OrFailure(Work work) {
     }
 }
 
-// Each reading through has a line of its own.
+// A recording may be read through several times; each time starts with a new estimate.
 void ShowProgressOf(const std::string& work) {
     SetStreamProgress([work, progress = std::shared_ptr<Progress>()](std::uint64_t done,
                                                                      std::uint64_t all) mutable {
@@ -41,7 +41,8 @@ bool IsVector(ISignal& signal) {
     return type.GetKind() == KTypeInfo::KindArray && type.IsSimple();
 }
 
-// Adds a signal and what it is made of; vectors within others are not taken apart.
+// Adds a signal and its members. A vector inside another signal is not taken apart: a memory would
+// become a line per bit.
 void AddExpanded(host::NamedSignal signal, bool outermost, std::vector<host::NamedSignal>& all) {
     ISignal& whole = *signal.signal;
     const std::string name = signal.name;
@@ -115,6 +116,7 @@ host::TimeWindow Shown::Window() const {
 void Shown::TellNotes() const {
     auto notes = notes_told_ ? std::vector<std::string>() : recording_->Notes();
     notes_told_ = true;
+    // an assumption is worth a note in `corv info`, not in every drawing
     std::erase_if(notes, [](const std::string& note) { return note.ends_with(" assumed"); });
     if (!notes.empty()) {
         const std::size_t more = notes.size() - 1;

@@ -12,44 +12,45 @@
 
 namespace corv::cli {
 
-// Opens a recording, of a GHW file with times in a certain unit; throws Failure. From then on the
-// progress of what is read through is shown.
+// Opens a recording and shows the progress of reading it from then on. `time_unit` is the unit of a
+// GHW file's times if the file does not state it. Throws Failure.
 std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
                                                std::optional<unsigned> time_unit = {});
 
-// The signals that the patterns name, each once, the top-level ones without any; throws Failure for
-// a pattern that names none.
+// Returns the signals that match the patterns, each once; without patterns, those of the top level.
+// Throws Failure for a pattern that matches none.
 std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
                                            const std::vector<std::string>& patterns);
 
-// A sentence about a name or pattern that stands for no signal, with what would do.
+// Returns a sentence about a name or pattern that matches no signal, with a suggestion.
 std::string UnknownSignal(const host::Recording& recording, const std::string& name);
 
-// What a command shows: signals of a recording, and what formulas and replayed signals do.
+// What a command shows: signals of a recording, formulas and replayed signals.
 class Shown {
 public:
-    // Throws Failure, also when there is nothing to be shown.
+    // Throws Failure, also if there is nothing to show.
     explicit Shown(const FormulaOptions& options, BusStyle listed = BusStyle::Literal);
 
     std::vector<std::string> Names() const;
     host::TimeWindow Window() const;
-    // Where the recording that is shown ends; nothing without one, and when it has no events.
+    // Returns the time where the recording ends; nothing if none is shown or it has no events.
     std::optional<std::int64_t> RecordingEnd() const;
-    // What each does in a window: every event, at most `max` of each. What was repaired or lost
-    // in the recording is told on standard error, once; what was assumed of a whole one is not.
+    // Returns what each signal does in a window: its events, at most `max` of each. What was
+    // repaired or lost in the recording is reported on standard error, once; mere assumptions about
+    // an intact recording are not.
     std::vector<host::Trace> Events(host::TimeWindow window, std::size_t max) const;
-    // The same as far as a drawing on the grid can show it.
+    // Returns the same, as far as a drawing on the grid can show it.
     std::vector<host::Trace> ForGrid(const host::TimeGrid& grid) const;
 
 private:
     void TellNotes() const;
     std::vector<ISignal*> Signals() const;
-    // Of what has been loaded.
+    // Returns the traces of the recording's signals; their events must have been loaded.
     std::vector<host::Trace> Recorded(host::TimeWindow window, BusStyle style,
                                       std::size_t most) const;
 
     const FormulaOptions& options_;
-    BusStyle listed_;  // of vectors in lists of events
+    BusStyle listed_;  // how vectors are written in lists of events
     std::unique_ptr<host::Recording> recording_;
     std::vector<host::NamedSignal> selected_;
     std::vector<NamedSource> sources_;

@@ -21,8 +21,9 @@ struct RunOptions : FormulaOptions {
     std::string output, format;
 };
 
-// A run that takes its time is announced: a unit too large is easily written.
+// Announces a run that would write very many events: an end in too large a unit is easily written.
 void WarnOfMany(const std::vector<NamedSource>& sources, host::TimeWindow window) {
+    // This many take seconds to write and fill hundreds of megabytes.
     constexpr double kMany = 1e8;
     double events = 0;
     for (const NamedSource& named : sources) {

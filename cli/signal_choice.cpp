@@ -10,9 +10,9 @@
 namespace corv::cli {
 namespace {
 
-constexpr std::size_t kMostSuggested = 10'000;  // names that are compared with an unknown one
+constexpr std::size_t kMostSuggested = 10'000;  // comparing more would delay the message noticeably
 
-// The same with every "*" widened to "**".
+// Returns the pattern with every "*" widened to "**".
 std::string Widened(const std::string& pattern) {
     std::string wide;
     for (std::size_t at = 0; at < pattern.size(); ++at) {
@@ -34,7 +34,7 @@ std::string NothingMatches(const host::Recording& recording, const std::string& 
                       : "; `corv info FILE` lists the signals");
 }
 
-// The names that end in another one as their last levels.
+// Returns the names whose last levels are `name`.
 std::vector<std::string> EndingIn(const std::string& name, const std::vector<std::string>& names) {
     const host::NamePattern pattern("**." + name);
     std::vector<std::string> ending;
@@ -48,7 +48,7 @@ std::vector<std::string> EndingIn(const std::string& name, const std::vector<std
     return ending;
 }
 
-// The last levels of a name, as many as another one has.
+// Returns the last `levels` levels of a name.
 std::string LastLevels(const std::string& name, std::size_t levels) {
     std::size_t at = name.size();
     for (; levels > 0 && at != 0 && at != std::string::npos; --levels) {
@@ -57,7 +57,8 @@ std::string LastLevels(const std::string& name, std::size_t levels) {
     return at == std::string::npos || at == 0 ? name : name.substr(at + 1);
 }
 
-// The nearest name, or the one whose last levels are nearest.
+// Suggests the nearest name; if none is near, the one whose last levels are nearest, since users
+// often leave the path out.
 std::string Nearest(const std::string& name, const std::vector<std::string>& names) {
     const std::string shown = host::ShownName(name);
     std::string suggestion = Suggestion(shown, names);

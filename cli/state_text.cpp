@@ -1,3 +1,5 @@
+// Asks the library's CStimState how it reads a state text and explains what it drops or cuts.
+
 #include "cli/state_text.h"
 
 #include <algorithm>
@@ -12,7 +14,7 @@
 namespace corv::cli {
 namespace {
 
-// The time of a part as the library reads it.
+// Returns the time of a part as the library reads it; nothing if the library skips it.
 std::optional<std::int64_t> TimeOf(const std::string& part) {
     CStimState single;
     single.Create(part.c_str());
@@ -26,7 +28,7 @@ std::string WhySkipped(const std::string& part) {
                                        : reading.problem);
 }
 
-// Whether the part says more than whole picoseconds.
+// Returns whether the time is finer than whole picoseconds.
 bool HasFraction(const std::string& part) {
     double number = 0;
     int unit = -1;
@@ -45,7 +47,8 @@ StateText ReadStates(const std::string& text) {
     read.normal.resize(states.Store(nullptr, 0));
     states.Store(read.normal.data(), static_cast<unsigned>(read.normal.size()));
     read.normal.resize(read.normal.size() - (read.normal.empty() ? 0 : 1));
-    // a time may be -1 as well, so the end is known by the number of times only
+    // -1 can be a time as well as the end of the list, so only their number says where the list
+    // ends
     std::int64_t time = states.FirstState();
     for (std::size_t left = SplitText(read.normal, ';').size(); left > 0; --left) {
         read.states.push_back({time, states.IsOn(time)});
@@ -82,6 +85,7 @@ void CheckStates(std::string_view text, std::size_t offset, ProblemList& problem
 }
 
 std::string StateTime(std::int64_t time, std::optional<unsigned> unit) {
+    // the least time has no positive counterpart
     const std::int64_t size = time < 0 ? -std::max(time, -INT64_MAX) : time;
     return (time < 0 ? "-" : "") + (unit ? host::TimeText(size, *unit) : host::TimeText(size));
 }

@@ -9,7 +9,8 @@
 #include "cli/json.h"
 #include "cli/problems.h"
 
-// State texts, "100ns;200ns;1us": the times at which a stimulator switches on and off in turns.
+// State texts, "100ns;200ns;1us": the times at which a stimulator is switched on and off
+// alternately.
 namespace corv::cli {
 
 struct SwitchTime {
@@ -23,11 +24,11 @@ struct StateText {
 };
 StateText ReadStates(const std::string& text);
 
-// What is odd about a state text that stands at an offset of the text that the problems are about:
-// times that can't be read, that do not ascend, that lose a fraction.
+// Adds what is odd about a state text: times that cannot be read, that do not ascend, or that lose
+// a fraction. `offset` is the place of the state text in the text that the problems refer to.
 void CheckStates(std::string_view text, std::size_t offset, ProblemList& problems);
 
-// A time of any sign, in the given unit or in the largest one without a fraction.
+// Writes a time of either sign in the given unit, or in the largest unit that needs no fraction.
 std::string StateTime(std::int64_t time, std::optional<unsigned> unit = std::nullopt);
 
 // [{"time":100000,"on":true}, ...]

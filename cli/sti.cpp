@@ -21,9 +21,9 @@
 namespace corv::cli {
 namespace {
 
-constexpr std::size_t kMostStates = 6;  // told in a line
+constexpr std::size_t kMostStates = 6;  // shown in one line
 constexpr std::size_t kTextColumn = 17;
-constexpr std::size_t kMostColumns = 40;  // of texts with a meaning beside them
+constexpr std::size_t kMostColumns = 40;  // width of the texts that have a meaning beside them
 
 struct StiOptions {
     std::string text;
@@ -36,7 +36,7 @@ std::string Number(double value) {
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
 }
 
-// What the settings of a clock say, empty when they are none.
+// Explains the settings of a clock; empty if the data is not such settings.
 std::string ClockMeaning(const char* data) {
     CClock clock;
     if (!clock.StreamIn(data)) {
@@ -53,7 +53,7 @@ std::string ClockMeaning(const char* data) {
            (clock.GetRateOffset() != 0 ? ", offset " + StateTime(clock.GetRateOffset()) : "");
 }
 
-// What the data of a hot key say, empty when they are none.
+// Explains the data of a hot key; empty if the data is not of one.
 std::string KeyMeaning(const char* data) {
     unsigned long key = 0;
     CString text;
@@ -80,7 +80,7 @@ std::string TypeMeaning(const CStiParser& record) {
     return number == 0 ? "formula" : number == 1 ? "hot key" : "unknown";
 }
 
-// A strength that is no strength of its own was replaced when the record was read.
+// Compares with the text, since reading replaces an unknown strength by Override.
 std::string StrengthMeaning(const CStiParser& record, const std::string& text) {
     int number = 0;
     record.GetStrength(&number);

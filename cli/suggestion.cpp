@@ -5,7 +5,8 @@
 namespace corv::cli {
 namespace {
 
-// How many letters must be changed, added, dropped or swapped with their neighbour.
+// Returns how many letters must be changed, added, dropped or swapped with their neighbour to turn
+// one word into the other.
 std::size_t Distance(std::string_view a, std::string_view b) {
     std::vector<std::vector<std::size_t>> cost(a.size() + 1,
                                                std::vector<std::size_t>(b.size() + 1));

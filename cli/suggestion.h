@@ -6,14 +6,14 @@
 
 namespace corv::cli {
 
-// The end of a sentence about an unknown word: "; did you mean `draw`?" when one of the known
-// words is near, else empty.
+// Returns the end of a sentence about an unknown word: "; did you mean `draw`?" if one of the known
+// words is near, else an empty text.
 std::string Suggestion(std::string_view word, const std::vector<std::string>& known);
 
-// The index of the known word that is nearest; their number when none is near.
+// Returns the index of the nearest known word, or the number of known words if none is near.
 std::size_t NearestWord(std::string_view word, const std::vector<std::string>& known);
 
-// "draw, events or clock".
+// Returns the words as "draw, events or clock".
 std::string Alternatives(const std::vector<std::string>& words);
 
 }  // namespace corv::cli

@@ -1,3 +1,6 @@
+// Guesses what the user meant by a word that the argument parser cannot place. A cut formula has to
+// be found before parsing: its words would be taken for operands, and -r 10ns for the radix.
+
 #include "cli/wrong_words.h"
 
 #include <algorithm>
@@ -19,7 +22,7 @@ bool IsFile(const std::string& name) {
     return !name.empty() && std::filesystem::exists(name, error);
 }
 
-// The number at the front of a word, empty when there is none.
+// Returns the number at the start of a word; empty if there is none.
 std::string_view NumberOf(std::string_view word) {
     return word.substr(0, std::min(word.find_first_not_of("0123456789."), word.size()));
 }
@@ -28,7 +31,7 @@ bool IsUnit(std::string_view word) {
     return UnitIDFromName(std::string(word).c_str()) >= 0;
 }
 
-// "5", "5ns", "@5ns," as the second word of a formula.
+// Returns whether the word can be the second one of a formula: "5", "5ns", "@5ns,".
 bool IsTime(std::string_view word) {
     word.remove_prefix(word.starts_with('@') ? 1 : 0);
     word.remove_suffix(word.ends_with(',') ? 1 : 0);
@@ -36,7 +39,8 @@ bool IsTime(std::string_view word) {
     return digits > 0 && (digits == word.size() || IsUnit(word.substr(digits)));
 }
 
-// The words from one on that belong to a formula, in quotes.
+// Joins the words that seem to belong to one formula, from the first one on, and puts them in
+// quotes. The formula ends at the next option, but -r with a time is part of it.
 std::string QuotedFormula(std::span<const char* const> words) {
     std::string formula = words.empty() ? "" : words[0];
     for (std::size_t i = 1; i < words.size(); ++i) {
@@ -59,7 +63,7 @@ bool HasOption(const CommandInfo& command, std::string_view name) {
                        });
 }
 
-// Where a word belongs; empty when that can't be told.
+// Returns where a word belongs; empty if that cannot be guessed.
 std::string PlaceOf(const CommandInfo& command, const std::string& word, const std::string& file) {
     const bool formulas = HasOption(command, "--formula");
     const bool names = HasOption(command, "--name");

@@ -12,8 +12,9 @@ namespace {
 constexpr unsigned kSecond = 5;
 constexpr unsigned kMinute = 6;
 constexpr unsigned kHour = 7;
-constexpr std::int64_t kMostDigits = 1'000'000'000'000'000;  // picoseconds that people read
-constexpr std::int64_t kGap = 2;                             // characters between two labels
+// Labels from here on keep the unit of the step, however long they get.
+constexpr std::int64_t kMostDigits = 1'000'000'000'000'000;
+constexpr std::int64_t kGap = 2;  // characters between two labels
 
 void AddSteps(std::vector<std::int64_t>& steps, unsigned unit,
               std::initializer_list<std::int64_t> counts) {
@@ -26,15 +27,16 @@ std::string Label(std::int64_t time, unsigned unit) {
     return time == 0 ? "0" : TimeText(time, unit);
 }
 
-// The length of the longest label; the last one of a unit is the longest but for its decimals.
+// Returns the length of the longest label. The last label has the most digits; the one before it
+// may have more decimals.
 std::int64_t LabelWidth(TimeWindow window, std::int64_t step, unsigned unit) {
     const std::int64_t last = window.end - window.end % step;
     return static_cast<std::int64_t>(
         std::max(Label(last, unit).size(), Label(last - std::min(step, last), unit).size()));
 }
 
-// The unit in which the labels of the last steps are shortest, from that of the step on; of larger
-// ones than seconds only that of the step.
+// Returns the unit in which the labels of the last steps are shortest, from the step's own unit up
+// to seconds.
 unsigned ShortestUnit(TimeWindow window, std::int64_t step) {
     const unsigned own = WholeUnit(step);
     const std::int64_t last = window.end - window.end % step;

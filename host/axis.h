@@ -9,14 +9,14 @@
 
 namespace corv::host {
 
-// The ticks of a time axis over the grid's window: at the multiples of the smallest round step (1,
-// 2 or 5 times a power of ten in ps to sec; 1 to 30 min; hours) at which the labels, a character
-// taking `columns_per_character` columns, stand apart. Labels are in the unit
-// that makes them short, or in `unit`.
+// Returns the ticks of a time axis over the grid's window: at the multiples of the smallest round
+// step (1, 2 or 5 times a power of ten in ps to sec; 1 to 30 min; hours) at which the labels do not
+// touch, where a character takes `columns_per_character` columns. Labels are in the unit that makes
+// them shortest, or in `unit`.
 std::vector<Tick> MakeTicks(const TimeGrid& grid, std::int64_t columns_per_character,
                             std::optional<unsigned> unit);
 
-// The round steps in picoseconds, ascending.
+// Returns the round steps in picoseconds, ascending.
 const std::vector<std::int64_t>& RoundSteps();
 
 }  // namespace corv::host

@@ -1,3 +1,6 @@
+// Replaces values such as X"A5" or 165 in a formula by characters, which are all that stimuli read,
+// and translates the problems found in the result back to what the user wrote.
+
 #include "host/bus_formula.h"
 
 #include <algorithm>
@@ -43,11 +46,13 @@ BusFormula::BusFormula(const std::string& formula, const BusType& type) {
                  value.problem});
         }
         if (refused) {
+            // any value that fits will do; it only has to cause no further problems
             value.characters.assign(static_cast<std::size_t>(type.width), '0');
         }
         if (value.characters.empty() || value.characters == word) {
             continue;
         }
+        // a value in quotes or parentheses may contain blanks, so its replacement needs quotes too
         const std::string_view quote = word[0] == '"' || word[0] == '(' ? "\"" : "";
         std::string characters(quote);
         characters.append(value.characters).append(quote);
@@ -72,7 +77,8 @@ std::size_t BusFormula::PositionOf(std::size_t at) const {
                : last.position + last.written.size() + at - last.at - last.length;
 }
 
-// The place, and a value that the sentence quotes.
+// Translates a problem of the converted text back to the formula: its place, and any value that its
+// sentence quotes.
 void BusFormula::MoveBack(FormulaProblem& problem) const {
     const std::size_t begin = PositionOf(problem.position);
     const std::size_t end = problem.position + problem.length;

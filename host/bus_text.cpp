@@ -9,7 +9,7 @@ bool IsBit(char c) {
     return c == '0' || c == '1';
 }
 
-// One digit for a few bits, 0 when none tells them.
+// Returns one digit for a few bits, 0 if no digit expresses them.
 char DigitOf(std::string_view bits) {
     constexpr std::string_view kLetters = "UXZWLHuxzwlh";
     if (kLetters.find(bits[0]) != std::string_view::npos) {
@@ -25,7 +25,7 @@ char DigitOf(std::string_view bits) {
     return "0123456789ABCDEF"[value];
 }
 
-// Digits of so many bits each; empty when a digit can't be told.
+// Returns digits of `each` bits; empty if a digit cannot be expressed.
 std::string Grouped(std::string_view bits, std::size_t each) {
     std::string digits;
     while (!bits.empty()) {
@@ -40,7 +40,8 @@ std::string Grouped(std::string_view bits, std::size_t each) {
     return digits;
 }
 
-// Digits of a decimal number, the least significant first, times a factor plus a summand.
+// Multiplies a decimal number, given by its digits with the least significant first, and adds a
+// summand. Vectors may be longer than any number type.
 void MultiplyAdd(std::string& digits, int factor, int summand) {
     for (char& digit : digits) {
         const int product = (digit - '0') * factor + summand;
@@ -52,7 +53,8 @@ void MultiplyAdd(std::string& digits, int factor, int summand) {
     }
 }
 
-// A whole number divided by a power of two, as its digits times that power of five behind a point.
+// Divides a whole number by a power of two: multiplied by the same power of five, it needs only a
+// decimal point.
 void PutPoint(std::string& digits, int fraction) {
     for (int i = 0; i < fraction; ++i) {
         MultiplyAdd(digits, 5, 0);
@@ -68,7 +70,8 @@ void PutPoint(std::string& digits, int fraction) {
     digits.erase(0, zeros);
 }
 
-// A binary number of any length in decimal; a negative one is the complement and one more.
+// Returns a binary number of any length in decimal. For a negative one the complement plus one is
+// its magnitude.
 std::string Decimal(std::string_view bits, BusKind kind) {
     const bool negative = kind.is_signed && bits.starts_with('1');
     std::string digits(1, '0');  // the least significant first
@@ -90,12 +93,12 @@ bool IsNumber(std::string_view characters) {
     return !characters.empty() && std::all_of(characters.begin(), characters.end(), IsBit);
 }
 
-// What is written where decimal digits can't tell the characters.
+// Returns the radix that is used instead if decimal digits cannot express the characters.
 Radix Written(std::string_view characters, Radix radix) {
     return radix == Radix::Dec && !IsNumber(characters) ? Radix::Hex : radix;
 }
 
-// Empty where the radix can't tell the characters.
+// Returns an empty text if the radix cannot express the characters.
 std::string Digits(std::string_view characters, Radix radix, BusKind kind) {
     switch (radix) {
         case Radix::Oct:
@@ -136,7 +139,7 @@ std::string BusLiteral(std::string_view characters, Radix radix, BusKind kind) {
                        : radix == Radix::Oct ? characters.size() % 3 == 0
                                              : true;
     if (digits.empty() || radix == Radix::Bin || !whole) {
-        return '"' + std::string(characters) + '"';  // X"..." always tells four bits a digit
+        return '"' + std::string(characters) + '"';  // X"..." always has four bits per digit
     }
     if (radix == Radix::Dec) {
         return digits;

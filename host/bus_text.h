@@ -7,21 +7,22 @@ namespace corv::host {
 
 enum class Radix { Bin = 2, Oct = 8, Dec = 10, Hex = 16 };
 
-// What the bits of a vector stand for.
+// How the bits of a vector make a number.
 struct BusKind {
     bool is_signed = false;  // two's complement
-    int fraction = 0;        // bits that stand behind the binary point
+    int fraction = 0;        // bits after the binary point
     bool operator==(const BusKind&) const = default;
 };
 
-// What the name of a vector's type tells: signed, sfixed and ufixed, also the unresolved ones.
+// Returns the kind that the name of a vector's type implies: signed, sfixed and ufixed, including
+// the unresolved types.
 BusKind BusKindOf(std::string_view type_name, int right);
 
-// The characters of a vector, the most significant first, as digits in a radix: "01011010" is 5A. A
-// digit of an octal or hexadecimal text whose bits are all the same letter of std_logic is that
-// letter ("ZZZZ0001" is Z1). Where that does not hold, the characters themselves: no digit ever
-// stands for bits that it does not tell. A number in decimal has the sign and the binary point of
-// its kind; with another character than 0 and 1 it is written as in hexadecimal.
+// Returns the characters of a vector, the most significant first, as digits in a radix: "01011010"
+// is 5A. An octal or hexadecimal digit whose bits are all the same letter of std_logic is that
+// letter ("ZZZZ0001" is Z1). If a digit cannot express its bits, the characters themselves are
+// returned: a digit never hides anything. A decimal number has the sign and the binary point of its
+// kind; with characters other than 0 and 1 it is written in hexadecimal instead.
 std::string BusDigits(std::string_view characters, Radix radix, BusKind kind = {});
 
 // The same as VHDL writes it: "0101", X"5A", O"132", and decimal as a plain number.

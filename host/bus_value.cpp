@@ -1,3 +1,7 @@
+// Reads the values that users write for a vector: bits, VHDL and Verilog literals, C prefixes and
+// numbers. Several forms look alike, so their order decides, and a doubtful reading comes with a
+// remark.
+
 #include "host/bus_value.h"
 
 #include <algorithm>
@@ -18,13 +22,13 @@ int DigitValue(char c) {
     return c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'z' ? c - 'a' + 10 : 99;
 }
 
-// What a text says: bits, or a number of no certain width.
+// The meaning of a text: bits, or a number without a certain width.
 struct Reading {
-    std::string bits;  // the most significant first; of a number without zeros in front
+    std::string bits;  // the most significant first; a number has no leading zeros
     bool number = false;
     bool decimal = false;
     bool negative = false;
-    std::size_t each = 1;  // bits that a digit stands for
+    std::size_t each = 1;  // bits per digit
 };
 
 std::string WithoutUnderscores(std::string_view text) {
@@ -33,8 +37,9 @@ std::string WithoutUnderscores(std::string_view text) {
     return digits;
 }
 
-// The number's bits; nothing when there is a character that is no digit. One that is too wide for
-// any vector of `width` may be cut to a bit more than that.
+// Returns the number's bits, nullopt if a character is not bits per digit, at least. A number that
+// is certainly too wide for `width` becomes just one bit wider than that, so that a text of a
+// million digits is not multiplied out.
 std::optional<std::string> NumberBits(std::string_view text, int radix, int width) {
     std::string digits = WithoutUnderscores(text);
     if (digits.empty() ||
@@ -46,6 +51,7 @@ std::optional<std::string> NumberBits(std::string_view text, int radix, int widt
     if (digits.size() * least > static_cast<std::size_t>(width) + least) {
         return std::string(static_cast<std::size_t>(width) + 1, '1');
     }
+    // long multiplication, since vectors can have 65,536 bits
     std::vector<std::uint32_t> words;  // the least significant first
     for (const char digit : digits) {
         std::uint64_t carry = static_cast<std::uint64_t>(DigitValue(digit));
@@ -74,7 +80,7 @@ std::optional<Reading> ReadNumber(std::string_view digits, int radix, int width)
     return std::nullopt;
 }
 
-// The radix that a letter stands for, 0 for none.
+// Returns the radix that a letter denotes, 0 for other letters.
 int RadixOf(char letter) {
     switch (LowerCase(letter)) {
         case 'b':
@@ -91,7 +97,8 @@ int RadixOf(char letter) {
     }
 }
 
-// The bits of a bit string's digits; letters that are no digits stand for bits of their kind.
+// Returns the bits of a bit string's digits; letters that are not digits fill all bits of their
+// digit.
 std::optional<Reading> ReadBitString(std::string_view text, int radix) {
     Reading reading;
     reading.each = radix == 16 ? 4 : radix == 8 ? 3 : 1;
@@ -119,6 +126,7 @@ std::optional<Reading> ReadLiteral(std::string_view word, int width) {
     }
     const std::string_view text = word.substr(quote + 1, word.size() - quote - 2);
     std::string_view prefix = word.substr(0, quote);
+    // VHDL has only X for hexadecimal bit strings
     const int radix = LowerCase(prefix.back()) == 'h' ? 0 : RadixOf(prefix.back());
     prefix.remove_suffix(1);
     const bool sign = !prefix.empty() && (LowerCase(prefix.back()) == 's');
@@ -173,19 +181,20 @@ std::optional<Reading> ReadDecimal(std::string_view word, int width) {
     return reading;
 }
 
-// The letter that (others => '0') names.
+// Returns the letter that (others => '0') names.
 std::optional<char> ReadOthers(std::string_view word) {
     std::string text;
     std::copy_if(word.begin(), word.end(), std::back_inserter(text),
                  [](char c) { return c != ' ' && c != '\t' && c != '\n'; });
     std::string lower = text;
     std::transform(lower.begin(), lower.end(), lower.begin(), LowerCase);
+    // the letter is the only one of the 13 characters that varies
     return lower.size() == 13 && lower.starts_with("(others=>'") && lower.ends_with("')")
                ? std::optional(text[10])
                : std::nullopt;
 }
 
-// Whether the whole text is in quotes of one kind.
+// Returns whether the whole text is in quotes of one kind.
 bool IsQuoted(std::string_view word) {
     return word.size() >= 2 && (word[0] == '"' || word[0] == '\'') && word.back() == word[0];
 }
@@ -194,11 +203,14 @@ bool IsBits(std::string_view text) {
     return !text.empty() && text.find_first_not_of("01") == std::string_view::npos;
 }
 
-// A value is read for one vector.
+// Reads one value for a vector of a certain type.
 class Reader {
 public:
     Reader(std::string_view word, const BusType& type) : word_(word), type_(type) {}
 
+    // Forms with a mark come first, since they can be nothing else. Characters that fit exactly are
+    // taken as such before digits are tried, so that 0101 for four bits means bits and not a
+    // number.
     BusValue Read() const {
         const auto width = static_cast<std::size_t>(type_.width);
         if (auto reading = ReadLiteral(word_, type_.width)) {
@@ -257,7 +269,7 @@ private:
                              : "; write them as \"01XZ\", X\"A5\" or a number")};
     }
 
-    // The characters, if all of them are letters of the type.
+    // Returns the characters if all of them are letters of the type.
     BusValue Checked(std::string characters, std::string problem = "") const {
         const std::size_t odd = characters.find_first_not_of(Letters());
         if (odd == std::string::npos) {
@@ -296,7 +308,7 @@ private:
                    : "";
     }
 
-    // How digits of a decimal number that look like bits would be bits.
+    // Suggests how to write digits that look like bits but were read as a decimal number.
     std::string WriteBits(std::string_view digits) const {
         const auto width = static_cast<std::size_t>(type_.width);
         const std::size_t filled = width <= 40 ? width - std::min(digits.size(), width) : 0;
@@ -304,7 +316,7 @@ private:
                std::string(filled, '0') + std::string(digits) + "\"";
     }
 
-    // What was changed, where the writing tells a number of bits.
+    // Says what was changed, if the form implies a number of bits.
     std::string Remark(const Reading& reading, std::size_t cut, std::size_t filled) const {
         const auto width = static_cast<std::size_t>(type_.width);
         if (reading.number) {
@@ -331,7 +343,7 @@ private:
             return {"", Quoted() + " does not fit " + Bits() + " with a sign"};
         }
         bits.insert(0, width - bits.size(), '0');
-        const std::size_t last = bits.rfind('1');  // all bits in front of it are turned over
+        const std::size_t last = bits.rfind('1');  // two's complement: invert the bits before it
         for (std::size_t i = 0; i < last; ++i) {
             bits[i] = bits[i] == '0' ? '1' : '0';
         }

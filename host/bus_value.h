@@ -14,27 +14,27 @@ struct BusType {
     Sign sign = Sign::Open;  // whether a decimal number may be negative
 };
 
-// A value as it is driven, and what is to be said about it.
+// A value in the form in which it is driven, and a remark about it.
 struct BusValue {
-    // As many as the vector has elements. Empty when it is refused, or without a problem when it
-    // stays as it is written.
+    // One character per element. Empty if the value is refused or, without a problem, if it stays
+    // as it is written.
     std::string characters;
-    std::string problem;  // a sentence; empty when all is well
+    std::string problem;  // a sentence; empty if all is well
 };
 
-// Reads a value of a vector: in this order
+// Reads a value of a vector. The forms are tried in this order:
 //
-//     X"A5" O"17" B"1010" D"165"   bit strings of VHDL, with a width and U or S in front too
+//     X"A5" O"17" B"1010" D"165"   bit strings of VHDL, also with a width and U or S before them
 //     0xA5 0o17 0b1010             numbers
 //     16#A5# 16#A5                 based numbers
 //     8'hA5                        numbers of Verilog
-//     "1010" 10XZ                  the characters themselves, exactly as many as there are elements
+//     "1010" 10XZ                  the characters themselves, exactly as many as elements
 //     165 -3                       decimal numbers, negative ones as two's complement
 //     (others => '0')              all elements alike
 //
-// A digit of X"..." or O"..." that is another letter, X"Z5", stands for as many of that letter.
-// Bits that are missing on the left are zeros, and zeros too many there are left out, which is said
-// where the writing tells a number of bits. Ones are never left out.
+// A letter among the digits of X"..." or O"..." fills all bits of its digit: X"Z5" is ZZZZ0101.
+// Missing bits on the left are zeros, and excess zeros there are dropped; the problem says so if
+// the form implies a number of bits. Ones are never dropped.
 BusValue ReadBusValue(std::string_view word, const BusType& type);
 
 }  // namespace corv::host

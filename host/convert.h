@@ -11,18 +11,18 @@
 
 namespace corv::host {
 
-// What of a recording is written, and how.
+// Which part of a recording is written, and how.
 struct ConvertOptions {
     std::int64_t start = 0;                           // picoseconds
-    std::optional<std::int64_t> end;                  // included; none: the recording's
+    std::optional<std::int64_t> end;                  // included; nullopt: the recording's
     bool four_state = false;                          // VCD files only: the four values of Verilog
     std::function<void(std::int64_t time)> progress;  // called now and then with the time reached
 };
 
-// Writes signals of a recording to an event file: those that it has at the window's start as events
-// there, then its events. Times stay what they are.
+// Writes signals of a recording to an event file: the values at the window's start as events there,
+// then the events. Times do not change.
 //
-// Throws std::runtime_error, with a sentence, when the recording can't be read or the file not
+// Throws std::runtime_error, with a sentence, if the recording cannot be read or the file cannot be
 // written.
 void WriteEventFile(const Recording& recording, const std::vector<NamedSignal>& signals,
                     const std::string& file_name, const ConvertOptions& options);

@@ -21,7 +21,8 @@ std::string Coloured(bool colour, std::string_view code, std::string_view text) 
                   : std::string(text);
 }
 
-// Characters as shown, tabs kept: whoever prints them moves the mark below just as far.
+// Returns characters as they are shown. Tabs are kept, since they move the mark below by just as
+// much.
 std::vector<std::string> Shown(std::string_view text) {
     std::vector<std::string> shown;
     while (!text.empty()) {
@@ -37,7 +38,7 @@ std::vector<std::string> Shown(std::string_view text) {
     return shown;
 }
 
-// The line around a place, cut where it is long, and the mark under it.
+// Returns the line around a place, cut if it is long, and the mark below it.
 std::string Excerpt(std::string_view line, std::size_t at, std::size_t length, bool colour) {
     std::size_t from = at - std::min(at, kBefore * kBytes);
     std::size_t to = std::min(line.size(), at + kWidth * kBytes);

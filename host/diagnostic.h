@@ -7,7 +7,7 @@
 
 namespace corv::host {
 
-// Where a position lies: line and column, from 1, the column in bytes; and the line's own text.
+// Where a position is: line and column, from 1, the column in bytes; and the text of the line.
 struct TextPlace {
     std::size_t line;
     std::size_t column;
@@ -15,7 +15,8 @@ struct TextPlace {
 };
 TextPlace PlaceOf(std::string_view text, std::size_t position);
 
-// A problem in the form editors parse, with the place shown under it. A long line is cut around it:
+// Describes a problem in the form that editors parse, with the place marked below it. A long line
+// is cut around the place:
 //
 //     clk:1:8: error: unknown unit `xs`; did you mean `ns`?
 //     0 0, 1 10xs

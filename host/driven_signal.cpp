@@ -17,9 +17,10 @@ namespace {
 
 using Bytes = LeafBytes;
 
-constexpr std::size_t kMostKnown = 1U << 16;  // texts whose values are kept
+constexpr std::size_t kMostKnown = 1U << 16;  // texts whose values are remembered for each type
 
-// Turns values into events of a signal's leaves.
+// Turns values into events of a signal's leaves. Values repeat a lot, so the stored value of each
+// text is remembered instead of being converted again.
 class LeafWriter {
 public:
     LeafWriter(ISignal& signal, const std::vector<std::string>& texts, DrivenSignal::Put put)
@@ -34,10 +35,12 @@ public:
         }
     }
 
-    // Leaves that keep their value get no event, unless none changes.
+    // Writes an event for each leaf that changes; for all of them if none does, so that an event
+    // that repeats a value is not lost.
     void Write(std::int64_t time, const std::vector<std::string>& elements) {
         const std::size_t count = std::min(leaves_.size(), elements.size());
         for (auto& [type, known] : bytes_) {
+            // a counter has a new text at each event, and all of them would fill the memory
             if (known.size() > kMostKnown) {
                 known.clear();
             }
@@ -60,7 +63,8 @@ public:
 private:
     void Add(std::size_t leaf, std::int64_t time) { put_(leaf, time, last_[leaf]); }
 
-    // What has no value yet has the first one of its type.
+    // Returns the stored value of a text. An element without a value yet has the first value of its
+    // type.
     Bytes BytesOf(std::size_t leaf, const std::string& text, std::int64_t time) {
         const auto known = values_[leaf]->find(text);
         if (known != values_[leaf]->end()) {
@@ -83,7 +87,8 @@ private:
             leaf.TextToValue(text.c_str(), bytes.data(), static_cast<std::uint32_t>(bytes.size())));
     }
 
-    // "103375ns" as the number that a signal of type time has for it; empty for anything else.
+    // Returns "103375ns" as the number that a signal of type time has for it; an empty text for
+    // anything else.
     static std::string PhysicalNumber(ISignal& leaf, const std::string& text) {
         const KTypeInfo type{CString(leaf.GetTypeInfo())};
         const auto number = ReadPhysical(text, UnitsOfType(type.GetTypeIdentifier().View()));
@@ -172,6 +177,7 @@ DrivenSignal::DrivenSignal(const Trace& recorded, std::int64_t start, Shape shap
                                           static_cast<std::uint32_t>(value.size()));
     });
     if (recorded.before) {
+        // the value before the window has to be an event for the wave to know it
         drive(start - 1, *recorded.before);
     }
     for (const Change& change : recorded.changes) {

@@ -8,7 +8,8 @@
 namespace corv::host {
 namespace {
 
-// Events that are looked at in one column before it counts as crowded even without a change.
+// Events examined in one column before it counts as crowded even without a visible change: a source
+// may repeat one value millions of times.
 constexpr int kMaxPerColumn = 1000;
 
 void AddSample(Source& source, std::int64_t time, Trace& trace) {
@@ -17,12 +18,12 @@ void AddSample(Source& source, std::int64_t time, Trace& trace) {
     }
 }
 
-// Whether two values are drawn the same, such as 1 and '1'.
+// Returns whether two values look the same in a drawing, such as 1 and '1'.
 bool LookAlike(bool bus, const std::string& a, const std::string& b) {
     return a == b || (bus ? ClassifyBus(a) == ClassifyBus(b) : Classify(a) == Classify(b));
 }
 
-// Records the events of the column that begins with `time`; gives the first event behind it.
+// Records the events of the column that `time` is in; returns the first event after it.
 std::int64_t RecordColumn(Source& source, const TimeGrid& grid, std::int64_t time, Trace& trace) {
     const std::int64_t column = grid.Column(time);
     const std::int64_t end = grid.First(column + 1);

@@ -37,7 +37,7 @@ public:
         }
     }
 
-    // False when the recording can't be read on.
+    // Returns false if the recording cannot be read to its end.
     bool WriteEvents() {
         const std::int64_t start = options_.start;
         if (!reader_.Seek(&start)) {
@@ -89,7 +89,7 @@ private:
         }
     }
 
-    // The values that the signals bring into the window.
+    // Writes the values that the signals have before the window as events at its start.
     void WriteStart(std::int64_t start) {
         for (const int handle : leaves_) {
             Value value;

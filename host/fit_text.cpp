@@ -18,7 +18,7 @@ constexpr LeadByte kLeadBytes[] = {
 struct CodeRange {
     unsigned first, last;
 };
-// Characters that nobody sees but that turn the direction of what follows, or end a line.
+// Invisible characters that change the direction of what follows, or end a line.
 constexpr CodeRange kUnseen[] = {{0x61C, 0x61C},   {0x200E, 0x200F}, {0x2028, 0x202E},
                                  {0x2066, 0x2069}, {0x7F, 0x7F},     {0xFFFE, 0xFFFF}};
 
@@ -28,7 +28,8 @@ bool IsPrintable(unsigned code) {
     });
 }
 
-// The length of the printable character at the front of the text, 0 when there is none.
+// Returns the length of the printable character at the front of the text, 0 if there is none.
+// Overlong encodings and surrogates are not characters.
 std::size_t CharacterLength(std::string_view text) {
     const auto byte = [&](std::size_t i) {
         return static_cast<unsigned>(static_cast<unsigned char>(text[i]));
@@ -63,7 +64,7 @@ void ForEachCharacter(std::string_view text, Take take) {
 
 constexpr std::string_view kDecimals = "0123456789";
 
-// Whether all characters could be digits or levels of a vector.
+// Returns whether all characters could be digits or levels of a vector.
 bool IsDigits(std::string_view text) {
     return text.find_first_not_of("0123456789ABCDEFabcdefUXZWLHuxzwlh-\"#_") ==
            std::string_view::npos;
@@ -73,8 +74,8 @@ std::size_t CountDigits(std::string_view text) {
     return std::min(text.find_first_not_of(kDecimals), text.size());
 }
 
-// Whether the text is a number in decimal: -12, 20.5, 1e-09, 25ns. Digits alone are when they are
-// no more than 32 bits make.
+// Returns whether the text is a decimal number: -12, 20.5, 1e-09, 25ns. Digits alone count as one
+// if there are no more than 32 bits can make; longer ones are digits of a vector.
 bool IsNumber(std::string_view text) {
     constexpr std::size_t kMostDigits = 11;
     text.remove_prefix(text.starts_with('-') ? 1 : 0);
@@ -89,7 +90,7 @@ bool IsNumber(std::string_view text) {
     return whole > 0 && (text.empty() ? fraction > 0 || exponent || whole <= kMostDigits : unit);
 }
 
-// The elements that have room, from the first one on: "(1,2,…)".
+// Returns the elements for which there is room, from the first one on: "(1,2,…)".
 std::string FitElements(std::string_view text, std::size_t width, std::string_view ellipsis) {
     const std::vector<std::string> characters = Characters(text);
     const std::size_t tail = TextWidth(ellipsis) + 1;
@@ -184,6 +185,7 @@ std::string FitValue(std::string_view text, std::size_t width, std::string_view 
     if (text.starts_with('(')) {
         return FitElements(text, width, ellipsis);
     }
+    // a number that is cut would look like another number, so it is left out
     const bool too_narrow = width < 2 * kLeastDigits + TextWidth(ellipsis);
     return IsNumber(text) || (IsDigits(text) && too_narrow) ? std::string()
                                                             : FitText(text, width, ellipsis);

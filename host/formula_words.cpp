@@ -17,8 +17,8 @@ std::string Lower(std::string_view text) {
     return lower;
 }
 
-// The length of the word at the front, which a bracket or quote there keeps together up to its
-// match.
+// Returns the length of the word at the front. A bracket or quote at its beginning extends it to
+// the match.
 std::size_t WordLength(std::string_view text) {
     if (text.starts_with('"') || text.starts_with('\'')) {
         const std::size_t close = text.find(text[0], 1);
@@ -42,14 +42,14 @@ class Words {
 public:
     explicit Words(std::string_view text) : text_(text) {}
 
-    // The next word, empty at the end.
+    // Returns the next word, empty at the end.
     WordPlace Next() {
         at_ = std::min(text_.find_first_not_of(kSeparators, at_), text_.size());
         const WordPlace word{at_, WordLength(text_.substr(at_))};
         at_ += word.length;
         return word;
     }
-    // The next word of the same element: a comma directly behind the last one ends it.
+    // Returns the next word of the same element, which a comma directly after the last word ends.
     WordPlace NextInElement() {
         return at_ < text_.size() && text_[at_] == ',' ? WordPlace{at_, 0} : Next();
     }

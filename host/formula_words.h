@@ -6,13 +6,13 @@
 
 namespace corv::host {
 
-// Where a word stands in a formula.
+// Where a word is in a formula.
 struct WordPlace {
     std::size_t position;
     std::size_t length;
 };
 
-// The values of a list of values and times, in their order, without the repeat period; none of a
+// Returns the values of a list of values and times, in order, without the repeat period; none for a
 // counter, a custom formula or the compact notation.
 std::vector<WordPlace> ValueWords(std::string_view formula);
 

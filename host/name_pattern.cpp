@@ -1,3 +1,6 @@
+// Patterns are matched by keeping all places that the name may have reached in the pattern, instead
+// of trying one after another: with several "**", backtracking would take exponential time.
+
 #include "host/name_pattern.h"
 
 #include <algorithm>
@@ -7,9 +10,9 @@
 namespace corv::host {
 namespace {
 
-// The text between square brackets at the front of a pattern, as far as they are closed.
+// Returns the text between square brackets at the front of a pattern, empty if they are not closed.
 std::string_view Bracketed(std::string_view pattern) {
-    // a closing bracket that comes first is one of the set
+    // a closing bracket that comes first belongs to the set
     const std::size_t first = pattern.starts_with("[!") ? 3 : 2;
     const std::size_t close = pattern.find(']', first);
     return close == std::string_view::npos ? std::string_view() : pattern.substr(1, close - 1);
@@ -22,8 +25,8 @@ bool IsIndex(std::string_view text) {
            text.substr(letter).starts_with("to ");
 }
 
-// How many characters the name has that a backslash begins and another one closes, 0 without it. An
-// escaped name that nothing closes is not one here: a pattern goes on after it.
+// Returns the length of a name that a backslash begins and another one closes, 0 if there is none.
+// An escaped name that nothing closes does not count here, since a pattern continues after it.
 std::size_t ClosedNameLength(std::string_view text, bool level_start) {
     if (!level_start || !text.starts_with('\\')) {
         return 0;
@@ -44,7 +47,7 @@ bool EndsLevel(char c) {
 NamePattern::NamePattern(std::string_view pattern, Brackets brackets) {
     using Kind = Token::Kind;
     pattern = WithoutLeadingSeparators(pattern);
-    std::size_t extended = 0;  // characters that remain of an extended name
+    std::size_t extended = 0;  // remaining characters of an extended name
     bool level_start = true;
     for (std::size_t at = 0; at < pattern.size();) {
         const std::string_view rest = pattern.substr(at);
@@ -75,7 +78,7 @@ void NamePattern::AddStars(std::size_t count) {
         {count > 1 ? Token::Kind::DoubleStar : Token::Kind::Star, 0, false, false, {}});
 }
 
-// Gives how many characters the set has in the pattern.
+// Adds a set; returns its length in the pattern.
 std::size_t NamePattern::AddSet(std::string_view text) {
     Token token{Token::Kind::Set, 0, false, text.starts_with('!'), {}};
     for (std::size_t at = token.negated ? 1 : 0; at < text.size();) {
@@ -122,7 +125,8 @@ bool NamePattern::Takes(const Token& token, char c, bool extended, bool member) 
     }
 }
 
-// Places come in rising order. A star may also stand for nothing.
+// Adds a place and, since a star may match nothing, those after the stars that follow. Places come
+// in rising order, so a duplicate is always the last one.
 void NamePattern::Add(State& state, std::size_t place) const {
     for (;; ++place) {
         if (state.empty() || state.back() < place) {

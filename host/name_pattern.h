@@ -19,19 +19,21 @@ namespace corv::host {
 // whatever they hold.
 class NamePattern {
 public:
-    // What "[3]" and "[7:4]" are: the index of an element, or a set of characters like any other.
+    // How "[3]" and "[7:4]" are read: as the index of an element, or as a set of characters like
+    // any other.
     enum class Brackets { Elements, Sets };
 
     explicit NamePattern(std::string_view pattern, Brackets brackets = Brackets::Elements);
 
-    // Whether more than one name can match.
+    // Returns whether more than one name can match.
     bool HasWildcards() const { return wildcards_; }
 
-    // Places in the pattern that the characters so far may have led to; none: nothing matches.
+    // The places in the pattern that the characters so far may have led to; if there are none,
+    // nothing matches.
     using State = std::vector<std::size_t>;
     State Start() const;
-    // Goes on by a part of a name. The name of a signal's member continues that of the signal;
-    // there "**" crosses no parenthesis, so that elements are meant only where the pattern has one.
+    // Advances by a part of a name. The name of a signal's member continues that of the signal;
+    // there "**" does not cross a parenthesis, so that elements match only if the pattern has one.
     void Advance(State& state, std::string_view part, bool member) const;
     bool Accepts(const State& state) const;
 
@@ -53,7 +55,7 @@ private:
     bool wildcards_ = false;
 };
 
-// Whether a declared name fits a pattern.
+// Returns whether a declared name matches a pattern.
 bool FitsGlob(std::string_view name, std::string_view pattern);
 
 }  // namespace corv::host

@@ -9,15 +9,15 @@ namespace corv::host {
 char LowerCase(char c);
 bool IsNameSeparator(char c);
 
-// How many characters the extended or escaped name at the front of the text has, 0 when there is
-// none or no level starts here (corv::EscapedNameLength).
+// Returns the length of the extended or escaped name at the front of the text, 0 if there is none
+// or no level starts here (corv::EscapedNameLength).
 std::size_t ExtendedNameLength(std::string_view text, bool level_start);
 
-// The text without separators in front.
+// Returns the text without leading separators.
 std::string_view WithoutLeadingSeparators(std::string_view text);
 
-// Calls `take` with each character and whether it is part of an extended name. All separators
-// outside are ".", square brackets are round ones.
+// Calls `take` with each character and whether it is part of an extended name. Outside such names
+// all separators become ".", and square brackets round ones.
 template <class Take>
 void ForEachSymbol(std::string_view name, bool level_start, Take take) {
     while (!name.empty()) {

@@ -5,8 +5,8 @@ namespace {
 
 constexpr std::string_view kNoName = " \t\r\n,\"'";
 
-// Where the name at the front of the text ends: at its "=" or at the ":" of its type; npos when
-// there is no name.
+// Returns where the name at the front of the text ends: at its "=" or at the ":" of its type; npos
+// if there is no name.
 std::size_t NameEnd(std::string_view text) {
     if (text.starts_with('(')) {
         return std::string_view::npos;
@@ -25,7 +25,7 @@ std::size_t NameEnd(std::string_view text) {
     return std::string_view::npos;
 }
 
-// Where a type ends: at the first "=" outside quotes.
+// Returns where a type ends: at the first "=" outside quotes.
 std::size_t TypeEnd(std::string_view text, std::size_t from) {
     bool quoted = false;
     for (std::size_t at = from; at < text.size(); ++at) {

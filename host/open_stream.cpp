@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Nothing is read from what is no ordinary file: a device might never end.
+// Only ordinary files are examined: a device might never end.
 bool IsPacked(const std::string& file_name) {
     std::error_code error;
     if (!fs::is_regular_file(file_name, error)) {
@@ -28,7 +28,7 @@ bool IsPacked(const std::string& file_name) {
     return file.read(mark.data(), mark.size()) && std::memcmp(mark.data(), "\x1F\x8B", 2) == 0;
 }
 
-// What comes only once and in order.
+// Reads what can be read only once and in order.
 PackedStream KeepPipe(const std::string& file_name) {
     if (file_name == "-") {
         return KeepPacked(std::cin);

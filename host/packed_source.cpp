@@ -20,18 +20,18 @@ namespace {
 
 using Byte = unsigned char;
 
-constexpr std::size_t kWindow = 32'768;  // what unpacking looks back at
+constexpr std::size_t kWindow = 32'768;  // how far unpacking looks back
 constexpr std::size_t kBuffer = std::size_t{1} << 18;
 constexpr int kRaw = -15;
 constexpr int kGzip = 31;
 constexpr const char* kChanged = "the packed file was changed while it was read";
 
-// A place from which unpacking can begin.
+// A place from which unpacking can begin: only the 32 KiB before it are needed.
 struct Place {
     std::uint64_t unpacked;
     std::uint64_t packed;
     int format;                // kGzip at the beginning of a packed file, else kRaw
-    int bits = 0;              // of the byte in front of `packed` that are still to come
+    int bits = 0;              // unused bits of the byte before `packed`
     std::vector<Byte> window;  // what was unpacked before it
 };
 
@@ -43,21 +43,22 @@ public:
     Unpacker& operator=(const Unpacker&) = delete;
     ~Unpacker() { inflateEnd(&stream_); }
 
-    // False when the input can't be read there.
+    // Returns false if the input cannot be read there.
     bool Begin(const Place& place);
 
-    // Unpacks up to so many bytes, to the next end of a block at most. `code` is that of inflate.
+    // Unpacks up to `size` bytes, but not past the end of a block. `code` is that of inflate.
     std::size_t Read(Byte* to, std::size_t size, int& code);
 
     std::uint64_t unpacked() const { return unpacked_; }
     std::uint64_t packed() const { return packed_ - stream_.avail_in; }
-    // Whether a block ends here and another one of the same file follows; the bits of its first
-    // byte that are not used up.
+    // Return whether a block ends here and another one of the same file follows, and how many bits
+    // of the last byte are unused.
     bool at_block() const { return (stream_.data_type & 0xC0) == 0x80; }
     int bits() const { return stream_.data_type & 7; }
     const char* message() const { return stream_.msg != nullptr ? stream_.msg : "no gzip data"; }
 
-    // Behind the end of a packed file: whether another one follows, which is then begun.
+    // After the end of a packed file, returns whether another one follows, and begins it: gzip
+    // files may be concatenated.
     bool BeginNext();
 
 private:
@@ -67,7 +68,7 @@ private:
     std::vector<Byte> input_;
     z_stream stream_{};
     int format_ = 0;
-    std::uint64_t packed_ = 0;  // that were taken from the input
+    std::uint64_t packed_ = 0;  // taken from the input
     std::uint64_t unpacked_ = 0;
 };
 
@@ -128,9 +129,9 @@ public:
     explicit PackedSource(std::unique_ptr<std::istream> in)
         : in_(std::move(in)), unpacker_(*in_), scratch_(kBuffer) {}
 
-    // Finds the places; gives why it ended before the end, or an empty text.
+    // Finds the places; returns why it stopped before the end, or an empty text.
     std::string GoThrough(std::uint64_t packed_size, const std::function<void(double)>& progress);
-    // Takes them as they are.
+    // Uses places that are already known.
     void SetPlaces(std::vector<Place> places, std::uint64_t size) {
         places_ = std::move(places);
         size_ = size;
@@ -183,7 +184,8 @@ std::string PackedSource::GoThrough(std::uint64_t packed_size,
                                      "): what can be unpacked is read";
 }
 
-// Of many places every second one is enough.
+// Adds a place. If there are too many, every second one is dropped and the distance doubles, so
+// that memory stays limited whatever the size.
 void PackedSource::AddPlace(const std::vector<Byte>& window) {
     constexpr std::size_t kMostPlaces = 512;
     places_.push_back({unpacker_.unpacked(), unpacker_.packed(), kRaw, unpacker_.bits(), window});
@@ -197,7 +199,7 @@ void PackedSource::AddPlace(const std::vector<Byte>& window) {
     }
 }
 
-// On from where the last reading ended, or from the last place in front of it.
+// Continues from where the last reading ended, or from the last place before the offset.
 bool PackedSource::GoTo(std::uint64_t offset) {
     const auto after =
         std::upper_bound(places_.begin(), places_.end(), offset,
@@ -238,7 +240,8 @@ const char* PackedSource::Read(std::uint64_t offset, void* to, std::size_t size)
 
 // ---- what comes only once ----
 
-// Packs what is read from a stream, in parts that can be unpacked for themselves.
+// Packs a stream in parts that can be unpacked independently of each other (a full flush resets the
+// window).
 class Packer {
 public:
     Packer() { deflateInit2(&stream_, 1, Z_DEFLATED, kRaw, 8, Z_DEFAULT_STRATEGY); }

@@ -5,17 +5,18 @@
 
 namespace corv::host {
 
-// What the parts of a picture are drawn with.
+// The colours of a picture by meaning.
 enum class Ink { Text, Muted, Strong, Unknown, HighZ, Weak, DontCare, Bus, Activity };
 
 struct InkRow {
     std::string_view name;
     int terminal;            // one of the 256 colours, -1 for the terminal's own
-    std::string_view light;  // on a light ground
-    std::string_view dark;   // on a dark ground
+    std::string_view light;  // on a light background
+    std::string_view dark;   // on a dark background
 };
 
-// In the order of Ink. They survive print and colour blindness; each comes with a shape of its own.
+// In the order of Ink. No meaning depends on colour alone, for print and colour blindness: each
+// class also has a shape of its own.
 inline constexpr std::array<InkRow, 9> kInks{{
     {"text", -1, "#1f2328", "#e6edf3"},
     {"muted", 244, "#6a737d", "#8b949e"},

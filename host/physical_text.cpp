@@ -1,3 +1,6 @@
+// Writes and reads values of physical types, such as 15 ns. The recording stores only a number of
+// the smallest unit; the units come from the type's name or from the property Units.
+
 #include "host/physical_text.h"
 
 #include <algorithm>
@@ -36,11 +39,12 @@ bool ReadWhole(std::string_view text, Number& number) {
     return !text.empty() && read.ec == std::errc() && read.ptr == text.data() + text.size();
 }
 
-// A decimal number times a size, when that is whole and fits.
+// Returns a decimal number times a size if that is whole and fits.
 std::optional<std::int64_t> Times(std::string_view number, std::int64_t size) {
     const std::size_t point = std::min(number.find('.'), number.size());
     std::string digits(number.substr(0, point));
     for (const char c : number.substr(std::min(point + 1, number.size()))) {
+        // 1.5 us is 15 tenths of a microsecond, and the tenth has to be a whole number as well
         if (size % 10 != 0) {
             return std::nullopt;
         }
@@ -73,6 +77,7 @@ PhysicalUnits ReadUnits(std::string_view text) {
         std::int64_t size = 0;
         if (equals == std::string_view::npos ||
             !ReadWhole(Trimmed(part.substr(equals + 1)), size) || size < 1 ||
+            // the first unit is the one that values are counted in
             (units.empty() && size != 1)) {
             return {};
         }
@@ -85,11 +90,13 @@ PhysicalUnits ReadUnits(std::string_view text) {
 }
 
 std::optional<std::string> PhysicalText(double number, const PhysicalUnits& units) {
+    // 2^63, the first number that does not fit
     constexpr double kEnd = 9223372036854775808.0;
     if (units.empty() || !(number >= -kEnd && number < kEnd) || number != std::trunc(number)) {
         return std::nullopt;
     }
     const auto whole = static_cast<std::int64_t>(number);
+    // 0 is whole in every unit, so it takes the smallest
     std::size_t unit = whole == 0 ? 0 : units.size() - 1;
     while (unit > 0 && whole % units[unit].size != 0) {
         --unit;

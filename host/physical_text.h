@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// Values of physical types, which are stored as numbers of their primary unit, as texts with units:
-// a `time` of 103375000000 is "103375ns".
+// Values of physical types as texts with units. They are stored as numbers of their primary unit: a
+// `time` of 103375000000 is "103375ns".
 namespace corv::host {
 
 struct PhysicalUnit {
@@ -17,18 +17,19 @@ struct PhysicalUnit {
 };
 using PhysicalUnits = std::vector<PhysicalUnit>;  // the primary one first, rising
 
-// The units of a type by its name, those of time in femtoseconds; empty for any other type.
+// Returns the units of a type by its name: those of time in femtoseconds, none for any other type.
 PhysicalUnits UnitsOfType(std::string_view type_name);
 
-// Reads "ohm = 1, kohm = 1000", the property "Units" of recorded signals; empty when it is none.
+// Reads "ohm = 1, kohm = 1000", the property "Units" of recorded signals; empty if it is not of
+// that form.
 PhysicalUnits ReadUnits(std::string_view text);
 
-// The number in the largest unit in which it is whole, 0 in the primary one. Nothing for a number
-// that is not whole or passes 64 bits, and without units.
+// Returns the number in the largest unit in which it is whole, 0 in the primary unit. Returns
+// nullopt for a number that is not whole or exceeds 64 bits, and without units.
 std::optional<std::string> PhysicalText(double number, const PhysicalUnits& units);
 
-// Reads "103375ns", "103375 ns" and "1.5us" as a number of the primary unit. Nothing when it is no
-// such text or not whole.
+// Reads "103375ns", "103375 ns" and "1.5us" as a number of the primary unit. Returns nullopt for
+// other texts and if the result is not whole.
 std::optional<std::int64_t> ReadPhysical(std::string_view text, const PhysicalUnits& units);
 
 }  // namespace corv::host

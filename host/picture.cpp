@@ -25,6 +25,8 @@ constexpr std::array<LetterRow, 9> kLetters{{
     {'-', ValueClass::DontCare},
 }};
 
+// Returns the single letter of a value text, with or without quotes, in upper case; 0 if there is
+// more than one letter.
 char Bare(std::string_view text) {
     if (text.size() == 3 && text.front() == text.back() && (text[0] == '\'' || text[0] == '"')) {
         text = text.substr(1, 1);
@@ -33,9 +35,10 @@ char Bare(std::string_view text) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-// Appends what holds from a time on; what held before ends there.
+// Appends the value that holds from a time on, where the one before it ends.
 void Append(Lane& lane, std::int64_t from, ShownValue value, std::int64_t end) {
     if (!lane.segments.empty()) {
+        // a later value at the same time replaces one that lasted no time
         if (lane.segments.back().from == from) {
             lane.segments.pop_back();
         }
@@ -96,6 +99,8 @@ private:
         return trace_.bus ? ClassifyBus(value) : Classify(value);
     }
 
+    // Adds a stretch in which more happens than was recorded one by one. It is drawn as Activity;
+    // the changes in it only decide the value after it.
     std::size_t AddCrowd(TimeWindow crowd, std::size_t next) {
         const std::int64_t last = std::min(grid_.Column(crowd.end - 1), grid_.Columns() - 1);
         const std::int64_t end = grid_.First(last + 1);
@@ -108,6 +113,8 @@ private:
         return next;
     }
 
+    // Adds the changes of one column. Events that do not change the shown value do not count: a
+    // column is Activity only if more than one visible change is in it.
     std::size_t AddColumn(std::size_t next) {
         const std::int64_t column = grid_.Column(trace_.changes[next].time);
         const std::int64_t end = grid_.First(column + 1);
@@ -131,8 +138,8 @@ private:
         return next;
     }
 
-    // Single changes beside Activity belong to it: edges between dense marks would look like a slow
-    // signal that isn't there.
+    // Single changes next to Activity become part of it: edges between dense bands would look like
+    // a slow signal that does not exist.
     void JoinActivity() {
         std::vector<Segment> segments;
         std::swap(segments, lane_.segments);
@@ -152,8 +159,8 @@ private:
         }
     }
 
-    // The first run of columns with changes, from a column border on, that has Activity; an empty
-    // window when there is none.
+    // Returns the first run of columns with changes, from a column border on, that contains
+    // Activity; an empty window if there is none.
     TimeWindow NextRun(std::int64_t border) {
         for (auto first = At(grid_.Column(border)); first != marks_.end();) {
             const auto end = std::find(first, marks_.end(), Mark::Nothing);
@@ -165,7 +172,7 @@ private:
         return {window_.end, window_.end};
     }
 
-    // After the column of the last time that something is known of there is no value.
+    // Removes everything after the column of the last known time.
     void EndWithKnowledge() {
         const std::int64_t known = trace_.known_until.value_or(window_.end);
         const std::int64_t end =

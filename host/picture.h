@@ -11,7 +11,7 @@
 #include "host/time_grid.h"
 #include "host/trace.h"
 
-// What a picture of waveforms shows, whatever it is drawn with: lanes of segments of time.
+// What a picture of waveforms shows, whatever draws it: lanes of segments of time.
 namespace corv::host {
 
 enum class ValueClass {
@@ -28,7 +28,7 @@ enum class ValueClass {
     Activity,  // not a value: several changes closer together than the picture can show
 };
 
-// Where a class is drawn: a line at the bottom, the middle or the top, a filled box over the
+// How a class is drawn: as a line at the bottom, the middle or the top, a filled box over the
 // lane's whole height, two rails with a text between them, or nothing.
 enum class Level { Nothing, Bottom, Middle, Top, Box, Rails };
 
@@ -64,12 +64,13 @@ struct ShownValue {
     bool operator==(const ShownValue&) const = default;
 };
 
-// A value text as shown. One of the nine values of std_logic, in either case and with or without
-// quotes, becomes its upper-case letter; anything else is a bus value with its text as it is.
+// Returns a value text as it is shown. One of the nine values of std_logic, in either case and with
+// or without quotes, becomes its upper-case letter; anything else is a bus value with its text
+// unchanged.
 ShownValue Classify(std::string_view value_text);
 
-// The value of a bus as shown: a bus value with its text, or what it is when all of its characters
-// are Z, or X or U.
+// Returns the value of a bus as it is shown: a bus value with its text, or the class of Z, X or U
+// if all its characters are that letter.
 ShownValue ClassifyBus(std::string_view value_text);
 
 struct Segment {
@@ -78,30 +79,32 @@ struct Segment {
     ShownValue value;
 };
 
-// Segments follow one another without a gap, from the window's start to its end; neighbours differ.
+// A trace laid out for a picture. Segments follow one another without a gap, from the window's
+// start to its end; neighbours differ.
 struct Lane {
     std::string name;
-    bool binary = false;  // the values are bits, a digit for each; hexadecimal ones take less room
+    bool binary = false;  // one digit per bit; hexadecimal digits would take less room
     std::vector<Segment> segments;
 };
 
-// A lane for drawing on the grid. A column with two or more changes and one that touches a crowded
-// stretch show Activity from border to border, and so do the columns beside it that have a change,
-// up to the first without one; changes elsewhere keep their exact time. After the
-// column of the last time that something is known of the lane is empty.
+// Returns a lane for drawing on the grid. A column with two or more changes, or one that touches a
+// crowded stretch, shows Activity from border to border, and so do adjacent columns with a change,
+// up to the first without one. Changes elsewhere keep their exact time. After the column of the
+// last known time the lane is empty.
 Lane LayOut(const Trace& trace, const TimeGrid& grid);
 
-// A binary lane with its values in hexadecimal digits; nothing when these don't tell all of them.
+// Returns a binary lane with its values in hexadecimal digits; nullopt if these cannot express all
+// of them.
 std::optional<Lane> InHex(const Lane& lane);
 
-// What one column of a lane shows: the segment, and on an edge the segment that ends there.
+// What one column of a lane shows: a segment and, on an edge, the segment that ends there.
 struct Cell {
     const Segment* segment;
     const Segment* before = nullptr;
 };
 
-// The lane's columns on the grid that it was laid out for. Where a first value or Activity begins
-// or Activity ends there is no edge: the column shows the segment itself.
+// Returns the lane's columns on the grid that it was laid out for. Where the first value or
+// Activity begins, or Activity ends, there is no edge: the column shows the segment itself.
 std::vector<Cell> CellsOf(const Lane& lane, const TimeGrid& grid);
 
 struct Tick {

@@ -14,7 +14,8 @@ namespace {
 
 constexpr std::size_t kManyTexts = 4096;
 
-// Whole numbers of several digits all say the same of a type, so of many some do.
+// Whole numbers of several digits all imply the same type, so a sample of them is enough; a counter
+// would otherwise fill the memory.
 bool SaysNoMore(const std::string& text) {
     return text.size() > 1 && text.size() < 10 &&
            text.find_first_not_of("0123456789") == std::string::npos;
@@ -28,7 +29,7 @@ void AddElements(const std::string& value, Shape shape, std::set<std::string>& t
     }
 }
 
-// The texts of the values from a window's start through its end.
+// Returns the texts of the values from a window's start through its end.
 std::set<std::string> TextsIn(const SourceSignal& signal, TimeWindow window) {
     std::set<std::string> texts;
     std::string last;
@@ -44,7 +45,7 @@ std::set<std::string> TextsIn(const SourceSignal& signal, TimeWindow window) {
     return texts;
 }
 
-// The part of a window in which a source that repeats has shown all its values, as a rule.
+// Returns the part of a window in which a repeating source has usually shown all its values.
 TimeWindow Beginning(Source& source, TimeWindow window) {
     return {window.start, std::min(window.end, source.NaturalEnd(window.start))};
 }
@@ -67,7 +68,7 @@ bool Write(SourceReader& reader, const std::string& file_name, const RecordOptio
     return WriteVcd(reader, file_name.c_str(), vcd);
 }
 
-// Empty when all has been written, else why a source could not be read on.
+// Returns an empty text if everything was written, otherwise why a source could not be read on.
 std::string TryRecord(const std::vector<SourceSignal>& signals, const std::string& file_name,
                       const RecordOptions& options) {
     SourceReader reader(signals, options.window);
@@ -90,7 +91,7 @@ void RecordSources(std::vector<SourceSignal> signals, const std::string& file_na
         }
     }
     std::string problem = TryRecord(signals, file_name, options);
-    if (!problem.empty() && surveyed) {  // a value that comes late has another type
+    if (!problem.empty() && surveyed) {  // a late value has another type: write again
         for (SourceSignal& signal : signals) {
             if (signal.type.empty()) {
                 signal.elements = TextsIn(signal, options.window);

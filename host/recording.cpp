@@ -16,7 +16,8 @@ namespace {
 
 using Value = std::array<unsigned char, 16>;
 
-// The units of a physical type, which signals don't take over from their recording themselves.
+// Takes over the units of a physical type, which signals do not load from their recording
+// themselves.
 void TakeUnits(stremo::IEventsStreamRead& reader, ISignal& leaf) {
     constexpr const char* kUnits = "Units";
     if (const char* const units = reader.GetSignalProperty(leaf.GetHandle(), kUnits)) {
@@ -26,7 +27,7 @@ void TakeUnits(stremo::IEventsStreamRead& reader, ISignal& leaf) {
 
 }  // namespace
 
-// The waves of leaves by handle; leaves of one handle may have a wave each.
+// The waves of leaves by handle; leaves with the same handle may have a wave each.
 class Recording::Waves final : public IStreamOverview {
 public:
     // Empties the waves.
@@ -99,7 +100,8 @@ std::int64_t Recording::LatestTime() const {
     return std::max<std::int64_t>(signals_->GetMaxTime(), 0);
 }
 
-// The values that the leaves bring into a window become events of the last picosecond before it.
+// The values that the leaves have before a window become events at the last picosecond before it,
+// so that a trace finds them in the waves like any other.
 void Recording::LoadBefore(Waves& waves, std::int64_t start) const {
     const std::vector<int>& handles = waves.Handles();
     SelectStreamSignals(Reader(), handles.data(), static_cast<int>(handles.size()));

@@ -19,7 +19,7 @@ namespace corv::host {
 
 // A recording that is open: its signals, whose waves are filled on demand.
 //
-// Throws std::runtime_error, with a sentence, when the recording can't be read.
+// Throws std::runtime_error, with a sentence, if the recording cannot be read.
 class Recording {
 public:
     explicit Recording(const std::string& file_name, const OpenOptions& options = {});
@@ -27,24 +27,24 @@ public:
     stremo::IEventsStreamRead& Reader() const { return *stream_.reader; }
     ISignalContainer& Signals() const { return *signals_; }
 
-    // What was repaired, guessed or lost so far, a sentence each.
+    // What was repaired, assumed or lost so far, one sentence each.
     std::vector<std::string> Notes() const;
 
-    // Why the recording can't be read on; empty when it can.
+    // Why the recording cannot be read any further; empty if it can.
     std::string Problem() const;
 
-    // The latest time of all signals, in picoseconds; 0 without any event.
+    // The latest time of all signals, in picoseconds; 0 without events.
     std::int64_t LatestTime() const;
 
-    // Fills the waves of the signals' leaves with their events in a window, the end included; when
-    // these have more than `most` different times, with those of somewhat more than the first ones.
-    // The value that a leaf brings into the window becomes an event of the last picosecond before
-    // it.
+    // Fills the waves of the signals' leaves with their events in a window, the end included. If
+    // these have more than `most` different times, only somewhat more than the first `most` are
+    // loaded. The value that a leaf has before the window becomes an event at the last picosecond
+    // before it.
     void Load(const std::vector<ISignal*>& signals, TimeWindow window,
               std::size_t most = kAllTimes) const;
 
-    // The same with no more events than a drawing on the grid can show: of the changes of a leaf in
-    // one column the first two and the last.
+    // The same with no more events than a drawing on the grid can show: the first two changes and
+    // the last one of a leaf in each column.
     void LoadForGrid(const std::vector<ISignal*>& signals, const TimeGrid& grid) const;
 
     static constexpr std::size_t kAllTimes = std::numeric_limits<std::size_t>::max() - 1;

@@ -17,12 +17,12 @@
 namespace corv::host {
 namespace {
 
-// A time of at least -1, later or earlier.
+// Moves a time of at least -1 later or earlier.
 std::int64_t Moved(std::int64_t time, std::int64_t by) {
     return by >= 0 ? Later(time, by) : time + by;
 }
 
-// The stimulus of a recorded signal, later by a shift.
+// The stimulus of a recorded signal, delayed by a shift.
 class ReplaySource final : public Source {
 public:
     ReplaySource(std::unique_ptr<CCustomStimulus> stimulus, std::int64_t shift, std::int64_t last)
@@ -55,8 +55,9 @@ private:
     std::int64_t last_;
 };
 
-// The source of one scalar. All those of a replay share what is read of the recording. An array
-// without elements, which is no scalar, and what the recording has no values of stay empty.
+// Makes the source of one scalar. All sources of a replay share what is read from the recording. An
+// array without elements, which is not a scalar, and a signal without values in the recording have
+// no events.
 std::unique_ptr<Source> MakeLeaf(const Recording& recording, ISignal& leaf, std::int64_t shift) {
     auto stimulus = std::make_unique<CCustomStimulus>();
     const int handle = leaf.GetHandle();
@@ -70,7 +71,7 @@ std::unique_ptr<Source> MakeLeaf(const Recording& recording, ISignal& leaf, std:
     return std::make_unique<ReplaySource>(std::move(stimulus), shift, recording.LatestTime());
 }
 
-// Interest is told first, so that one reading serves all of them.
+// Selects all leaves first, so that reading the file once serves all of them.
 std::vector<std::unique_ptr<Source>> MakeLeaves(const Recording& recording, ISignal& signal,
                                                 std::int64_t shift) {
     const std::vector<ISignal*> leaves = LeavesOf(signal);

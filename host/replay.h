@@ -11,8 +11,8 @@
 namespace corv::host {
 
 // A recorded signal as a source of events, through custom stimuli. They are made from the open
-// recording and not from a name, so that the user's file is neither opened again nor deleted, and
-// that no name is taken for another signal's.
+// recording and not by name, so that the user's file is neither opened again nor deleted, and no
+// name can be mistaken for that of another signal.
 struct Replay {
     std::string name;  // the signal's full name, as shown
     std::unique_ptr<Source> source;
@@ -20,10 +20,11 @@ struct Replay {
     std::string type;
 };
 
-// Events come `shift` picoseconds later than in the recording, those before 0 not at all.
+// Events come `shift` picoseconds later than in the recording; those that would be before 0 are
+// dropped.
 //
-// Throws std::runtime_error, with a sentence, when the recording can't be opened, has no such
-// signal or the name is a pattern of several.
+// Throws std::runtime_error, with a sentence, if the recording cannot be opened or has no such
+// signal, or if the name is a pattern that matches several.
 Replay MakeReplay(const std::string& file_name, const std::string& signal, std::int64_t shift,
                   const OpenOptions& options = {});
 

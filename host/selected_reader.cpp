@@ -26,7 +26,7 @@ int IndexIn(ISignalContainer& container, const ISignal* signal) {
     return -1;
 }
 
-// Whether a signal comes with another one anyway.
+// Returns whether a signal comes with another selected one anyway.
 bool StandsBelow(ISignal& signal, const std::unordered_set<const ISignal*>& signals) {
     for (ISignal* at = signal.GetParent(); at != nullptr; at = at->GetParent()) {
         if (signals.count(at) != 0) {

@@ -9,11 +9,12 @@
 
 namespace corv::host {
 
-// A recording's reader that has certain signals only, each at the top level under its full name,
-// with all that is below it.
+// Shows only certain signals of a recording's reader, each at the top level under its full name,
+// with everything below it.
 class SelectedReader final : public stremo::IEventsStreamRead {
 public:
-    // The recording must outlive it. A slice is no signal of a recording: none may be among them.
+    // The recording must outlive it. There must be no slices among the signals, since these are not
+    // signals of the recording.
     SelectedReader(const Recording& recording, const std::vector<NamedSignal>& signals);
 
     const char* GetFormatName() override { return reader_.GetFormatName(); }
@@ -47,7 +48,7 @@ private:
     stremo::IEventsStreamRead& reader_;
     std::vector<Selected> selected_;
     std::vector<int> leaves_;
-    const Selected* given_ = nullptr;  // whose handle was given last
+    const Selected* given_ = nullptr;  // whose handle was returned last
 };
 
 }  // namespace corv::host

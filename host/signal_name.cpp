@@ -1,3 +1,6 @@
+// Finds signals by the names that users type: in either letter case, with either kind of brackets,
+// with wildcards, and with slices of vectors.
+
 #include "host/signal_name.h"
 
 #include <algorithm>
@@ -30,6 +33,7 @@ std::string FullName(ISignal& signal) {
     if (SUCCEEDED(signal.GetFullName(name.data(), name.size()))) {
         return name.data();
     }
+    // GetFullName does not say how long a name is, so larger and larger buffers are tried.
     for (std::size_t size = kUsualName * 8; size <= kLongestName; size *= 8) {
         std::string longer(size, '\0');
         if (SUCCEEDED(signal.GetFullName(longer.data(), static_cast<std::uint32_t>(size)))) {
@@ -42,7 +46,7 @@ std::string FullName(ISignal& signal) {
 // "a(7 downto 4)" or "a[7:4]" as its parts.
 struct SliceName {
     std::string base;
-    std::string text;  // what stands behind it, "(7 downto 4)"
+    std::string text;  // what follows it, "(7 downto 4)"
     int left = 0;
     int right = 0;
 };
@@ -83,20 +87,23 @@ std::optional<SliceName> ReadSlice(std::string_view name) {
     return std::nullopt;
 }
 
-// Gives the scalars of one signal the waves of another one of the same type.
+// Makes the scalars of one signal share the waves of another one of the same type.
 bool ShareWaves(ISignal& signal, ISignal& original) {
     const std::vector<ISignal*> leaves = LeavesOf(signal);
     const std::vector<ISignal*> originals = LeavesOf(original);
     bool shared = leaves.size() == originals.size();
     for (std::size_t i = 0; shared && i < leaves.size(); ++i) {
         shared = SUCCEEDED(leaves[i]->SetWave(originals[i]->GetWave()));
+        // events are loaded by handle, for slices as for other signals
         leaves[i]->SetHandle(originals[i]->GetHandle());
     }
     return shared;
 }
 
-// A signal of some elements of an array, which has their waves.
+// Makes a signal of some elements of an array, which shares their waves.
 frame::ComPtr<ISignal> MakeSlice(ISignal& array, const SliceName& slice) {
+    // The type of the slice is the array's with another range. Its elements get the names of those
+    // in the array, by which the originals are found.
     const KTypeInfo type{CString(array.GetTypeInfo())};
     const std::int64_t count = std::abs(std::int64_t{slice.left} - slice.right) + 1;
     if (array.GetSubSignals() == nullptr || type.GetNbOfDimensions() != 1 ||
@@ -128,8 +135,7 @@ frame::ComPtr<ISignal> MakeSlice(ISignal& array, const SliceName& slice) {
     return made;
 }
 
-// Searches for a name, written exactly so first, among the signals of a container before among
-// their members.
+// Searches for a name: exact matches first, and signals of a container before their members.
 class NameSearch {
 public:
     explicit NameSearch(std::string_view name) : shown_(ShownName(name)), plain_(PlainName(name)) {}
@@ -160,7 +166,7 @@ private:
     std::array<ISignal*, 4> found_{};
 };
 
-// Takes the signals that match a pattern; below one that does not, its members that do.
+// Takes the signals that match a pattern and, below one that does not, the members that do.
 class PatternSearch {
 public:
     explicit PatternSearch(const NamePattern& pattern) : pattern_(pattern) {}
@@ -193,9 +199,10 @@ private:
             const std::string_view own =
                 std::string_view(name).substr(std::min(parent.size(), name.size()));
             NamePattern::State state = before;
+            // the first character, a separator or a parenthesis, is the same for all members
             pattern_.Advance(state, own.substr(0, 1), true);
             if (state.empty()) {
-                return;  // as for all of them
+                return;  // no other member can match either
             }
             state = before;
             pattern_.Advance(state, own, true);
@@ -220,7 +227,7 @@ std::vector<NamedSignal> FindMatching(ISignalContainer& signals, std::string_vie
     return selected;
 }
 
-// Names of signals, each followed by those of its fields.
+// Adds names of signals, each followed by those of its fields.
 void AddNames(ISignalContainer& signals, std::size_t most, std::vector<std::string>& names) {
     ISignal* signal = nullptr;
     for (std::uint32_t i = 0; SUCCEEDED(signals.GetAt(i, &signal)) && names.size() < most; ++i) {
@@ -273,6 +280,7 @@ std::vector<NamedSignal> SelectSignals(ISignalContainer& signals, const std::str
             return slices;
         }
     }
+    // a[3] is an element if there is one, else a set of characters
     for (const auto brackets : {NamePattern::Brackets::Elements, NamePattern::Brackets::Sets}) {
         const NamePattern compiled(pattern, brackets);
         auto selected = compiled.HasWildcards() ? PatternSearch(compiled).In(signals)

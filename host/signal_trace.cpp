@@ -10,7 +10,7 @@
 namespace corv::host {
 namespace {
 
-// The events of the leaves of a signal together, in order of time.
+// Merges the events of a signal's leaves in order of time, with a queue of each leaf's next one.
 class LeafEvents {
 public:
     LeafEvents(ISignal& signal, std::int64_t start) {
@@ -27,10 +27,10 @@ public:
         }
     }
 
-    // The time of the next event, -1 without one.
+    // Returns the time of the next event, -1 if there is none.
     std::int64_t NextTime() const { return next_.empty() ? -1 : next_.top().first; }
 
-    // Takes the events of that time.
+    // Takes all events at that time.
     void Take() {
         for (const std::int64_t time = NextTime(); !next_.empty() && next_.top().first == time;) {
             const std::size_t leaf = next_.top().second;

@@ -14,13 +14,13 @@ namespace corv::host {
 
 inline constexpr std::size_t kAllChanges = std::numeric_limits<std::size_t>::max();
 
-// What a signal does in a window, the end included, read from the waves of its leaves; the first
-// `most` changes, then the trace is truncated. A vector whose elements are single characters is
-// written through `format`.
+// Returns what a signal does in a window, the end included, read from the waves of its leaves.
+// After the first `most` changes the trace is truncated. A vector whose elements are single
+// characters is written with `format`.
 Trace ReadTrace(ISignal& signal, TimeWindow window, const BusFormat& format,
                 std::size_t most = kAllChanges);
 
-// The same with texts made otherwise, of the values of the signal's leaves.
+// As above, with caller-supplied formatting of the values of the signal's leaves.
 Trace ReadTrace(ISignal& signal, TimeWindow window,
                 const std::function<std::string(std::span<const LeafValue>)>& text_of,
                 std::size_t most = kAllChanges);

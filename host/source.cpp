@@ -9,8 +9,9 @@ namespace corv::host {
 namespace {
 
 constexpr std::int64_t kLastTime = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t kSmallestWindow = 1000;  // a window around a single event, 1 ns
+constexpr std::int64_t kSmallestWindow = 1000;  // a window around a single event: 1 ns
 
+// An eighth more than the distance from the start, so that the last value can be seen.
 std::int64_t WithMargin(std::int64_t start, std::int64_t last) {
     const std::int64_t from = std::max(start, last);
     return Later(from, std::max<std::int64_t>((from - start) / 8, last > start ? 1 : 0));

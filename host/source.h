@@ -9,7 +9,7 @@
 
 namespace corv::host {
 
-// What a signal does over time, asked event by event. Times are picoseconds.
+// Anything that can be asked, event by event, what a signal does over time. Times are picoseconds.
 class Source {
 public:
     Source() = default;
@@ -17,18 +17,18 @@ public:
     Source& operator=(const Source&) = delete;
     virtual ~Source() = default;
 
-    // The first event strictly after a time, -1 when there is none.
+    // Returns the first event strictly after a time, -1 if there is none.
     virtual std::int64_t NextEvent(std::int64_t time) = 0;
-    // The value text at a time; nothing when there is no value yet.
+    // Returns the value text at a time, nullopt if there is no value yet.
     virtual std::optional<std::string> ValueAt(std::int64_t time) = 0;
 
-    // A sensible end for a window that begins at `start`. For what does not repeat: an eighth
-    // behind its last element; for what does: two periods behind `start` or the first event,
-    // whichever is later, and in any case an eighth behind its last absolute element; for a
-    // counter: 16 counts.
+    // Returns a sensible end for a window that begins at `start`: an eighth after the last element
+    // of what does not repeat; two periods after `start` or the first event, whichever is later,
+    // for what repeats, and in any case an eighth after its last absolute element; 16 counts for a
+    // counter.
     virtual std::int64_t NaturalEnd(std::int64_t start) = 0;
 
-    // Whether the value is that of several elements, even when it is a single character long.
+    // Returns whether the value is that of several elements, even if it is only one character long.
     virtual bool IsBus() const { return false; }
 };
 
@@ -45,7 +45,7 @@ private:
     std::unique_ptr<CStimulus> stimulus_;
 };
 
-// The sum, or the end of the range of times.
+// Returns the sum, or the end of the range of times.
 std::int64_t Later(std::int64_t time, std::int64_t by);
 
 }  // namespace corv::host

@@ -27,7 +27,7 @@ SourceReader::SourceReader(const std::vector<SourceSignal>& signals, TimeWindow 
     }
 }
 
-// Depth first, as the signals are written.
+// Numbers the signals depth first, the order in which they are written.
 void SourceReader::Number(ISignal& signal) {
     signal.SetHandle(static_cast<int>(signals_.size()));
     signals_.push_back(&signal);
@@ -105,7 +105,7 @@ void SourceReader::Begin(Top& top) {
     }
 }
 
-// Until its next event.
+// Queues a source for its next event.
 void SourceReader::Wait(std::size_t number, std::int64_t time) {
     const std::int64_t next = tops_[number].source->NextEvent(time);
     if (next >= 0 && next <= window_.end) {

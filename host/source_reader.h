@@ -21,21 +21,21 @@ struct SourceSignal {
     std::string name;
     Source* source = nullptr;
     Shape shape;
-    std::string type;                // empty: the values tell it
-    std::set<std::string> elements;  // the texts of values that tell it
+    std::string type;                // empty: inferred from the values
+    std::set<std::string> elements;  // the texts of values from which it is inferred
 };
 
-// What sources do in a window, the end included, read as a recording that is made as it is read:
-// nothing of it is kept. A value that a source brings into the window is an event of the last
-// picosecond before it.
+// Presents what sources do in a window, the end included, as a recording that is made while it is
+// read: nothing of it is kept. So the writers of recordings can write formulas of any length. A
+// value that a source has before the window is an event at the last picosecond before it.
 class SourceReader final : public stremo::IEventsStreamRead {
 public:
-    // The sources must outlive it. Throws std::runtime_error when a type can't be told.
+    // The sources must outlive it. Throws std::runtime_error if a type cannot be inferred.
     SourceReader(const std::vector<SourceSignal>& signals, TimeWindow window);
 
     // The handles of all scalars, in order.
     const std::vector<int>& leaves() const { return leaves_; }
-    // Why the last Next went no further; empty at the end.
+    // Why the last Next stopped; empty at the end.
     const std::string& Problem() const { return problem_; }
 
     const char* GetFormatName() override { return "formulas"; }
@@ -46,7 +46,7 @@ public:
                        int& mode, std::int64_t& max_time) override;
     const char* GetSignalProperty(int, const char*) override { return nullptr; }
     const char* GetTypeString(int handle) override;
-    // Goes to the window's start, from which on its events come, or to a time before it.
+    // Moves to the window's start, where its events begin, or to a time before it.
     bool Seek(const std::int64_t* time) override;
     const std::int64_t* GetCurrentTime() override { return &time_; }
     int Next() override;
@@ -81,8 +81,8 @@ private:
     std::vector<ISignal*> signals_;  // by handle
     std::vector<int> leaves_;
     std::priority_queue<Turn, std::vector<Turn>, std::greater<>> turns_;
-    std::vector<Event> events_;  // of one time
-    std::size_t given_ = 0;      // of them
+    std::vector<Event> events_;  // those at one time
+    std::size_t given_ = 0;      // how many of them were returned
     std::vector<Event> cached_;
     std::int64_t time_ = -1;
     std::int64_t latest_ = 0;

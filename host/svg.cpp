@@ -13,13 +13,13 @@ namespace {
 // Pixels, except where a name says hundredths.
 constexpr std::int64_t kMargin = 16;
 constexpr std::int64_t kNameCharacter = 8;
-constexpr std::int64_t kValueHundredths = 740;  // a character of a value
+constexpr std::int64_t kValueHundredths = 740;  // the width of a value's character
 constexpr std::int64_t kTitleHeight = 32;
 constexpr std::int64_t kAxisHeight = 30;
 constexpr std::int64_t kLanePitch = 38;
 constexpr std::int64_t kWaveHeight = 22;
 constexpr std::int64_t kNoteHeight = 26;
-constexpr std::int64_t kSlope = 400;  // hundredths that the side of a bus value leans
+constexpr std::int64_t kSlope = 400;  // how far the side of a bus value leans, in hundredths
 
 struct GroundRow {
     std::string_view rule, light, dark;  // a colour goes between the rule and "}"
@@ -30,7 +30,8 @@ constexpr GroundRow kGrounds[] = {
     {".halo{stroke:", "#ffffff", "#0d1117"},
 };
 
-// Rules that hold on either ground. A hatch leans its own way for each of the filled classes.
+// Rules for both backgrounds. Each of the filled classes has a hatch of its own, so that they
+// differ without colour.
 constexpr std::string_view kRules =
     "text{font:12px ui-monospace,'DejaVu Sans Mono',Menlo,Consolas,monospace}"
     ".name{font-size:13px}.title{font:600 15px system-ui,'DejaVu Sans',sans-serif}"
@@ -74,7 +75,8 @@ std::string Escape(std::string_view text) {
     return escaped;
 }
 
-// Hundredths of a pixel as a decimal number.
+// Returns hundredths of a pixel as a decimal number. Whole-number arithmetic makes the same picture
+// on every machine, byte for byte.
 std::string Decimal(std::int64_t hundredths) {
     std::string text = std::to_string(hundredths / 100);
     if (const std::int64_t rest = hundredths % 100; rest != 0) {
@@ -88,11 +90,11 @@ std::string Point(std::string_view command, std::int64_t x, std::int64_t y) {
     return std::string(command) + Decimal(x) + " " + std::to_string(y);
 }
 
-// The outlines of one lane, gathered by what they are drawn with.
+// The outlines of one lane by ink: one path element per ink keeps large pictures small.
 struct LanePaths {
     std::array<std::string, kInks.size()> lines;
     std::array<std::string, kInks.size()> boxes;
-    std::string lit;  // the ground under a strong 1
+    std::string lit;  // the area below a strong 1
 };
 
 class SvgDrawing {
@@ -126,7 +128,7 @@ public:
     }
 
 private:
-    // A time's place in hundredths of a pixel.
+    // Returns a time's place in hundredths of a pixel.
     std::int64_t X(std::int64_t time) const { return left_ * 100 + fine_.Column(time); }
 
     bool Crowded() const {
@@ -144,7 +146,7 @@ private:
         }
     }
 
-    // Closed outlines: bus values lightly tinted, anything else hatched.
+    // Adds closed outlines: bus values lightly tinted, anything else hatched.
     void Boxes(Ink ink, std::string_view path) {
         const std::string name(RowOf(ink).name);
         if (ink == Ink::Bus) {
@@ -210,6 +212,8 @@ private:
                 "\" rx=\"6\"/>\n";
     }
 
+    // Draws the grid, the ruler and its labels; a label that would pass the right border is left
+    // out.
     void DrawAxis(std::int64_t bottom) {
         const std::int64_t line = top_ + kAxisHeight - 8;
         std::string grid;
@@ -242,6 +246,9 @@ private:
                Decimal(from) + "Z";
     }
 
+    // Draws one signal. Paths are collected by ink, so that a signal becomes a few elements however
+    // many segments it has. If a binary value has no room, all values of the lane become
+    // hexadecimal, so that no lane mixes both.
     void DrawLane(const Lane& lane, std::int64_t y) {
         const std::int64_t base = y + kWaveHeight / 2 + 4;
         Text("name text", kMargin * 100, base,
@@ -279,7 +286,7 @@ private:
         const std::int64_t from = X(segment.from);
         const std::int64_t to = X(segment.to);
         const auto ink = static_cast<std::size_t>(shape.ink);
-        // What reaches the window's border is drawn beyond it, where its end is cut off.
+        // A shape that reaches the window's border is drawn beyond it, where it is clipped.
         const std::int64_t open_from = segment.from == window_.start ? from - kSlope : from;
         const std::int64_t open_to = segment.to == window_.end ? to + kSlope : to;
         if (shape.level == Level::Box) {
@@ -302,7 +309,8 @@ private:
         return level == Level::Bottom || level == Level::Middle || level == Level::Top;
     }
 
-    // A level line with the edge that leads to it. In the same ink it goes on from the last one.
+    // Returns a level line with the edge that leads to it. In the same ink it continues the last
+    // line.
     static std::string LinePath(const ClassRow* before, const ClassRow& shape, std::int64_t from,
                                 std::int64_t to, std::int64_t y) {
         const std::string level = std::to_string(LevelY(shape.level, y));
@@ -318,6 +326,7 @@ private:
         return path + "H" + Decimal(to);
     }
 
+    // Returns the outline of a bus value, a hexagon whose slopes shrink if it is narrow.
     static std::string RailsPath(std::int64_t from, std::int64_t to, std::int64_t y) {
         const std::int64_t slope = std::min(kSlope, (to - from) / 2);
         const std::int64_t middle = LevelY(Level::Middle, y);
@@ -327,7 +336,7 @@ private:
                Decimal(from + slope) + "Z";
     }
 
-    // The characters that have room in a segment.
+    // Returns how many characters fit into a segment.
     std::size_t RoomOf(const Segment& segment) const {
         const std::int64_t room = X(segment.to) - X(segment.from) - 2 * kSlope;
         return room < 0 ? 0 : static_cast<std::size_t>(room / kValueHundredths);

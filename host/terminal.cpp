@@ -13,11 +13,11 @@ constexpr std::size_t kLanesPerRuler = 40;
 
 struct Glyphs {
     std::array<std::string_view, kClasses.size()> body;               // by ValueClass
-    std::array<std::array<std::string_view, kLevels>, kLevels> edge;  // by the Levels it joins
+    std::array<std::array<std::string_view, kLevels>, kLevels> edge;  // by the levels that it joins
     std::string_view ruler, tick, ellipsis;
 };
 
-// Rows and columns of `edge`: Nothing, Bottom, Middle, Top, Box, Rails.
+// The rows and columns of `edge` are Nothing, Bottom, Middle, Top, Box and Rails.
 constexpr Glyphs kBoxDrawing{{" ", "▁", "▔", "─", "₋", "⁻", "░", "░", "╱", "═", "║"},
                              {{{"", "", "", "", "", ""},
                                {"", "▁", "╭", "╱", "│", "<"},
@@ -29,7 +29,7 @@ constexpr Glyphs kBoxDrawing{{" ", "▁", "▔", "─", "₋", "⁻", "░", "�
                              "┬",
                              "…"};
 
-// Of compact drawings, whose lines touch each other.
+// For compact drawings, whose lines touch each other.
 constexpr Glyphs kBars{{" ", "▁", "▇", "─", "₋", "⁻", "░", "░", "╱", "═", "║"},
                        {{{"", "", "", "", "", ""},
                          {"", "▁", "╭", "▇", "│", "<"},
@@ -95,7 +95,8 @@ private:
     std::size_t Start() const { return style_.name_width + kTerminalGap; }
     std::size_t Columns() const { return static_cast<std::size_t>(picture_.grid.Columns()); }
 
-    // A character of the drawing; outside 7 bits it may become a question mark.
+    // Returns a character of the drawing; one beyond 7 bits becomes a question mark in ASCII
+    // drawings.
     std::string Shown(const std::string& character) const {
         return style_.ascii && character.size() > 1 ? "?" : character;
     }
@@ -141,7 +142,7 @@ private:
         AddRow(row);
     }
 
-    // Writes the values, or only tells whether each has room as a whole.
+    // Writes the values, or only returns whether there is room for each as a whole.
     bool PutValues(Row& row, const Lane& lane, bool write) const {
         const std::vector<Cell> cells = CellsOf(lane, picture_.grid);
         bool all = true;
@@ -170,7 +171,8 @@ private:
             Put(row, row.size(), glyphs_.body[static_cast<std::size_t>(value_class)], shape.ink);
             return;
         }
-        // The taller shape owns the edge: a box and rails keep their sides in their own colour.
+        // The taller shape determines the edge's colour: boxes and rails keep their sides in their
+        // own.
         const ClassRow& before = RowOf(cell.before->value.value_class);
         const Ink ink =
             before.level >= Level::Box && shape.level < Level::Box ? before.ink : shape.ink;
@@ -180,7 +182,8 @@ private:
             ink);
     }
 
-    // Writes the text of a box or a bus in the middle of its places, or nothing without room.
+    // Writes the text of a box or a bus in the middle of its places, or nothing if there is no
+    // room.
     void PutValue(Row& row, std::size_t first, std::size_t end, const ShownValue& value) const {
         const ClassRow& shape = RowOf(value.value_class);
         if (end <= first || shape.level < Level::Box || value.text.empty()) {

@@ -7,11 +7,11 @@
 
 namespace corv::host {
 
-// A window divided into columns of equal width, in whole-number arithmetic: time t lies in column
-// floor((t - start) * columns / span). A column narrower than a picosecond may hold no time.
+// A window divided into columns of equal width, in whole-number arithmetic: time t is in column
+// floor((t - start) * columns / span). A column narrower than a picosecond may contain no time.
 class TimeGrid {
 public:
-    // The window is not empty, `columns` is from 1 to 10,000,000.
+    // The window must not be empty; `columns` is from 1 to 10,000,000.
     TimeGrid(TimeWindow window, std::int64_t columns) noexcept
         : window_(window), columns_(columns), each_(Span() / columns), rest_(Span() % columns) {}
 
@@ -19,13 +19,15 @@ public:
     std::int64_t Columns() const noexcept { return columns_; }
     std::int64_t Span() const noexcept { return window_.end - window_.start; }
 
-    // The first time at or right of a column's left border; for column `Columns()` the window's
-    // end.
+    // Returns the first time at or after a column's left border; for column `Columns()` the
+    // window's end. Splitting the span into quotient and remainder keeps the product within 64
+    // bits.
     std::int64_t First(std::int64_t column) const noexcept {
         return window_.start + column * each_ + (column * rest_ + columns_ - 1) / columns_;
     }
 
-    // The column of a time; times outside go to column 0 and to `Columns()`.
+    // Returns the column of a time; times outside are in column 0 or in `Columns()`. It is found by
+    // bisection over First, so that both always agree.
     std::int64_t Column(std::int64_t time) const noexcept {
         if (time < window_.start || time >= window_.end) {
             return time < window_.start ? 0 : columns_;

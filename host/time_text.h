@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
-// Times as users write and read them. A time is a number of picoseconds from 0 on.
+// Times as users write and read them. A time is a number of picoseconds, 0 or more.
 namespace corv::host {
 
 inline constexpr unsigned kPicosecond = 1;  // a unit identifier of corv/util/time_units.h
 
-// A time, or one sentence about what keeps the text from being one.
+// A time, or a sentence about why the text is not one.
 struct TimeReading {
     std::optional<std::int64_t> time;
     std::string problem;
@@ -20,24 +20,26 @@ struct TimeReading {
 // of a picosecond are problems.
 TimeReading ReadTime(std::string_view text);
 
-// A time as the library reads it: 1.5ns is 1500 in ps, a fraction of a femtosecond stays one.
+// A time as the library reads it: 1.5ns is 1500 in ps. A fraction of a femtosecond is kept.
 struct WrittenTime {
     double number = 0;
     unsigned unit = kPicosecond;
-    std::string problem;  // empty when the text is a time from 0 on
+    std::string problem;  // empty if the text is a time that is not negative
 };
 WrittenTime ReadWrittenTime(std::string_view text);
 
-// The time in the largest unit in which it is whole: 1500 gives "1500ps", 2000 "2ns", 0 "0ps".
+// Returns the time in the largest unit in which it is whole: "1500ps" for 1500, "2ns" for 2000,
+// "0ps" for 0.
 std::string TimeText(std::int64_t time);
 
-// The time in the given unit, with as many decimals as it takes, at most 15: 1500 in ns is "1.5ns".
+// Returns the time in the given unit with as many decimals as needed, at most 15: 1500 in ns is
+// "1.5ns".
 std::string TimeText(std::int64_t time, unsigned unit);
 
-// The largest unit from ps on in which the time is whole.
+// Returns the largest unit from ps on in which the time is whole.
 unsigned WholeUnit(std::int64_t time);
 
-// How many picoseconds the unit holds; 0 for fs.
+// Returns the number of picoseconds in the unit, 0 for fs.
 std::int64_t UnitSize(unsigned unit);
 
 }  // namespace corv::host

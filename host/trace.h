@@ -18,19 +18,19 @@ struct Change {
     std::string value;  // as value text
 };
 
-// What a signal did in a window, in order of time. A change may repeat the value before it.
+// What a signal does in a window, in order of time. A change may repeat the value before it.
 struct Trace {
     std::string name;
     bool bus = false;                   // the value is that of several elements
-    bool plain = false;                 // no level is meant by "1" or "Z"
-    bool binary = false;                // the values are the bits of a vector, a digit for each
-    std::optional<std::string> before;  // the value that the signal brought into the window
+    bool plain = false;                 // "1" and "Z" are not levels
+    bool binary = false;                // the values are the bits of a vector, one digit each
+    std::optional<std::string> before;  // the value that the signal has before the window
     std::vector<Change> changes;
-    // Where more happened than `changes` tells. Inside, `changes` holds samples of the signal; what
-    // it tells about the time from a stretch's last picosecond on is complete again.
+    // Where more happens than `changes` shows. Inside, `changes` has samples only; from a stretch's
+    // last picosecond on it is complete again.
     std::vector<TimeWindow> crowded;
-    bool truncated = false;  // events behind the last change were left out
-    // The last time that something is known of; nothing: the signal keeps its last value for good.
+    bool truncated = false;  // events after the last change were left out
+    // The last known time; nullopt: the signal keeps its last value forever.
     std::optional<std::int64_t> known_until;
 };
 

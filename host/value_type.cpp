@@ -1,3 +1,6 @@
+// Finds types for formulas that have none, so that their values can be recorded: the values
+// themselves suggest std_logic, an integer, a real number or an enumeration.
+
 #include "host/value_type.h"
 
 #include <algorithm>
@@ -13,6 +16,7 @@
 namespace corv::host {
 namespace {
 
+// The most elements that a dimension of a signal may have; VectorType divides wider vectors.
 constexpr int kMostIndices = 256;
 constexpr std::string_view kLogicLetters = "UX01ZWLH-uxzwlh";
 constexpr const char* kInteger = "i#7#integerrict-2147483648 2147483647";
@@ -33,6 +37,8 @@ bool IsLogic(const std::string& text) {
 bool IsInteger(const std::string& text) {
     return IsNumber<std::int32_t>(text);
 }
+// Accepts a point or an exponent, since from_chars would also read "inf" and "nan", which are more
+// likely literals.
 bool IsReal(const std::string& text) {
     return IsInteger(text) ||
            (text.find_first_of(".eE") != std::string::npos && IsNumber<double>(text));
@@ -47,7 +53,7 @@ bool IsIdentifier(const std::string& text) {
     });
 }
 
-// A builder's string, by asking for its size first.
+// Returns a builder's string, asking for its size first.
 std::string Built(const std::function<HRESULT(char*, std::uint32_t*)>& build) {
     std::uint32_t size = 0;
     build(nullptr, &size);
@@ -92,7 +98,7 @@ std::optional<std::string> InferType(const std::set<std::string>& values) {
     if (all(IsReal)) {
         return kReal;
     }
-    std::set<std::string> names;  // the same without regard to case
+    std::set<std::string> names;  // enumerations do not distinguish case
     for (const std::string& value : values) {
         CString lower(value);
         lower.MakeLower();
@@ -119,6 +125,7 @@ std::vector<FormulaProblem> StrayLetters(const std::string& formula) {
                                  "Z, W, L, H and -"});
         }
     }
+    // words without 0 and 1 are probably meant as literals of an enumeration
     return bits && !InferType(values) ? stray : std::vector<FormulaProblem>();
 }
 

@@ -9,7 +9,7 @@
 namespace corv::host {
 namespace {
 
-constexpr char kNoValue = '?';  // in the place of an element's character
+constexpr char kNoValue = '?';  // replaces the character of an element without a value
 
 void AddLeaves(ISignal& signal, std::vector<ISignal*>& leaves) {
     ISignalContainer* const members = signal.GetSubSignals();
@@ -23,7 +23,7 @@ void AddLeaves(ISignal& signal, std::vector<ISignal*>& leaves) {
     }
 }
 
-// Whether each literal of an enumeration is one character.
+// Returns whether each literal of an enumeration is one character.
 bool IsCharacters(const KTypeInfo& type) {
     bool characters = type.GetKind() == KTypeInfo::KindEnum;
     for (int i = 0; characters && i < type.GetNbOfValues(); ++i) {
@@ -32,7 +32,7 @@ bool IsCharacters(const KTypeInfo& type) {
     return characters;
 }
 
-// Whether the values are levels of logic.
+// Returns whether the values are levels of logic.
 bool IsLevel(const KTypeInfo& type) {
     constexpr std::string_view kLevels = "UX01ZWLH-";
     bool level = type.GetKind() == KTypeInfo::KindEnum;
@@ -44,8 +44,8 @@ bool IsLevel(const KTypeInfo& type) {
     return level;
 }
 
-// What an enumeration's literal is shown as. In an extended identifier the no-break space stands
-// for a blank, which descriptions of types can't have there.
+// Returns an enumeration's literal as it is shown. In an extended identifier, a no-break space
+// replaces a blank, which type descriptions cannot have there.
 std::string LiteralText(const KTypeInfo& type, int position) {
     const CString written = type.GetValue(position, false);
     std::string text(written.View());
@@ -57,13 +57,13 @@ std::string LiteralText(const KTypeInfo& type, int position) {
     return text;
 }
 
-// The character of 1 and '1'; 0 for other literals.
+// Returns the character of 1 and '1'; 0 for other literals.
 char CharacterOf(const std::string& literal) {
     const bool quoted = literal.size() == 3 && literal[0] == '\'';
     return quoted ? literal[1] : literal.size() == 1 ? literal[0] : '\0';
 }
 
-// The smallest index of a dimension.
+// Returns the smallest index of a dimension.
 int LowestIndex(const KTypeInfo& array) {
     int left = 0;
     int right = 0;
@@ -97,7 +97,8 @@ ValueWriter::ValueWriter(ISignal& signal, const BusFormat& format)
     levels_ = IsLevel(parts_.front().characters ? type_.GetArrayElementKTypeInfo() : type_);
 }
 
-// Adds a type with what it is made of.
+// Adds a type with its parts. They are prepared once, so that writing each value only walks this
+// list.
 std::size_t ValueWriter::Add(const KTypeInfo& type, ISignal& signal) {
     const std::size_t place = parts_.size();
     parts_.emplace_back();

@@ -18,36 +18,36 @@ namespace corv::host {
 // Turns the characters of a vector's elements into its text.
 using BusFormat = std::function<std::string(std::string_view, BusKind)>;
 
-// The value that a scalar has, as its wave stores it.
+// The value of a scalar, as its wave stores it.
 struct LeafValue {
     std::array<unsigned char, 8> bytes{};
     bool known = false;  // false before its first event
 };
 
-// Writes the values of a signal as people read them, of any type and nesting: vectors of characters
-// through a format, physical values with their units, records and other arrays as (a,b,c), a real
-// that is no number as NaN, inf or -inf. What has no value yet is left empty; in a vector of
-// characters a question mark stands for it.
+// Writes the values of a signal of any type and nesting as people read them: vectors of characters
+// with a format, physical values with their units, records and other arrays as (a,b,c), and a real
+// that is not a number as NaN, inf or -inf. A part without a value yet is empty; in a vector of
+// characters it is a question mark.
 class ValueWriter {
 public:
     // The signal and the format must outlive the object.
     ValueWriter(ISignal& signal, const BusFormat& format);
 
-    // The text for the values of the signal's leaves, in their order.
+    // Returns the text for the values of the signal's leaves, in their order.
     std::string Text(std::span<const LeafValue> values) const;
 
-    // Whether the values are levels of logic, or vectors of them.
+    // Returns whether the values are levels of logic, or vectors of them.
     bool HasLevels() const { return levels_; }
 
 private:
     struct Part {
         const KTypeInfo* type = nullptr;
         bool characters = false;  // an array of an enumeration of single characters
-        BusKind kind;             // of that
+        BusKind kind;             // of that vector
         PhysicalUnits units;
         std::vector<std::string> literals;  // of an enumeration
         std::vector<std::size_t> parts;     // of a composite: their places among all parts
-        std::size_t count = 1;              // of an array: how often it has its one part
+        std::size_t count = 1;              // of an array: the number of its elements
         bool empty = false;                 // a composite without members, which counts as a leaf
     };
     using Values = std::span<const LeafValue>;
@@ -58,7 +58,7 @@ private:
     std::string Write(const Part& part, Values& values) const;
     std::string WriteScalar(const Part& part, const LeafValue& value) const;
     std::string WriteComposite(const Part& part, Values& values) const;
-    // The elements of an array of an enumeration as characters, when each of them is one.
+    // Stores the elements of an array of an enumeration as characters, if each of them is one.
     bool ReadCharacters(const Part& part, Values values, std::string& characters) const;
 
     const BusFormat& format_;
@@ -67,7 +67,7 @@ private:
     bool levels_ = false;
 };
 
-// The scalar signals below one, in order; the signal itself when it is scalar.
+// Returns the scalar signals below a signal, in order; the signal itself if it is scalar.
 std::vector<ISignal*> LeavesOf(ISignal& signal);
 
 }  // namespace corv::host

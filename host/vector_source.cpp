@@ -12,11 +12,12 @@
 namespace corv::host {
 namespace {
 
-constexpr int kCounts = 16;  // that a window shows unless the user asks otherwise
+constexpr int kCounts = 16;  // shown in a window unless the user asks otherwise
 constexpr int kCharacters = 1;
 constexpr int kWords = 0;
 
-// The elements' formulas. Times without a unit become picoseconds first, the unit of the cut.
+// Returns the elements' formulas. The normal form comes first, since splitting reads times without
+// a unit as picoseconds.
 std::vector<std::string> CutFormula(const VectorFormula& vector) {
     CStimulus whole(vector.unit, 1);
     CString normal;
@@ -39,7 +40,7 @@ std::unique_ptr<Source> MakeElement(const std::string& formula, std::int64_t at)
     return std::make_unique<StimulusSource>(std::move(stimulus));
 }
 
-// Several elements, each with a stimulus of its own.
+// Several elements, each with a source of its own.
 class ElementsSource final : public Source {
 public:
     ElementsSource(std::vector<std::unique_ptr<Source>> elements, bool words, char not_driven)
@@ -81,11 +82,11 @@ public:
 private:
     std::vector<std::unique_ptr<Source>> elements_;
     bool words_;
-    char not_driven_;  // stands for an element that nothing has driven yet
+    char not_driven_;  // for an element that nothing has driven yet
 };
 
-// A counter answers from the count period it is in, so it is walked forward, event by event, from
-// its start; a question about an earlier time starts it anew.
+// A counter knows only its present count period, so it is walked forward from its start, event by
+// event; a question about an earlier time restarts it.
 class CounterSource final : public Source {
 public:
     enum class Shows { Whole, Bus, Element };
@@ -95,7 +96,7 @@ public:
         Restart();
     }
 
-    // Whether the formula can be used.
+    // Returns whether the formula can be used.
     bool IsGood() const { return good_; }
 
     std::int64_t NextEvent(std::int64_t time) override {
@@ -158,8 +159,8 @@ private:
     unsigned element_;
     CCounterState counter_;
     bool good_ = false;
-    std::int64_t now_ = -1;   // the last event up to the time that was asked for
-    std::int64_t next_ = -1;  // the first one behind it
+    std::int64_t now_ = -1;   // the last event up to the time of the last question
+    std::int64_t next_ = -1;  // the first one after it
 };
 
 std::unique_ptr<Source> MakeCounter(const VectorFormula& vector, CounterSource::Shows shows,

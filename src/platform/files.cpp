@@ -24,7 +24,7 @@
 namespace corv::platform {
 namespace {
 
-// What users are told instead of the system's own messages, which depend on its language.
+// The reasons that users read instead of the system's own messages, which depend on its language.
 struct Reason {
     int code;
     const char* text;
@@ -297,7 +297,7 @@ FoundFile FindFile(std::string_view name) {
     if (Exists(path(name))) {
         return {std::string(name), nullptr};
     }
-    // Each part that exists stays as it is, so only the parts that differ in case cost a listing.
+    // Each part that exists is kept, so only the parts that differ in case cost a listing.
     path found;
     for (const path& part : path(name)) {
         if (part.empty() || Exists(found / part)) {

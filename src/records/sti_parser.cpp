@@ -80,6 +80,7 @@ CStiParser::CStiParser(const CStiParser& other) noexcept {
 
 CStiParser& CStiParser::operator=(const CStiParser& other) noexcept {
     if (this != &other) {
+        // The fields of the other object point into its buffer, so they are put together anew here.
         int type = 0;
         int strength = 0;
         bool active = false;
@@ -118,6 +119,8 @@ bool CStiParser::ReadFields(std::size_t length) noexcept {
     for (std::size_t i = 0; i < count; ++i) {
         char* const begin = buffer_.data() + (found[i].data() - buffer_.data());
         char* const end = begin + found[i].size();
+        // The end is a separator or the zero after the record. The first three fields lose leading
+        // blanks, as they are compared with words; the data and the info string keep theirs.
         *end = '\0';
         fields_[i] = i < kRequired ? std::find_if_not(begin, end, corv::platform::IsSpace) : begin;
     }

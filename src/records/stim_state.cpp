@@ -32,6 +32,7 @@ CStimState::CStimState(const CStimState& other) noexcept {
 CStimState& CStimState::operator=(const CStimState& other) noexcept {
     corv::platform::Done([&] {
         States states(other.states_);
+        // The position is an iterator into the other map and has to be found again in the copy.
         const bool at_end = other.position_ == other.states_.end();
         const auto position = at_end ? states.end() : states.find(other.position_->first);
         const bool ends = position == states.end();
@@ -70,6 +71,7 @@ void CStimState::Add(std::int64_t time, bool on) noexcept {
 
 // Records a switch; returns false if out of memory.
 bool CStimState::Record(std::int64_t time, bool on) noexcept {
+    // a stimulator is off before its first switch
     if (states_.empty() && !on) {
         return true;
     }

@@ -109,6 +109,7 @@ bool CCounterState::Init(const char* formula, unsigned width, int split_mode) no
     width_ = width;
     split_mode_ = split_mode;
     if (settings_.GetType() == CCounterStimulusInfo::Gray) {
+        // Gray counters count in binary; only the shown value is in Gray code.
         current_ = AsSigned(GrayToBinary(AsBits(current_), width_));
     }
     ready_ = true;

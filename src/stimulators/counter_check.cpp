@@ -107,6 +107,7 @@ std::optional<CounterProblem> CheckCounter(std::string_view formula, bool alone)
             return CounterProblem{reader.At(), "the key " + Quote(kCounterKeys[i]) +
                                                    " and its value are expected here"};
         }
+        // the radix precedes the numbers that are written in it
         radix = key == CounterKey::Radix ? util::LeadingInt(*value) : radix;
         if (auto problem = CheckValue(key, *value, radix, alone)) {
             return problem;

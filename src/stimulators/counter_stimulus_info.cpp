@@ -127,6 +127,7 @@ bool CCounterStimulusInfo::GetCountPeriod(char* buffer, int size) const noexcept
 
 bool CCounterStimulusInfo::GenerateFormula(char* buffer, int size) const noexcept {
     const Settings& settings = Read();
+    // zero and empty are what a new object has: settings that have not been made
     if (settings.type == 0 || settings.dir == 0 || settings.display_radix == 0 ||
         settings.starting_value.empty() || settings.increment.empty() ||
         settings.count_period.empty()) {
@@ -136,6 +137,7 @@ bool CCounterStimulusInfo::GenerateFormula(char* buffer, int size) const noexcep
         const std::string text = stimulators::WriteCounterText(
             {settings.type, settings.dir, settings.display_radix, settings.starting_value,
              settings.increment, settings.count_period, settings.reverse_bit_order});
+        // a text that is cut short would describe another counter
         if (!buffer || size < 0 || text.size() >= static_cast<std::size_t>(size)) {
             return false;
         }

@@ -1,3 +1,5 @@
+// Reads and writes the texts of counters (docs/formats/counters.md).
+
 #include "stimulators/counter_text.h"
 
 #include <algorithm>

@@ -65,6 +65,7 @@ bool FormulaReader::ElementEndsAt(std::size_t at) const noexcept {
     return at >= text_.size() || text_[at] == ',';
 }
 
+// Reads a word unless the element ends before it, since a comma directly after a value ends it.
 FormulaReader::Word FormulaReader::ReadSameElement(std::size_t from) const noexcept {
     return ElementEndsAt(from) ? Word{{}, from, false} : ReadWord(from);
 }
@@ -141,6 +142,8 @@ std::string_view WrittenUnit(const TTimeUnit<std::int64_t>& time) noexcept {
     return time.unit == time.target_unit ? "" : UnitNameFromID(time.unit);
 }
 
+// The marks are searched for anywhere, since values and blanks may precede them; a custom formula
+// comes first, as its file name may contain the other marks.
 FormulaKind FindFormulaKind(std::string_view formula) noexcept {
     if (platform::FindNoCase(formula, kCustomMark) != std::string_view::npos) {
         return FormulaKind::Custom;

@@ -21,10 +21,8 @@ namespace {
 using util::Quote;
 using Place = ProblemList::Place;
 
-// The end of the range of times, in picoseconds.
 constexpr std::int64_t kMaxTime = 9'200'000'000'000'000'000;
 
-// Returns a time in the largest unit in which it is whole.
 std::string TimeText(std::int64_t picoseconds) {
     unsigned unit = util::kBaseUnit;
     util::ScaleWhole(picoseconds, unit);
@@ -51,8 +49,7 @@ bool IsUnitless(const FormulaItem& item) noexcept {
            util::NumberLength(item.time) == item.time.size();
 }
 
-// Returns whether an item has a problem that turns the next word into a value without a time, so
-// that reporting that one too would only confuse.
+// Returns whether a problem explains why the next value has no time, which needs no report then.
 bool EndsOddly(const FormulaItem& item) noexcept {
     return item.comma_skipped || (!item.time.empty() && IsParameter(item.time));
 }
@@ -65,7 +62,6 @@ public:
     void Check();
 
 private:
-    // A value with its time in picoseconds.
     struct Timed {
         std::int64_t time;
         std::string_view value;
@@ -121,8 +117,7 @@ void OrdinaryChecker::Check() {
     CheckEnd();
 }
 
-// Returns false if the words were split at other places than intended; any further problems would
-// be consequences of that.
+// Returns false if the words were split wrongly; further problems would only follow from that.
 bool OrdinaryChecker::CheckItem(const FormulaItem& item) {
     // The first value may do without a time, unless the normal form puts the period directly after
     // it, where it would be read as the value's time.
@@ -363,8 +358,7 @@ void OrdinaryChecker::CheckEqualTimes(std::vector<Timed> values) {
     }
 }
 
-// An absolute value replaces a relative one at the same time; if nothing repeats, the relative one
-// never takes effect.
+// Without repetition, a relative value never takes effect at the time of an absolute one.
 void OrdinaryChecker::CheckReplaced() {
     if (period_ || absolutes_.empty()) {
         return;

@@ -34,7 +34,7 @@ constexpr std::array<Alias, 15> kAliases{{
 // The likeliest first.
 constexpr std::array<std::string_view, 8> kUnits{"ns", "ps", "us", "ms", "fs", "sec", "min", "hr"};
 
-// Whether one changed, missing, added or swapped letter tells two short words apart.
+// Returns whether two short words differ by one changed, missing, added or swapped letter.
 bool IsNear(std::string_view word, std::string_view unit) noexcept {
     if (word.size() > unit.size() + 1 || unit.size() > word.size() + 1) {
         return false;

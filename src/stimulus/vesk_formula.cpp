@@ -59,6 +59,7 @@ std::optional<TTimeUnit<std::int64_t>> ReadDuration(std::string_view number, int
         return std::nullopt;
     }
     TTimeUnit<std::int64_t> out(time->whole, static_cast<std::uint32_t>(time->unit));
+    // a fraction has made the time one in femtoseconds, although its unit is larger
     if (time->unit < static_cast<int>(kBaseUnit) && unit > time->unit) {
         out = TTimeUnit<std::int64_t>(out.GetTime());
     }
@@ -103,6 +104,7 @@ bool CVeskGroup::WriteFormula(std::string& out, std::int64_t& running_time) cons
             out += ',';
         }
     }
+    // the comma after the last child
     if (out.size() > begin) {
         out.pop_back();
     }
@@ -256,6 +258,7 @@ bool CVeskFormula::Parser::ParseValue(CVeskGroup& group, std::size_t& at, std::s
         at = SkipDigits(text, at + 1);
     }
     const std::string_view number = text.substr(value_end, at - value_end);
+    // units of the notation have two letters
     const int unit = corv::util::FindTimeUnit(text.substr(at, 2));
     at += unit < 0 ? 0 : 2;
     if (auto node = MakeValue(text.substr(begin, value_end - begin), number, unit)) {
@@ -280,6 +283,7 @@ std::unique_ptr<CVeskNode> CVeskFormula::Parser::MakeValue(std::string_view valu
         if (c_decConverter().Convert(digits.c_str(), 16, &code) == 0) {
             return drop(VeskFault::NotHexadecimal, value.size());
         }
+        // H and L mean the strong 1 and 0 in the notation, not the weak values
     } else if (code == 'H' || code == 'L') {
         code = code == 'H' ? std::int64_t{'1'} : std::int64_t{'0'};
     }

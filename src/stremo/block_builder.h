@@ -88,7 +88,8 @@ private:
     void PackGroup(std::uint32_t first, std::uint32_t end);
     std::uint64_t UsedChannels(std::uint32_t first, std::uint32_t end) const noexcept;
     void PackColumn(std::uint32_t number, const Channel& channel, ChannelState& state);
-    // Whether a change can be stored as flips: elements without a value yet have nothing to flip.
+    // Returns whether a change can be stored as flips: elements without a value yet have nothing to
+    // flip.
     bool Flips(const Change& change, const ChannelState& state) const noexcept {
         return change.values == kFlipped && (change.mask & ~state.known) == 0;
     }

@@ -41,6 +41,7 @@ std::optional<BlockView> BlockView::Open(Bytes content, const BlockHead& head,
     view.starting_values_ = TakePart(in, lengths[1]);
     view.columns_ = TakePart(in, lengths[2]);
     view.order_ = TakePart(in, lengths[3]);
+    // a change takes at least one byte; a larger number would only make readers allocate too much
     const bool whole = in.ok() && in.AtEnd() && view.changes_ <= view.columns_.size();
     return whole && view.OpenMoments(moments, head) ? std::optional(view) : std::nullopt;
 }
@@ -70,6 +71,7 @@ std::uint32_t BlockView::FindMoment(std::int64_t time) const noexcept {
     if (time <= first) {
         return 0;
     }
+    // the time in steps, rounded up, so that the search compares the stored numbers
     const std::uint64_t steps = (static_cast<std::uint64_t>(time - first) - 1) / step_ + 1;
     std::uint32_t low = 0;
     std::uint32_t high = moments_;
@@ -128,6 +130,7 @@ ByteReader BlockView::ColumnOf(std::uint32_t channel) const noexcept {
     if (!AreColumnsWhole(group)) {
         return ByteReader::Failed();
     }
+    // only channels that change have a column; the bits below this one count those before it
     const auto within = static_cast<std::uint32_t>(std::popcount(group.used & (bit - 1)));
     const Bytes column = Columns(group.before + within, 1);
     return column.empty() ? ByteReader::Failed() : ByteReader(column);

@@ -10,12 +10,15 @@
 namespace corv::recording {
 namespace {
 
+// Returns whether an element has a value; before its first event it has none.
 bool Has(const ChannelState& state, unsigned element, unsigned count) noexcept {
     return (state.known & ElementBit(element, count)) != 0;
 }
 
 // ---- starting values ----
 
+// Writes the value of one element at the start of a block: a small value in one byte, another one
+// with its length and without leading zero bytes.
 void WriteValue(ByteWriter& out, bool known, std::uint64_t value) {
     if (!known) {
         out.Byte(0);
@@ -68,6 +71,7 @@ bool ReadNibbles(ByteReader& in, ChannelState& state, unsigned count) noexcept {
     return bytes != nullptr;
 }
 
+// Writes the byte that all elements share except for its lowest bit, then that bit of each.
 void WriteTwoValues(ByteWriter& out, const ChannelState& state, unsigned count) {
     std::uint32_t bits = 0;
     for (unsigned i = 0; i < count; ++i) {
@@ -89,6 +93,9 @@ bool ReadTwoValues(ByteReader& in, ChannelState& state, unsigned count) noexcept
 
 // ---- changes ----
 
+// Writes a change of a scalar: as a flip of the lowest bit; as a step from the value before if that
+// takes no more bytes than the value; else as the value. The two lowest bits of the first number
+// say which.
 void WriteScalarChange(ByteWriter& out, ChannelState& state, std::uint64_t first,
                        std::uint64_t value) {
     const std::uint64_t before = state.known != 0 ? state.values[0] : 0;
@@ -146,6 +153,7 @@ void WriteVectorChange(ByteWriter& out, ChannelState& state, unsigned count, std
     }
 }
 
+// Returns the elements that a change names; 0, which no change can have, if the file is damaged.
 std::uint32_t ReadMask(ByteReader& in, unsigned count) noexcept {
     const std::uint64_t mask = in.Variable();
     return mask <= AllElements(count) ? static_cast<std::uint32_t>(mask) : 0;
@@ -209,6 +217,7 @@ bool detail::ReadVectorStart(ByteReader& in, ChannelState& state, unsigned count
     }
 }
 
+// Skips a starting value without decoding it: its first byte decides its length.
 bool SkipStart(ByteReader& in, unsigned count) noexcept {
     const unsigned first = in.Number<std::uint8_t>();
     if (count == 1) {
@@ -243,6 +252,7 @@ std::uint32_t detail::ReadVectorChange(ByteReader& in, ChannelState& state, unsi
     const std::uint32_t mask = ReadMask(in, count);
     if (kind == kFlips) {
         ForElements(mask, count, [&](unsigned i) { state.values[i] ^= 1; });
+        // an element without a value has nothing to flip
         return (mask & ~state.known) == 0 ? mask : 0;
     }
     ForElements(mask, count, [&](unsigned i) { state.values[i] = in.Variable(); });

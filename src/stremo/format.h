@@ -14,8 +14,8 @@ namespace corv::recording {
 
 struct Format {
     const char* name;  // as returned by FormatName
-    // Whether a file that begins with these bytes (at most kTellingBytes) is of this format. The
-    // first row that accepts is taken, so formats that are hard to recognise come last.
+    // Returns whether a file that begins with these bytes (at most kTellingBytes) is of this
+    // format. The first row that accepts is taken, so formats that are hard to recognise come last.
     bool (*recognises)(platform::Bytes beginning) noexcept;
     // Reads what is needed to list the signals. Returns null, with the stream error set, if the
     // file is not of this format after all or nothing in it is usable. May throw std::bad_alloc.

@@ -1,3 +1,6 @@
+// Answers questions about one signal. The block that answered last is kept with the times for which
+// it has the answers, so that the usual questions, at rising times, need no search.
+
 #include "stremo/leaf_cursor.h"
 
 #include <algorithm>
@@ -29,6 +32,7 @@ std::int64_t LeafCursor::NextTime(std::int64_t time) {
         return -1;
     }
     return platform::Guarded(std::int64_t{-1}, [&]() -> std::int64_t {
+        // time is below nothing_from_, hence not the last one, and the sum does not overflow
         const std::optional<std::size_t> block = blocks_.FindFrom(time + 1);
         return block ? SearchFrom(*block, time) : -1;
     });

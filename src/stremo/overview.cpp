@@ -156,6 +156,7 @@ private:
         auto wanted = channels_.begin();
         return view.ForChangingChannels(
             [&](std::uint32_t channel, ChannelState& state, const ByteReader& column) {
+                // channels come in ascending order, as do those that are wanted
                 wanted = std::lower_bound(wanted, channels_.end(), channel);
                 return wanted == channels_.end() || *wanted != channel ||
                        ReadChannel(view, channel, state, column);

@@ -1,3 +1,7 @@
+// The reader that hosts use. It walks through blocks in two ways: Next decodes all events of a
+// block at once and merges them by moment, whereas GetCachedValue decodes only the column of the
+// channel that is asked for.
+
 #include "stremo/recording_reader.h"
 
 #include <algorithm>
@@ -146,6 +150,8 @@ const char* RecordingReader::GetTypeString(int handle) {
 // The latest time of a composite is that of its members.
 std::int64_t RecordingReader::LatestTime(std::uint32_t signal) {
     std::int64_t latest = signals_[signal].latest;
+    // only an event file without its end does not know them: each signal is searched from the end
+    // then
     if (recording_->KnowsLatestTimes()) {
         return latest;
     }
@@ -219,6 +225,7 @@ bool RecordingReader::FindPlace(std::int64_t time) {
             return false;
         }
         place.moment = view->FindMoment(time);
+        // the current time is that of the moment before, which may be in the block before
         if (place.moment > 0) {
             return GoTo(place, view->MomentTime(place.moment - 1));
         }
@@ -237,6 +244,7 @@ bool RecordingReader::FindPlace(std::int64_t time) {
 }
 
 bool RecordingReader::GoTo(const Place& place, std::int64_t time) {
+    // a seek within the loaded block does not decode it again
     loaded_ = loaded_ && place.block == next_.block;
     next_ = cached_ = place;
     state_channel_ = kNone;
@@ -255,6 +263,7 @@ bool RecordingReader::GoTo(const Place& place, std::int64_t time) {
 // are the values at the end of that block.
 bool RecordingReader::LoadState(std::uint32_t channel) {
     state_channel_ = kNone;
+    // no block begins at or after the time, so the values are those after the last block
     const bool behind = cached_.block >= blocks_->Count();
     if (behind && cached_.block == 0) {
         blocks_->BlameEnd();
@@ -296,6 +305,7 @@ int RecordingReader::Next() {
         has_value_ = false;
         return -1;
     }
+    // the highest bit is the first element, so elements come in the order of their signals
     const auto bit = static_cast<unsigned>(std::bit_width(mask_)) - 1;
     mask_ ^= std::uint32_t{1} << bit;
     value_ = channel_.count == 1 ? values_ : events_.ElementValue(values_++);
@@ -371,6 +381,8 @@ std::unique_ptr<SignalCursor> RecordingReader::OpenSignal(int handle) noexcept {
     ClearError();
     return platform::Guarded<std::unique_ptr<SignalCursor>>(
         nullptr, [&]() -> std::unique_ptr<SignalCursor> {
+            // Without an interest all blocks are wanted anyway, and they are shared with the other
+            // readers.
             auto blocks = shared_->Blocks(interest_.empty() ? Leaves() : Leaves{leaf});
             return blocks ? std::make_unique<LeafCursor>(std::move(blocks), signals_, leaf)
                           : nullptr;

@@ -14,6 +14,7 @@ void HandleIndex::Insert(int handle, std::uint32_t number) {
     // The vector may be at most eight times as large as the number of handles, so that a few huge
     // handles cannot make it allocate gigabytes.
     constexpr std::size_t kNear = 65'536;
+    // a handle that several signals share stays with the first of them
     if (Find(handle) != kNone) {
         return;
     }
@@ -41,6 +42,7 @@ std::uint32_t HandleIndex::FindFar(int handle) const noexcept {
 // ---- texts ----
 
 std::string_view TextPool::Keep(std::string_view text) {
+    // Texts are kept in blocks and never move, since signals point to them.
     constexpr std::size_t kBlock = 65'536;
     if (room_ - used_ <= text.size()) {
         const std::size_t room = std::max(kBlock, text.size() + 1);
@@ -67,6 +69,7 @@ const char* TextPool::KeepShared(std::string_view text) {
 
 std::uint32_t SignalTable::Add(const Signal& signal) {
     const std::uint32_t same = Find(signal.handle);
+    // scalars with the same handle are names of one signal; a composite needs a handle of its own
     const bool taken = same != kNone && (signal.composite || signals_[same].composite);
     if (signal.handle < -1 || taken || (signal.composite && open_.size() >= kMostLevels) ||
         signals_.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
@@ -117,6 +120,8 @@ void SignalTable::Finish() {
 }
 
 void SignalTable::GiveHandles() {
+    // All handles above the greatest are free. Only if there is no room for every signal, the gaps
+    // are searched from 0 on.
     int unused = handles_.greatest() < std::numeric_limits<int>::max() - static_cast<int>(size())
                      ? handles_.greatest() + 1
                      : 0;

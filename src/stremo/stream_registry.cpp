@@ -1,3 +1,6 @@
+// Opens recordings by name. A registered name takes precedence over a file. The registry is a plain
+// list, since hosts register only a few names.
+
 #include "stremo/stream_registry.h"
 
 #include <functional>
@@ -28,6 +31,7 @@ struct RegisteredStream {
 using Streams = std::vector<RegisteredStream>;
 
 Streams& Registered() noexcept {
+    // It outlives all static objects, whose destructors may still unregister names.
     static platform::Immortal<Streams> streams;
     return *streams;
 }

@@ -1,3 +1,5 @@
+// Opens a recording whose bytes a host delivers.
+
 #include "corv/stremo/stream_source.h"
 
 #include <string>
@@ -14,6 +16,7 @@
 namespace corv {
 namespace {
 
+// Adapts the source of a host to the interface of the platform layer.
 class HostSource final : public platform::ContentSource {
 public:
     explicit HostSource(std::unique_ptr<IStreamSource> source) noexcept

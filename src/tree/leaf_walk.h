@@ -8,12 +8,12 @@
 
 namespace corv::tree {
 
-// A walk over the leaves of a subtree, depth first. It ends on any tree, also on one that contains
-// itself: it goes only so deep and visits only so many signals.
+// A walk over the leaves of a subtree, depth first. It limits the depth and the number of signals
+// it visits, so it ends on any tree, even on one that contains itself.
 class LeafWalk {
 public:
-    // Calls `enter` with each composite signal before its members are visited, and `leaf` with each
-    // leaf until that gives false. Gives whether it never did.
+    // Calls `enter` with each composite signal before its members, and `leaf` with each leaf until
+    // that returns false. Returns whether it never did.
     template <class Enter, class Leaf>
     bool Visit(ISignal& signal, const Enter& enter, const Leaf& leaf) {
         ISignalContainer* const members = signal.GetSubSignals();
@@ -37,7 +37,7 @@ public:
 
 private:
     int depth_ = 0;
-    int left_ = 4 * 1'048'576;  // more than a type or a recording makes
+    int left_ = 4 * 1'048'576;  // more signals than a type or a recording makes
 };
 
 }  // namespace corv::tree

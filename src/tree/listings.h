@@ -7,7 +7,7 @@ namespace corv::tree {
 
 struct Listing;
 
-// What lists signals by handle, as their listings see it.
+// A manager that lists signals by handle, as the listings of a signal see it.
 class Lister {
 public:
     // Removes one entry, without reporting it to the signal.
@@ -20,12 +20,13 @@ protected:
 // One entry of a signal in a handle manager.
 struct Listing {
     Lister* manager;
-    int handle;            // under which it stands there
+    int handle;            // under which the signal is listed there
     std::uint64_t number;  // its place among the entries of that handle
 };
 
-// Where a signal is listed. A signal has this as a field, whose end takes it out of all managers
-// whatever handle the signal has by then; a manager that ends takes its entries out of here.
+// The places where a signal is listed. A signal has this object as a field; the destructor takes
+// the signal out of all managers, whatever handle it has by then. A manager that is destroyed takes
+// its entries out of here.
 class Listings {
 public:
     Listings() noexcept = default;
@@ -33,14 +34,14 @@ public:
     Listings& operator=(const Listings&) = delete;
     ~Listings();
 
-    // Null when there is none. A place that is found is valid until the next change.
+    // Returns null if there is none. The result is valid until the next change.
     const Listing* Find(const Lister& manager, int handle) const noexcept;
-    // Throws, with nothing changed, without memory.
+    // Throws std::bad_alloc, with nothing changed, if memory runs out.
     void Add(const Listing& listing) { entries_.push_back(listing); }
     void Remove(const Listing& listing) noexcept;
     // Takes the signal out of a manager.
     void Leave(Lister& manager) noexcept;
-    // Forgets a manager, which is told nothing.
+    // Forgets a manager without informing it.
     void Forget(const Lister& manager) noexcept;
     bool IsEmpty() const noexcept { return entries_.empty(); }
 

@@ -6,7 +6,7 @@
 
 namespace corv::tree {
 
-// Calls an action with each member of a container, in order; none without a container.
+// Calls an action with each member of a container, in order. The container can be null.
 template <class Action>
 void ForEachMember(ISignalContainer* members, Action action) {
     const int count = members != nullptr ? members->GetCount() : 0;

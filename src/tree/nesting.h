@@ -2,7 +2,8 @@
 
 namespace corv::tree {
 
-// Members of members are followed so deep and no deeper; types nest far less.
+// The depth down to which operations follow members of members. Types nest far less; the limit
+// keeps a tree that contains itself from exhausting the stack.
 inline constexpr int kMostNesting = 256;
 
 }  // namespace corv::tree

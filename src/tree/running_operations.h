@@ -5,9 +5,9 @@
 
 #include "tree/nesting.h"
 
-// Operations that go down a tree do so through the interfaces of its signals, which tell nothing of
-// how deep they are already. What they must know of themselves to end on any tree, stream and
-// recording stands here.
+// Operations that go down a tree do so through the interfaces of its signals, which cannot carry
+// how deep they already are. What an operation must know of itself in order to end on any tree,
+// stream and recording is kept here.
 namespace corv::signals {
 class LoadStream;
 class ReaderLoad;
@@ -27,7 +27,7 @@ struct RunningOperations {
 };
 RunningOperations& Running() noexcept;
 
-// One level more of an operation, for as long as it lives.
+// Makes an operation one level deeper for as long as the object lives.
 class Level {
 public:
     explicit Level(int& depth) noexcept : depth_(++depth) {}
@@ -42,7 +42,7 @@ private:
 };
 
 // One signal's part in an operation that each signal passes on to its members. It ends on any tree,
-// also on one that contains itself: `is_running` is the signal's own.
+// even on one that contains itself; `is_running` belongs to the signal.
 class Descent {
 public:
     explicit Descent(bool& is_running) noexcept

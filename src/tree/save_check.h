@@ -6,8 +6,8 @@
 
 namespace corv::tree {
 
-// A stream that takes everything and keeps nothing. A tree is written to it first, so that one that
-// could not be loaded again is refused before the first byte goes to the host.
+// A stream that accepts everything and keeps nothing. A tree is written to it first, so that a tree
+// that could not be loaded again is refused before the first byte goes to the host.
 class SaveCheck final : public IByteStream {
 public:
     static SaveCheck& Get() noexcept {

@@ -10,14 +10,14 @@ namespace corv::tree {
 
 // The counts and lengths of a saved tree: 2 bytes, little-endian.
 
-// The low 16 bits of a number.
+// Writes the low 16 bits of a number.
 inline HRESULT WriteNumber(IByteStream& stream, std::size_t number) {
     const std::array<unsigned char, 2> bytes{static_cast<unsigned char>(number & 0xFF),
                                              static_cast<unsigned char>(number >> 8 & 0xFF)};
     return stream.Write(bytes.data(), bytes.size());
 }
 
-// The number stays as it was when it can't be read.
+// Leaves the number unchanged if it cannot be read.
 inline HRESULT ReadNumber(IByteStream& stream, std::size_t& number) {
     std::array<unsigned char, 2> bytes{};
     const HRESULT result = stream.Read(bytes.data(), bytes.size());

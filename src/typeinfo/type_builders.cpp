@@ -24,6 +24,7 @@ HRESULT Deliver(std::string_view text, char* buffer, std::uint32_t* size) noexce
         return E_OUTOFMEMORY;
     }
     const auto needed = static_cast<std::uint32_t>(text.size() + 1);
+    // the first of the two calls asks for the size
     if (!buffer) {
         *size = needed;
         return S_OK;
@@ -41,6 +42,7 @@ IndexRange RangeOf(const TArrayRange& range) noexcept {
             true};
 }
 
+// Returns the compact form with one byte per literal if all literals are single characters.
 std::string EnumText(std::string_view name, const std::vector<std::string_view>& literals) {
     std::string out;
     if (std::all_of(literals.begin(), literals.end(),

@@ -16,7 +16,7 @@ bool HasStorableSize(const KTypeInfo& type) noexcept {
     return type.GetSimpleSize() < std::numeric_limits<int>::max();
 }
 
-// Whether an index of the interface is one of `count`.
+// Returns whether an index that a host passed is below `count`.
 bool IsIndex(int index, std::uint32_t count) noexcept {
     return index >= 0 && static_cast<std::uint32_t>(index) < count;
 }

@@ -1,3 +1,6 @@
+// Reads and writes type-description strings (docs/formats/type-descriptions.md). The reader only
+// reports what it finds to a sink, so that all users share one grammar whatever they make of it.
+
 #include "typeinfo/type_text.h"
 
 #include <charconv>
@@ -67,6 +70,8 @@ bool TypeReader::ReadNumber(std::uint32_t& number) noexcept {
     return read.ec == std::errc();
 }
 
+// A name is written with its length, since it may contain blanks; a name that ends at a blank is
+// accepted as well.
 bool TypeReader::ReadName(std::string_view& name) noexcept {
     if (!Skip('#')) {
         name = TakeWord();
@@ -83,6 +88,7 @@ bool TypeReader::ReadName(std::string_view& name) noexcept {
 bool TypeReader::ReadType(int level) {
     TypeHead head;
     head.begin = rest_.data();
+    // kind 0 is KindNone, whose place in kKindLetters is a blank
     const std::size_t kind = rest_.empty() ? 0 : kKindLetters.find(rest_[0]);
     if (level > kMaxNesting || kind == 0 || kind == std::string_view::npos) {
         return false;
@@ -123,6 +129,7 @@ bool TypeReader::ReadEnumeration(TypeHead& head) {
     }
     head.words = *form == 1;
     if (!head.words) {
+        // a character is one byte, so a larger count cannot be true
         if (head.count > rest_.size()) {
             return false;
         }
@@ -134,6 +141,7 @@ bool TypeReader::ReadEnumeration(TypeHead& head) {
 
 bool TypeReader::ReadWords(std::uint32_t count) {
     for (; count > 0; --count) {
+        // a character literal can be the blank itself, which would end a word
         const std::string_view literal = rest_.starts_with('\'') ? Take(2) : TakeWord();
         if (literal.empty() || !Skip(' ')) {
             return false;

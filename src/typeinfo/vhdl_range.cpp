@@ -13,7 +13,7 @@
 namespace corv::typeinfo {
 namespace {
 
-// A number with its sign, without the blank that may stand between them.
+// Takes a number with its sign, without the blank that may be between them.
 std::optional<std::string> TakeNumber(VhdlCursor& cursor, std::string_view& place) {
     const std::string_view sign = cursor.Next().text;
     std::string number;
@@ -35,6 +35,7 @@ bool ReadBound(VhdlCursor& cursor, const Limits<std::int32_t>& limits, std::int3
     if (!text) {
         return false;
     }
+    // a based literal has two of them
     const bool is_closed = std::count(text->begin(), text->end(), '#') != 1;
     const auto number = is_closed ? ReadInteger(*text) : std::nullopt;
     const bool digits_only = text->find_first_not_of("+-0123456789_") == std::string::npos;
@@ -121,6 +122,7 @@ void AppendBound(std::string& out, double bound, bool is_time) {
     }
     const std::size_t begin = out.size();
     AppendReal(out, bound);
+    // VHDL requires a point in a real literal
     if (out.find('.', begin) == std::string::npos) {
         out.insert(std::min(out.find('e', begin), out.size()), ".0");
     }

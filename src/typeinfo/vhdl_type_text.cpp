@@ -1,3 +1,7 @@
+// Reads a type in VHDL notation, such as `std_logic_vector(7 downto 0)` or a record, into a tree of
+// VhdlType. The grammar is that of a subtype indication or the body of a type declaration; the
+// known names are those of the standard packages (named_types.h).
+
 #include "typeinfo/vhdl_type_text.h"
 
 #include <algorithm>
@@ -87,6 +91,7 @@ void VhdlReader::ReadWhole() {
     if (!type) {
         return;
     }
+    // a type copied from a declaration ends in a semicolon
     cursor_.Skip(";");
     if (cursor_.Next().kind != WordKind::End) {
         cursor_.FailAtNext("nothing more behind the type");
@@ -193,6 +198,7 @@ const VhdlType* VhdlReader::ReadRecord(int level) {
     if (!cursor_.Expect("record", " behind `end`")) {
         return nullptr;
     }
+    // `end record name` is the only place where the name of a record can be written
     if (cursor_.Next().kind == WordKind::Extended || IsIdentifier(cursor_.Next())) {
         type.name = cursor_.Take();
     }
@@ -229,6 +235,7 @@ const VhdlType* VhdlReader::ReadNamed(int level) {
     if (!TakePrefixedName(cursor_, name)) {
         return nullptr;
     }
+    // `resolved std_ulogic` is how the standard package itself defines std_logic
     if (platform::EqualNoCase(name, "resolved")) {
         if (!cursor_.Expect("std_ulogic", " behind `resolved`")) {
             return nullptr;
@@ -250,6 +257,7 @@ const VhdlType* VhdlReader::ReadNamed(int level) {
                                      "enumeration in parentheses, an array or a record"));
 }
 
+// Reads the name of a subtype: a scalar if its row has no bounds, else an array with these bounds.
 const VhdlType* VhdlReader::ReadSubtype(const NamedSubtype& row, std::string_view name) {
     if (row.left == row.right) {
         return ReadScalar(*FindNamedScalar(row.base), name);
@@ -300,6 +308,7 @@ const VhdlType* VhdlReader::ReadNamedArray(const NamedArray& row, std::string_vi
                                              " stands in parentheses, as in " +
                                              Quote(std::string(name) + "(7 downto 1)"));
     }
+    // the element is one level deeper, although ReadType is not called for it
     if (level + 1 > kMaxNesting) {
         return Fail(name, "types nest deeper than 64 levels from here on");
     }

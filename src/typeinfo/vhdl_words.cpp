@@ -133,8 +133,8 @@ bool IsNamePart(char c) noexcept {
     return IsNameStart(c) || platform::IsDigit(c) || c == '_';
 }
 
-// How many bytes of a no-break space stand first: one in Latin-1, two in UTF-8. Its last byte may
-// also end another character of UTF-8; that is told by the byte before it.
+// Returns the length of the no-break space at a place: one byte in Latin-1, two in UTF-8, else 0.
+// Its last byte can also end another character of UTF-8; the byte before it decides.
 std::size_t NoBreakSpace(std::string_view text, std::size_t at = 0) noexcept {
     const bool follows = at > 0 && static_cast<unsigned char>(text[at - 1]) >= 0x80;
     return text.substr(at).starts_with("\xC2\xA0")           ? 2
@@ -150,7 +150,8 @@ std::size_t NameLength(std::string_view text) noexcept {
     return i;
 }
 
-// Letters and all that may stand in a number, so that a misspelt one stays one word.
+// Accepts letters and everything that can be part of a number, so that a misspelt number stays one
+// word.
 std::size_t NumberLength(std::string_view text) noexcept {
     bool based = false;
     std::size_t i = 1;
@@ -171,7 +172,8 @@ constexpr bool EndsLine(char c) noexcept {
     return c >= '\n' && c <= '\r';
 }
 
-// Through the closing backslash, a doubled one closes nothing; 0 when the line ends before it.
+// Returns the length through the closing backslash, 0 if the line ends before it. A doubled
+// backslash is part of the name.
 std::size_t ExtendedLength(std::string_view text) noexcept {
     for (std::size_t i = 1; i < text.size() && !EndsLine(text[i]); ++i) {
         if (text[i] != '\\') {
@@ -185,7 +187,8 @@ std::size_t ExtendedLength(std::string_view text) noexcept {
     return 0;
 }
 
-// How much of the text is blanks and comments, up to a comment without its end.
+// Returns the length of the blanks and comments at the front of the text, up to a comment that does
+// not end.
 std::size_t BlankLength(std::string_view text) noexcept {
     std::size_t at = 0;
     while (at < text.size()) {
@@ -221,6 +224,7 @@ Word FirstWord(std::string_view text) noexcept {
     if (text.starts_with("/*")) {
         return {WordKind::Unclosed, text.substr(0, 2)};
     }
+    // any character can be between the apostrophes, even an apostrophe
     if (text[0] == '\'' && text.size() > 2 && text[2] == '\'' && !EndsLine(text[1])) {
         return {WordKind::Character, text.substr(0, 3)};
     }

@@ -21,10 +21,12 @@ unsigned DigitValue(char c) noexcept {
     return letter >= 'a' && letter <= 'f' ? static_cast<unsigned>(letter - 'a') + 10 : kNoDigit;
 }
 
-// The digits as a number below 2^64; nothing when there are none, or others.
+// Returns the digits as a number below 2^64; nothing if there are none, or characters that are not
+// digits of the radix. As in VHDL, an underscore has a digit on either side.
 std::optional<std::uint64_t> ReadDigits(std::string_view text, unsigned radix,
                                         bool underscores) noexcept {
     std::uint64_t number = 0;
+    // an underscore may not come first, as after another one
     char before = '_';
     for (const char c : text) {
         if (c == '_' && underscores && before != '_') {
@@ -42,7 +44,7 @@ std::optional<std::uint64_t> ReadDigits(std::string_view text, unsigned radix,
     return before == '_' ? std::nullopt : std::optional(number);
 }
 
-// The same with a sign in front; a negative number goes down to -2^63.
+// Does the same with a sign before the digits; a negative number can be as low as -2^63.
 std::optional<std::int64_t> ReadSigned(std::string_view text, unsigned radix,
                                        bool underscores) noexcept {
     const bool negative = text.starts_with('-');
@@ -74,6 +76,7 @@ int c_decConverter::Convert(const char* text, std::int64_t* value) noexcept {
     }
     const auto radix = ReadDigits(literal.substr(0, mark), 10, false);
     std::string_view digits = literal.substr(mark + 1);
+    // VHDL requires the second #; this reader has never done so
     if (digits.ends_with('#')) {
         digits.remove_suffix(1);
     }
@@ -86,6 +89,7 @@ int c_decConverter::Convert(const char* text, std::int64_t* value) noexcept {
 int c_decConverter::Convert(const char* text, int radix, std::int64_t* value) noexcept {
     const std::string_view digits(text ? text : "");
     if (radix == 10) {
+        // only decimal numbers have a sign; the others describe 64 bits
         return Deliver(ReadSigned(digits, 10, false), value);
     }
     if (radix < static_cast<int>(kMinRadix) || radix > static_cast<int>(kMaxRadix)) {

@@ -10,6 +10,7 @@ std::size_t MatchEnd(std::string_view text, char closing) noexcept {
         return std::string_view::npos;
     }
     const char opening = text[0];
+    // quotes do not nest, so the next one closes the pair
     if (opening == closing) {
         return text.find(closing, 1);
     }
@@ -84,6 +85,7 @@ std::string_view TakeWord(std::string_view& text, Pairs pairs,
 
 std::string_view StripPair(std::string_view word, Pairs pairs) noexcept {
     const char closing = word.empty() ? '\0' : pairs.Closing(word[0]);
+    // (a)(b) begins and ends with parentheses, but they are not one pair
     const bool enclosed = closing != '\0' && MatchEnd(word, closing) == word.size() - 1;
     return enclosed ? word.substr(1, word.size() - 2) : word;
 }

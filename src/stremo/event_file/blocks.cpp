@@ -11,6 +11,8 @@ namespace corv::recording {
 
 // ---- the index ----
 
+// Finds the index from the end of the file. Returns false if the end is missing, as after a crash
+// of the writer; Walk then finds the blocks one by one.
 bool EventFileBlocks::UseRoot() {
     const std::size_t size = file_.bytes().size();
     if (size < kTrailerSize) {
@@ -20,6 +22,8 @@ bool EventFileBlocks::UseRoot() {
     const platform::Bytes trailer = file_.BringPart(start, kTrailerSize);
     ByteReader in(trailer);
     const auto root = in.Number<std::uint64_t>();
+    // the trailer contains its own offset, which shows that nothing was cut off or inserted before
+    // it
     const bool in_place = in.Number<std::uint64_t>() == start;
     const bool marked = in.Text(sizeof kTrailerMark) == std::string_view(kTrailerMark, 8);
     if (!in_place || !marked || in.Number<std::uint64_t>() != Checksum(trailer.first(24), start)) {

@@ -1,3 +1,7 @@
+// Reads and writes the records of an event file and its list of signals
+// (docs/formats/event-file.md). Everything read is checked before it is used, since a file can be
+// damaged or hostile.
+
 #include "stremo/event_file/event_file.h"
 
 #include <cstring>
@@ -17,7 +21,7 @@ void WriteText(ByteWriter& out, std::string_view text) {
     out.Variable(text.size());
     out.Text(text);
 }
-// With a terminating zero, so that the reader can use it in place.
+// Writes a text with a terminating zero, so that the reader can use it in place.
 void WriteEndedText(ByteWriter& out, std::string_view text) {
     WriteText(out, text);
     out.Byte(0);
@@ -154,8 +158,11 @@ void AppendRecord(std::vector<unsigned char>& out, std::uint64_t offset, RecordK
     writer.Number(static_cast<std::uint64_t>(head.last_time));
     writer.Number(head.events);
     writer.Number(std::uint64_t{checked});
+    // the offset goes into the checksum, so that a record copied to another place is not taken for
+    // a whole one
     writer.Number(Checksum({out.data() + start, kHeaderChecksum}, offset));
     out.insert(out.end(), content.begin(), content.end());
+    // zeros up to the next record
     out.resize(start + static_cast<std::size_t>(RecordSize(content.size())));
 }
 

@@ -1,3 +1,7 @@
+// Writes the records of an event file (docs/formats/event-file.md) in the order in which they come
+// up, so that a file needs no second pass and is readable up to its last whole block at any time.
+// The index follows at the end.
+
 #include "stremo/event_file/output.h"
 
 #include "stremo/byte_code.h"
@@ -6,6 +10,7 @@
 
 namespace corv::recording {
 
+// After a failure nothing more is written, so that the first reason is the one that users see.
 bool EventFileOutput::Write() {
     if (failed_) {
         return false;
@@ -49,6 +54,7 @@ bool EventFileOutput::Put(const BlockHead& head, Bytes content, std::size_t fron
     }
     ++blocks_;
     events_ += head.events;
+    // a full page of the index is written at once, so memory holds only one
     return page_.size() < kPageBlocks * kPageEntrySize || PutPage();
 }
 
@@ -59,6 +65,7 @@ bool EventFileOutput::PutPage() {
     return put;
 }
 
+// The signals were written before any event was known; their latest times follow here.
 bool EventFileOutput::PutEnd(const SignalTable& signals) {
     if (!page_.empty() && !PutPage()) {
         return false;

@@ -1,3 +1,6 @@
+// Writes an event file as events arrive. The list of signals has to be complete before the first
+// block, since blocks refer to signals by number.
+
 #include "stremo/event_file/writer.h"
 
 #include <algorithm>
@@ -112,6 +115,8 @@ std::uint32_t EventFileWriter::FindSignal(int handle) const noexcept {
     if (handle == -1) {
         return unnamed_;
     }
+    // Types and properties usually follow their signal, so the last signal is tried before the
+    // search.
     const auto last = static_cast<std::uint32_t>(signals_.size()) - 1;
     return signals_.size() > 0 && signals_[last].handle == handle ? last : signals_.Find(handle);
 }
@@ -240,6 +245,7 @@ bool EventFileWriter::End() {
     if (!Begin() || !blocks_->Flush()) {
         return false;
     }
+    // members follow their composite, so going backwards passes each time on to all levels above
     for (auto i = static_cast<std::uint32_t>(signals_.size()); i-- > 0;) {
         const Signal& signal = signals_[i];
         const std::int64_t written = signal.composite ? -1 : blocks_->Latest(signal.leaf);

@@ -20,7 +20,7 @@ inline constexpr std::string_view kDirectoryTag("DIR", 4);
 inline constexpr std::string_view kTailTag("TAI", 4);
 
 // Reads the sections of values and passes them to a sink. It is a template, since its inner loop
-// handles tens of millions of values a second:
+// calls the sink once per value:
 //
 //     void Time(std::int64_t time, std::size_t offset)    the time of the values that follow
 //     void Value(Input& in, std::size_t rank)             reads the value of a net

@@ -77,6 +77,7 @@ bool TypeTexts::Append(std::string& out, const Type& type) {
 }
 
 bool TypeTexts::AppendEnumeration(std::string& out, const Type& type) {
+    // the file says which type is std_ulogic; its literals are taken for granted then
     if (types_.nine_values() != kNoType && type.root == types_.nine_values()) {
         typeinfo::AppendCharacterEnum(out, type.name, "UX01ZWLH-");
         return true;
@@ -119,6 +120,8 @@ void TypeTexts::AppendInteger(std::string& out, const Type& type) {
     typeinfo::AppendInteger(out, type.name, range);
 }
 
+// Integers and physical values of 64 bits become real numbers as well, since the library's integers
+// have 32 bits.
 void TypeTexts::AppendReal(std::string& out, const Type& type) {
     constexpr double kMost = std::numeric_limits<double>::max();
     const bool real = type.kind == Kind::kReal;
@@ -148,6 +151,7 @@ bool TypeTexts::AppendArray(std::string& out, const Type& type) {
     }
     for (std::uint32_t i = 0; i < type.count; ++i) {
         const Bounds& bounds = types_.DimensionOf(type, i).bounds;
+        // a type-description string has no indices beyond 32 bits
         if (Clamp(bounds.left) != bounds.left || Clamp(bounds.right) != bounds.right) {
             return false;
         }

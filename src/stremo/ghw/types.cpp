@@ -11,6 +11,7 @@ namespace {
 constexpr std::uint64_t kTooMany = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint32_t kMostLevels = 64;
 
+// Adds without overflow: sizes of hostile types stay at the largest number and are refused later.
 std::uint64_t Add(std::uint64_t a, std::uint64_t b) noexcept {
     return a > kTooMany - b ? kTooMany : a + b;
 }
@@ -144,6 +145,7 @@ void Types::ReadWellKnown(Input& in) {
             break;
         }
         const std::size_t offset = in.offset();
+        // the list ends in a zero; only the type with the nine values is of use
         const std::uint32_t place = ReadNumber(in);
         const Type& type = types_[place];
         if (which != kNineValues || !in.ok()) {
@@ -299,6 +301,7 @@ void Types::BoundArray(Input& in, Type& type) {
 
 void Types::BoundRecord(Input& in, Type& type) {
     const auto begin = fields_.begin() + type.first;
+    // a copy, since the parts of fields add to fields_
     std::vector<Field> fields(begin, begin + type.count);
     for (Field& field : fields) {
         field.type = in.ok() ? BoundedPart(in, field.type) : field.type;
@@ -308,6 +311,7 @@ void Types::BoundRecord(Input& in, Type& type) {
 }
 
 std::uint32_t Types::BoundedPart(Input& in, std::uint32_t place) {
+    // the file has no bounds for parts that have their own
     if (types_[place].bounded) {
         return place;
     }

@@ -10,6 +10,7 @@ namespace {
 
 using recording::kNone;
 
+// Limits against hostile files; real ones stay far below them.
 constexpr std::uint64_t kMostWidth = 65'536;
 constexpr std::size_t kLongestName = 4096;
 constexpr int kMostShapes = 8;  // of one code
@@ -30,6 +31,7 @@ constexpr KindWord kKindWords[] = {
     {"string", Kind::kString},   {"event", Kind::kEvent},
 };
 
+// Every other word, wire, reg, logic and many more, declares bits.
 Kind KindOf(std::string_view word) noexcept {
     const auto* const found = std::find_if(std::begin(kKindWords), std::end(kKindWords),
                                            [&](const KindWord& k) { return k.word == word; });
@@ -88,7 +90,7 @@ public:
     Declarations Read();
 
 private:
-    // The shape that a declaration gives.
+    // The shape that a declaration describes.
     struct Shape {
         Kind kind;
         std::uint64_t width;
@@ -173,6 +175,7 @@ bool Reader::ReadNext() {
     at_ = word_;
     const std::string_view word = NextWord(at_, end_);
     const Command* const command = FindCommand(word);
+    // the part ends here, but not the file
     if (word.empty() && end_ != last_end_) {
         return true;
     }
@@ -294,6 +297,7 @@ void Reader::ReadVariable() {
 
 // Completes the shape of a variable whose name has this range.
 void Reader::FitRange(Shape& shape, const std::optional<Range>& range, std::string_view name) {
+    // the range in the name takes precedence over one in the place of the width
     shape.range = range ? range : shape.range;
     if (shape.kind == Kind::kInteger && shape.width > 32) {
         Note(Problem::kWideInteger, name);
@@ -337,12 +341,14 @@ std::uint32_t Reader::FindVariable(const Code& code, const Shape& shape) {
             variable.is_open = variable.is_open || is_open;
             return i;
         }
+        // variables of one code are in a list, to whose end a new one is added
         last = i;
         ++shapes;
     }
     const auto number = static_cast<std::uint32_t>(result_.variables.size());
     if (last == kNone) {
         Code kept = code;
+        // a long code is kept as text, since the part of the file with it is released
         if (code.length > sizeof code.bytes) {
             kept.at = reinterpret_cast<const Byte*>(texts_.Keep(code.text()).data());
         }

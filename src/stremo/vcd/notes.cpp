@@ -1,3 +1,6 @@
+// Collects what is odd about a VCD file. A damaged file can have the same problem millions of
+// times, so each kind is counted and described by its first occurrence.
+
 #include "stremo/vcd/notes.h"
 
 #include <algorithm>
@@ -55,6 +58,8 @@ struct Place {
 };
 
 void MoveTo(const platform::FileContent& content, std::size_t to, Place& place) {
+    // The lines before a problem are counted in parts, which are released again: a file can be
+    // larger than the memory.
     constexpr std::size_t kPart = std::size_t{1} << 22;
     while (place.offset < to) {
         const platform::Bytes part =
@@ -72,6 +77,7 @@ void MoveTo(const platform::FileContent& content, std::size_t to, Place& place) 
 
 }  // namespace
 
+// Keeps only the offset; Sentences finds line and column at the end, in one pass for all problems.
 void Notes::Add(Problem problem, std::size_t offset, std::string_view detail) {
     Kind& kind = kinds_[static_cast<std::size_t>(problem)];
     if (kind.count == 0) {

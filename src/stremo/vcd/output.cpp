@@ -1,3 +1,7 @@
+// Describes the signals of a recording as VCD declarations. Signals with the same elements and the
+// same type share one variable and its code, so a signal that occurs in several scopes is written
+// once.
+
 #include "stremo/vcd/output.h"
 
 #include <algorithm>
@@ -13,6 +17,7 @@ namespace corv::vcd {
 namespace {
 
 constexpr std::string_view kLogicLetters = "UX01ZWLH-";
+// Members of members are declared down to this depth; types nest far less.
 constexpr int kMostLevels = 256;
 constexpr std::uint32_t kNoType = 0xFFFFFFFF;
 
@@ -50,6 +55,7 @@ OutputType ReadEnumeration(const KTypeInfo& type) {
         return result;
     }
     const std::string name(type.GetTypeIdentifier().View());
+    // VCD itself has no strings; GTKWave reads values that begin with s as text
     if (name == "character" && type.GetNbOfValues() == 256) {
         result.form = Form::kText;
         return result;
@@ -269,6 +275,8 @@ void OutputTree::AddRecord(const Member& signal, const std::string& name, int le
     declarations += "$upscope $end\n";
 }
 
+// Returns the number of a type, kNoType if VCD cannot express it. Recordings use few types for many
+// signals, so each text is read once.
 std::uint32_t OutputTree::TypeOf(const std::string& text) {
     const auto [place, is_new] = type_numbers_.emplace(text, kNoType);
     if (is_new) {
@@ -280,6 +288,8 @@ std::uint32_t OutputTree::TypeOf(const std::string& text) {
     return place->second;
 }
 
+// Declares a variable. If its key is known, the same elements have been declared before; the
+// declaration then only adds a name for their code.
 void OutputTree::AddVariable(std::uint32_t type, const std::vector<int>& handles, bool is_vector,
                              std::string_view name, std::string_view range) {
     std::string key = std::to_string(type) + (is_vector ? "v" : "s");
@@ -310,6 +320,7 @@ void OutputTree::AddVariable(std::uint32_t type, const std::vector<int>& handles
 
 // ---- scopes ----
 
+// Leaves and enters as many scopes as it takes to get from the present scope to another one.
 void OutputTree::EnterScopes(const std::vector<std::string>& scopes) {
     std::size_t common = 0;
     while (common < scopes.size() && common < scopes_.size() && scopes[common] == scopes_[common]) {
@@ -330,6 +341,8 @@ void OutputTree::Enter(std::string_view kind, std::string_view name) {
     declarations += ' ' + Written(name) + " $end\n";
 }
 
+// Names in VCD end at a blank, so blanks and control characters become underscores, except for
+// blanks if raw names are wanted.
 std::string OutputTree::Written(std::string_view name) const {
     std::string written(name.empty() ? "_" : name);
     for (char& c : written) {

@@ -194,7 +194,7 @@ private:
     bool in_text_ = false;
 };
 
-// How many bytes are brought for a part of a scan, and after it: a change that is longer than the
+// The bytes that are brought for a part of a scan, and after it: a change that is longer than the
 // latter is cut.
 inline constexpr std::size_t kScanPart = std::size_t{1} << 22;
 inline constexpr std::size_t kScanRest = std::size_t{1} << 20;

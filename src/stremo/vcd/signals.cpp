@@ -1,3 +1,6 @@
+// Makes the signals of a VCD file from its declarations. All names of one variable share its
+// leaves, so a value that is stored once appears under every name.
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -71,6 +74,7 @@ const char* Maker::ArrayType(const Name& name, std::uint32_t count, const char* 
 }
 
 std::string_view Maker::MemberName(std::int64_t index) {
+    // Most indices are small and occur in many vectors, so their texts are made once.
     constexpr std::int64_t kSmall = 1024;
     if (index < 0 || index >= kSmall) {
         return signals_.KeepShared("(" + std::to_string(index) + ")");

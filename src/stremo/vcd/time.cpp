@@ -95,6 +95,8 @@ std::int64_t TimeScale::ToPicoseconds(std::uint64_t time) const noexcept {
     if (divisor_ == 1) {
         picoseconds = util::SaturatingMultiply(time, factor_);
     } else {
+        // whole multiples of the divisor and the rest are converted apart, which is exact and does
+        // not overflow
         picoseconds = util::SaturatingMultiply(time / divisor_, factor_);
         const std::uint64_t rest = time % divisor_ * factor_ / divisor_;
         picoseconds = picoseconds > kLast - rest ? kLast : picoseconds + rest;

@@ -1,3 +1,6 @@
+// Writes the events of any recording as a VCD file, in one pass and with little memory: the text is
+// flushed as it grows, and per element only the present value is kept.
+
 #include "stremo/vcd/writer.h"
 
 #include <algorithm>
@@ -21,6 +24,8 @@ namespace {
 
 // Returns the letter of a level in the four-state form.
 char FourState(char letter) noexcept {
+    // Four-state VCD has x for everything unknown and no strengths, so weak levels become strong
+    // ones.
     constexpr std::string_view kNine = "UX01ZWLH-";
     constexpr std::string_view kFour = "xx01zz01x";
     return kFour[kNine.find(letter)];
@@ -118,6 +123,8 @@ std::int64_t Writer::EndTime() const noexcept {
     return options_.end >= 0 ? std::min(options_.end, tree_.latest) : tree_.latest;
 }
 
+// Tells a reader of this library which signals are written, so that it skips the others. This is
+// only worth the time if `takes` leaves some out.
 void Writer::TellInterest() {
     recording::SignalReader* const own = recording::OwnReader(&reader_);
     if (own == nullptr || !options_.takes) {
@@ -147,6 +154,8 @@ void Writer::TakeCachedValues() {
 }
 
 bool Writer::WriteEvents() {
+    // The text is written in parts of a mebibyte, and the host can cancel every 65,536 events: both
+    // often enough, and too seldom to cost time.
     constexpr std::size_t kPart = std::size_t{1} << 20;
     constexpr unsigned kPause = 65'536;
     unsigned events = 0;
@@ -211,6 +220,8 @@ void Writer::WriteTime(std::int64_t time) {
     }
 }
 
+// Writes the changes collected at one time. The first ones are the values at the start, which are
+// inside $dumpvars; triggers of events are not values and follow its $end.
 void Writer::WriteChanges() {
     if (!changes_.empty()) {
         WriteTime(time_);
@@ -247,6 +258,7 @@ void Writer::WriteValue(const OutputVariable& variable) {
             const auto number = std::bit_cast<double>(value);
             char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
             out += 'r';
+            // to_chars writes some of them as -nan
             std::isnan(number) ? out += "NaN" : out.append(digits, end);
             out += ' ';
             break;
@@ -261,6 +273,7 @@ void Writer::WriteValue(const OutputVariable& variable) {
     }
     out += variable.code;
     out += '\n';
+    // the events are written now; another one at the same time is a second event
     std::replace(states_.begin() + variable.first,
                  states_.begin() + variable.first + variable.count, kHasEvent, kHasValue);
 }
@@ -298,6 +311,8 @@ void Writer::AppendText(const OutputVariable& variable, std::string& out) const 
         for (std::uint32_t i = variable.first; i < variable.first + variable.count; ++i) {
             characters += static_cast<char>(states_[i] != kNoValue ? values_[i] : ' ');
         }
+        // trailing blanks only fill a VHDL string; one character is kept, since a value cannot be
+        // empty
         characters.resize(std::max<std::size_t>(characters.find_last_not_of(' ') + 1, 1));
         out += EscapedText(characters);
     }
