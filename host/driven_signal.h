@@ -36,7 +36,8 @@ public:
     // Without a type the values tell it.
     //
     // Throws std::runtime_error, with a sentence, when a value is none of the type.
-    DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape, std::string type = "");
+    DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape,
+                 const std::string& type = "");
 
     // A signal that is not driven. Without a type the texts of its elements' values tell it.
     DrivenSignal(const std::set<std::string>& elements, Shape shape, std::string type);
