@@ -394,7 +394,7 @@ void LoadFromReader(benchmark::State& state) {
 }
 
 BENCHMARK(RemoveAndAdd<PlainManager>)
-    ->Name("containers/remove_and_add/baseline")
+    ->Name("containers/remove_and_add/plain")
     ->ArgNames({"signals", "handles"})
     ->Args({1'000'000, 1'000'000})
     ->Args({10'000, 1});
@@ -404,22 +404,22 @@ BENCHMARK(RemoveAndAdd<CorvManager>)
     ->Args({1'000, 1'000})
     ->Args({1'000'000, 1'000'000})
     ->Args({10'000, 1});
-BENCHMARK(FirstSignal<PlainManager>)->Name("containers/first_signal/baseline")->Arg(1'000'000);
+BENCHMARK(FirstSignal<PlainManager>)->Name("containers/first_signal/plain")->Arg(1'000'000);
 BENCHMARK(FirstSignal<CorvManager>)->Name("containers/first_signal/corv")->Arg(1'000'000);
-BENCHMARK(WalkHandles<PlainManager>)->Name("containers/walk_handles/baseline")->Arg(1'000'000);
+BENCHMARK(WalkHandles<PlainManager>)->Name("containers/walk_handles/plain")->Arg(1'000'000);
 BENCHMARK(WalkHandles<CorvManager>)->Name("containers/walk_handles/corv")->Arg(1'000'000);
-BENCHMARK(FindPlain)->Name("containers/find/baseline")->Arg(1'000)->Arg(100'000);
+BENCHMARK(FindPlain)->Name("containers/find/plain")->Arg(1'000)->Arg(100'000);
 BENCHMARK(FindCorv)->Name("containers/find/corv")->Arg(1'000)->Arg(100'000);
 BENCHMARK(FindRenamed)->Name("containers/find_renamed/corv")->Arg(1'000)->Arg(100'000);
-BENCHMARK(SavePlain)->Name("containers/save/baseline")->Arg(600)->Arg(6'000);
+BENCHMARK(SavePlain)->Name("containers/save/plain")->Arg(600)->Arg(6'000);
 BENCHMARK(Save)->Name("containers/save/corv")->Arg(600)->Arg(6'000);
-BENCHMARK(MakeAlone)->Name("containers/load_from_reader/baseline")->Arg(1'000)->Arg(100'000);
+BENCHMARK(MakeAlone)->Name("containers/load_from_reader/plain")->Arg(1'000)->Arg(100'000);
 BENCHMARK(LoadFromReader)
     ->Name("containers/load_from_reader/corv")
     ->Arg(1'000)
     ->Arg(10'000)
     ->Arg(100'000);
-BENCHMARK(LoadPlain)->Name("containers/load/baseline")->Arg(600)->Arg(6'000);
+BENCHMARK(LoadPlain)->Name("containers/load/plain")->Arg(600)->Arg(6'000);
 BENCHMARK(Load)->Name("containers/load/corv")->Arg(600)->Arg(6'000);
 
 }  // namespace

@@ -164,11 +164,11 @@ void SplitCorv(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(n) * kWires);
 }
 
-BENCHMARK(CounterBaseline)->Name("counter/period/baseline")->ArgName("type")->Arg(1)->Arg(2);
+BENCHMARK(CounterBaseline)->Name("counter/period/plain")->ArgName("type")->Arg(1)->Arg(2);
 BENCHMARK(CounterCorv)->Name("counter/period/corv")->ArgName("type")->Arg(1)->Arg(2);
-BENCHMARK(CounterThroughText)->Name("counter/period_through_text")->ArgName("type")->Arg(1);
+BENCHMARK(CounterThroughText)->Name("counter/period_through_text/corv")->ArgName("type")->Arg(1);
 BENCHMARK(SplitBaseline)
-    ->Name("formula/split/baseline")
+    ->Name("formula/split/plain")
     ->Arg(1'000)
     ->Arg(10'000)
     ->Unit(benchmark::kMillisecond);

@@ -63,10 +63,9 @@ void CreatePlain(benchmark::State& state, int leaves, const std::string& type) {
     }
 }
 BENCHMARK_CAPTURE(CreateSignals, vector64, VectorType(64))->Name("create/vector64/corv");
-BENCHMARK_CAPTURE(CreatePlain, vector64, 64, VectorType(64))->Name("create/vector64/baseline");
+BENCHMARK_CAPTURE(CreatePlain, vector64, 64, VectorType(64))->Name("create/vector64/plain");
 BENCHMARK_CAPTURE(CreateSignals, record1000, RecordType(1000))->Name("create/record1000/corv");
-BENCHMARK_CAPTURE(CreatePlain, record1000, 1000, RecordType(1000))
-    ->Name("create/record1000/baseline");
+BENCHMARK_CAPTURE(CreatePlain, record1000, 1000, RecordType(1000))->Name("create/record1000/plain");
 
 void ReadProperties(benchmark::State& state) {
     ComPtr<ISignal> signal;
@@ -92,6 +91,6 @@ void ReadMap(benchmark::State& state) {
     }
 }
 BENCHMARK(ReadProperties)->Name("property/three_reads/corv");
-BENCHMARK(ReadMap)->Name("property/three_reads/baseline");
+BENCHMARK(ReadMap)->Name("property/three_reads/plain");
 
 }  // namespace

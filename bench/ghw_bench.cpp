@@ -43,14 +43,14 @@ class GhwInput {
 public:
     std::string Make(std::size_t bytes) {
         Declare();
-        file_ += std::string("CYC", 4) + Fixed(std::int64_t{0}) + '\0';
+        file_ += std::string("CYC\0", 4) + Fixed(std::int64_t{0}) + '\0';
         while (file_.size() < bytes) {
             file_ += Signed(2'500'000);
             Step();
         }
         file_ += std::string(
             "\x7F"
-            "ECY\0DIR",
+            "ECY\0DIR\0",
             9);
         return std::move(file_);
     }
@@ -117,13 +117,13 @@ private:
         const std::string hierarchy = Hierarchy();
         file_ = std::string("GHDLwave\n\x10\0\1\1\4\1\0", 16);
         file_ += std::string("STR\0\0\0\0\0", 8) + Fixed(static_cast<std::uint32_t>(name_count_)) +
-                 Fixed(static_cast<std::uint32_t>(characters_)) + names_ + std::string("EOS", 4);
+                 Fixed(static_cast<std::uint32_t>(characters_)) + names_ + std::string("EOS\0", 4);
         file_ += std::string("TYP\0\0\0\0\0", 8) + Fixed(std::uint32_t{kBus32}) + types + '\0';
         file_ += std::string("WKT\0\0\0\0\0\3\1\0", 11);
         file_ += std::string("HIE\0\0\0\0\0", 8) + Fixed(std::uint64_t{0}) +
-                 Fixed(static_cast<std::uint32_t>(nets_)) + hierarchy + std::string("EOH", 4);
+                 Fixed(static_cast<std::uint32_t>(nets_)) + hierarchy + std::string("EOH\0", 4);
         file_ += std::string("SNP\0\0\0\0\0", 8) + Fixed(std::int64_t{0}) + start_ +
-                 std::string("ESN", 4);
+                 std::string("ESN\0", 4);
     }
 
     void Change(Signal& signal) {
@@ -197,7 +197,7 @@ std::uint64_t PlainNumber(const unsigned char*& at) {
 // For bytes that are known to be well-formed.
 std::uint64_t PlainSum(const std::string& file, const std::vector<bool>& is_integer) {
     static std::uint64_t values[65'536];
-    const std::size_t start = file.find(std::string("CYC", 4)) + 12;
+    const std::size_t start = file.find(std::string("CYC\0", 4)) + 12;
     const auto* at = reinterpret_cast<const unsigned char*>(file.data()) + start;
     std::uint64_t sum = 0;
     for (std::uint64_t time = 0;; time += PlainNumber(at)) {
@@ -235,7 +235,7 @@ void GhwReadPlain(benchmark::State& state) {
     }
     CountBytes(state);
 }
-BENCHMARK(GhwReadPlain)->Unit(benchmark::kMillisecond);
+BENCHMARK(GhwReadPlain)->Name("ghw/read/plain")->Unit(benchmark::kMillisecond);
 
 // ---- reading ----
 
@@ -247,7 +247,7 @@ void GhwOpen(benchmark::State& state) {
     }
     CountBytes(state);
 }
-BENCHMARK(GhwOpen)->Unit(benchmark::kMillisecond);
+BENCHMARK(GhwOpen)->Name("ghw/open/corv")->Unit(benchmark::kMillisecond);
 
 void ReadLeaves(benchmark::State& state, const std::vector<std::uint32_t>& leaves) {
     File();  // made before the time counts
@@ -267,11 +267,11 @@ void ReadLeaves(benchmark::State& state, const std::vector<std::uint32_t>& leave
 void GhwReadAll(benchmark::State& state) {
     ReadLeaves(state, {});
 }
-BENCHMARK(GhwReadAll)->Unit(benchmark::kMillisecond);
+BENCHMARK(GhwReadAll)->Name("ghw/read/corv")->Unit(benchmark::kMillisecond);
 
 void GhwReadOneSignal(benchmark::State& state) {
     ReadLeaves(state, {3});
 }
-BENCHMARK(GhwReadOneSignal)->Unit(benchmark::kMillisecond);
+BENCHMARK(GhwReadOneSignal)->Name("ghw/read_one_signal/corv")->Unit(benchmark::kMillisecond);
 
 }  // namespace

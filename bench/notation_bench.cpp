@@ -62,7 +62,7 @@ void NotationCorv(benchmark::State& state) {
 }
 
 BENCHMARK(NotationBaseline)
-    ->Name("notation/convert/baseline")
+    ->Name("notation/convert/plain")
     ->Arg(10'000)
     ->Arg(100'000)
     ->Unit(benchmark::kMillisecond);

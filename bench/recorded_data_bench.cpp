@@ -302,10 +302,10 @@ void AtPlain(benchmark::State& state) {
            [&](int place) { return list.At(static_cast<unsigned>(place) / 16); });
 }
 
-BENCHMARK(LoadAndAddPlain)->Name("recorded_data/load_and_add/baseline")->Arg(100'000);
+BENCHMARK(LoadAndAddPlain)->Name("recorded_data/load_and_add/plain")->Arg(100'000);
 BENCHMARK(LoadAndAdd)->Name("recorded_data/load_and_add/corv")->Arg(10'000)->Arg(100'000);
 BENCHMARK(AddAndRemovePlain)
-    ->Name("recorded_data/add_and_remove/baseline")
+    ->Name("recorded_data/add_and_remove/plain")
     ->ArgNames({"scalars", "order"})
     ->ArgsProduct({{100'000}, {kRising, kFalling, kRandom}});
 BENCHMARK(AddAndRemove)
@@ -313,20 +313,20 @@ BENCHMARK(AddAndRemove)
     ->ArgNames({"scalars", "order"})
     ->ArgsProduct({{10'000, 100'000, 1'000'000}, {kRising, kFalling, kRandom}});
 BENCHMARK(AddHandlesPlain)
-    ->Name("recorded_data/add_handles/baseline")
+    ->Name("recorded_data/add_handles/plain")
     ->ArgNames({"scalars", "order"})
     ->ArgsProduct({{100'000}, {kRising, kFalling, kRandom}});
 BENCHMARK(AddHandles)
     ->Name("recorded_data/add_handles/corv")
     ->ArgNames({"scalars", "order"})
     ->ArgsProduct({{100'000}, {kRising, kFalling, kRandom}});
-BENCHMARK(FindByIdPlain)->Name("recorded_data/find_by_id/baseline")->Arg(1'000)->Arg(100'000);
+BENCHMARK(FindByIdPlain)->Name("recorded_data/find_by_id/plain")->Arg(1'000)->Arg(100'000);
 BENCHMARK(FindById)->Name("recorded_data/find_by_id/corv")->Arg(1'000)->Arg(100'000);
-BENCHMARK(FindItemPlain)->Name("recorded_data/find_item/baseline")->Arg(1'000)->Arg(100'000);
+BENCHMARK(FindItemPlain)->Name("recorded_data/find_item/plain")->Arg(1'000)->Arg(100'000);
 BENCHMARK(FindItem)->Name("recorded_data/find_item/corv")->Arg(1'000)->Arg(100'000);
-BENCHMARK(AtPlain)->Name("recorded_data/item_at/baseline")->Arg(1'000)->Arg(100'000);
+BENCHMARK(AtPlain)->Name("recorded_data/item_at/plain")->Arg(1'000)->Arg(100'000);
 BENCHMARK(GetItemAt)->Name("recorded_data/item_at/corv")->Arg(1'000)->Arg(100'000);
-BENCHMARK(AtPlain)->Name("recorded_data/handle_at/baseline")->Arg(1'000)->Arg(100'000);
+BENCHMARK(AtPlain)->Name("recorded_data/handle_at/plain")->Arg(1'000)->Arg(100'000);
 BENCHMARK(GetHandleAt)->Name("recorded_data/handle_at/corv")->Arg(1'000)->Arg(100'000);
 
 }  // namespace

@@ -275,10 +275,10 @@ void Patterns(benchmark::internal::Benchmark* bench) {
         ->ArgsProduct({{8, 16, 64, 1024}, {kOwnTimes, kClocked, kMixed}})
         ->Unit(benchmark::kMillisecond);
 }
-BENCHMARK(IterateTree)->Name("bus/iterate/baseline")->Apply(Patterns);
+BENCHMARK(IterateTree)->Name("bus/iterate/plain")->Apply(Patterns);
 BENCHMARK(IterateCorv)->Name("bus/iterate/corv")->Apply(Patterns);
 BENCHMARK(TextBisections)
-    ->Name("bus/text_at_64/baseline")
+    ->Name("bus/text_at_64/plain")
     ->Arg(1024)
     ->Arg(4096)
     ->Arg(16'000)

@@ -271,11 +271,11 @@ void WalkSizes(benchmark::internal::Benchmark* bench) {
         ->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(ReadBaseline)->Name("formula/read/baseline")->Apply(ReadSizes);
+BENCHMARK(ReadBaseline)->Name("formula/read/plain")->Apply(ReadSizes);
 BENCHMARK(ReadCorv)->Name("formula/read/corv")->Apply(ReadSizes);
-BENCHMARK(WriteBaseline)->Name("formula/write/baseline")->Apply(ReadSizes);
+BENCHMARK(WriteBaseline)->Name("formula/write/plain")->Apply(ReadSizes);
 BENCHMARK(WriteCorv)->Name("formula/write/corv")->Apply(ReadSizes);
-BENCHMARK(WalkBaseline)->Name("formula/walk/baseline")->Apply(WalkSizes);
+BENCHMARK(WalkBaseline)->Name("formula/walk/plain")->Apply(WalkSizes);
 BENCHMARK(WalkCorv)->Name("formula/walk/corv")->Apply(WalkSizes);
 BENCHMARK(ReadAndWalkCorv)
     ->Name("formula/read_and_walk/corv")

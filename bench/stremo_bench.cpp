@@ -164,15 +164,15 @@ void Write(benchmark::State& state, bool vectors) {
     state.counters["bytes_per_event"] =
         static_cast<double>(size) / static_cast<double>(changes.size());
 }
-void BM_Write(benchmark::State& state) {
+void WriteScalars(benchmark::State& state) {
     Write(state, false);
 }
-void BM_WriteVectors(benchmark::State& state) {
+void WriteVectors(benchmark::State& state) {
     Write(state, true);
 }
 
 // The records as they are, 16 bytes each.
-void BM_WritePlain(benchmark::State& state) {
+void WritePlain(benchmark::State& state) {
     const std::vector<Change>& changes = Changes(static_cast<std::size_t>(state.range(0)));
     const std::string name = std::filesystem::temp_directory_path() / "corv_bench_write.raw";
     for (auto _ : state) {
@@ -188,7 +188,7 @@ void BM_WritePlain(benchmark::State& state) {
 }
 
 // Blocks in memory, as the readers of other formats make them: vectors as masks.
-void BM_BuildInMemory(benchmark::State& state) {
+void BuildInMemory(benchmark::State& state) {
     namespace recording = corv::recording;
     const std::vector<Change>& changes = Changes(static_cast<std::size_t>(state.range(0)));
     recording::SignalTable signals;
@@ -243,7 +243,7 @@ Reader Open(const std::string& name) {
     return Reader(stremo::CreateStreamRead(name.c_str()));
 }
 
-void BM_Open(benchmark::State& state) {
+void OpenWhole(benchmark::State& state) {
     const std::string& name = File(static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
         const Reader reader = Open(name);
@@ -252,7 +252,7 @@ void BM_Open(benchmark::State& state) {
 }
 
 // A file without its end, as a killed writer leaves it.
-void BM_OpenCut(benchmark::State& state) {
+void OpenCut(benchmark::State& state) {
     const std::string& whole = File(static_cast<std::size_t>(state.range(0)));
     const std::string name = whole + ".cut";
     std::filesystem::copy_file(whole, name, std::filesystem::copy_options::overwrite_existing);
@@ -286,12 +286,12 @@ void SeekAnd(benchmark::State& state, Then then) {
         then(*reader);
     }
 }
-void BM_Seek(benchmark::State& state) {
+void SeekOnly(benchmark::State& state) {
     SeekAnd(state, [](stremo::IEventsStreamRead& reader) {
         benchmark::DoNotOptimize(*reader.GetCurrentTime());
     });
 }
-void BM_SeekValue(benchmark::State& state) {
+void SeekValue(benchmark::State& state) {
     int handle = 0;
     SeekAnd(state, [&](stremo::IEventsStreamRead& reader) {
         std::uint64_t value[2];
@@ -299,11 +299,11 @@ void BM_SeekValue(benchmark::State& state) {
         benchmark::DoNotOptimize(reader.GetCachedValue(handle, value));
     });
 }
-void BM_SeekNext(benchmark::State& state) {
+void SeekNext(benchmark::State& state) {
     SeekAnd(state,
             [](stremo::IEventsStreamRead& reader) { benchmark::DoNotOptimize(reader.Next()); });
 }
-void BM_SeekPlain(benchmark::State& state) {
+void SeekPlain(benchmark::State& state) {
     const std::vector<Change>& changes = Changes(static_cast<std::size_t>(state.range(0)));
     const std::vector<std::int64_t> times = RandomTimes(4096, changes.back().time);
     std::size_t i = 0;
@@ -333,13 +333,13 @@ void ReadAll(benchmark::State& state, bool vectors) {
     }
     state.SetItemsProcessed(events);
 }
-void BM_ReadAll(benchmark::State& state) {
+void ReadScalars(benchmark::State& state) {
     ReadAll(state, false);
 }
-void BM_ReadAllVectors(benchmark::State& state) {
+void ReadAllVectors(benchmark::State& state) {
     ReadAll(state, true);
 }
-void BM_ReadAllPlain(benchmark::State& state) {
+void ReadAllPlain(benchmark::State& state) {
     const std::vector<Change>& changes = Changes(static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
         std::uint64_t sum = 0;
@@ -364,7 +364,7 @@ std::int64_t Replay(stremo::IEventsStreamRead& reader, int handle) {
     }
     return questions;
 }
-void BM_Replay(benchmark::State& state) {
+void Replay(benchmark::State& state) {
     const Reader reader = Open(File(static_cast<std::size_t>(state.range(0))));
     std::int64_t questions = 0;
     int handle = 0;
@@ -375,7 +375,7 @@ void BM_Replay(benchmark::State& state) {
     state.SetItemsProcessed(questions);
 }
 // With opening and closing, and every block read and checked for the first time.
-void BM_ReplayFirst(benchmark::State& state) {
+void ReplayFirst(benchmark::State& state) {
     const std::string& name = File(static_cast<std::size_t>(state.range(0)));
     std::int64_t questions = 0;
     int handle = 0;
@@ -386,7 +386,7 @@ void BM_ReplayFirst(benchmark::State& state) {
     state.SetItemsProcessed(questions);
 }
 // The same through the listed operations alone, 100 questions.
-void BM_ReplayBySeek(benchmark::State& state) {
+void ReplayBySeek(benchmark::State& state) {
     const Reader reader = Open(File(static_cast<std::size_t>(state.range(0))));
     std::int64_t questions = 0;
     for (auto _ : state) {
@@ -404,7 +404,7 @@ void BM_ReplayBySeek(benchmark::State& state) {
     state.SetItemsProcessed(questions);
 }
 // Each signal's events in a list of its own.
-void BM_ReplayPlain(benchmark::State& state) {
+void ReplayPlain(benchmark::State& state) {
     std::vector<std::vector<Change>> lists(kSignals);
     for (const Change& change : Changes(static_cast<std::size_t>(state.range(0)))) {
         lists[static_cast<std::size_t>(change.signal)].push_back(change);
@@ -422,22 +422,63 @@ void BM_ReplayPlain(benchmark::State& state) {
     state.SetItemsProcessed(questions);
 }
 
-BENCHMARK(BM_Write)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_WriteVectors)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_WritePlain)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_BuildInMemory)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Open)->Arg(1'000'000)->Arg(10'000'000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_OpenCut)->Arg(10'000'000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Seek)->Arg(10'000'000);
-BENCHMARK(BM_SeekValue)->Arg(10'000'000);
-BENCHMARK(BM_SeekNext)->Arg(10'000'000);
-BENCHMARK(BM_SeekPlain)->Arg(10'000'000);
-BENCHMARK(BM_ReadAll)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ReadAllVectors)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ReadAllPlain)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Replay)->Arg(1'000'000)->Arg(10'000'000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ReplayFirst)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ReplayBySeek)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ReplayPlain)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(WriteScalars)
+    ->Name("event_file/write/corv")
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteVectors)
+    ->Name("event_file/write_vectors/corv")
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(WritePlain)
+    ->Name("event_file/write/plain")
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BuildInMemory)
+    ->Name("event_file/build_in_memory/corv")
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(OpenWhole)
+    ->Name("event_file/open/corv")
+    ->Arg(1'000'000)
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(OpenCut)
+    ->Name("event_file/open_cut/corv")
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(SeekOnly)->Name("event_file/seek/corv")->Arg(10'000'000);
+BENCHMARK(SeekValue)->Name("event_file/seek_value/corv")->Arg(10'000'000);
+BENCHMARK(SeekNext)->Name("event_file/seek_next/corv")->Arg(10'000'000);
+BENCHMARK(SeekPlain)->Name("event_file/seek/plain")->Arg(10'000'000);
+BENCHMARK(ReadScalars)
+    ->Name("event_file/read/corv")
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadAllVectors)
+    ->Name("event_file/read_vectors/corv")
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadAllPlain)
+    ->Name("event_file/read/plain")
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Replay)
+    ->Name("event_file/replay/corv")
+    ->Arg(1'000'000)
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(ReplayFirst)
+    ->Name("event_file/replay_first/corv")
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(ReplayBySeek)
+    ->Name("event_file/replay_by_seek/corv")
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(ReplayPlain)
+    ->Name("event_file/replay/plain")
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace

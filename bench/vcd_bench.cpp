@@ -40,7 +40,7 @@ void CountBytes(benchmark::State& state) {
 
 // For texts that are known to be well-formed, with codes of up to two characters.
 std::uint64_t PlainSum(const std::string& text) {
-    static std::array<std::uint64_t, 256 * 256> values;
+    static std::array<std::uint64_t, std::size_t{256} * 256> values;
     const char* at = text.data() + text.find("$enddefinitions $end") + 20;
     const char* const end = text.data() + text.size();
     std::uint64_t time = 0;
@@ -56,7 +56,7 @@ std::uint64_t PlainSum(const std::string& text) {
         }
         if (first == 'b') {
             for (; *at > ' '; ++at) {
-                value = value * 2 + (*at & 1U);
+                value = value * 2 + (static_cast<unsigned char>(*at) & 1U);
             }
             ++at;
         } else if (first > ' ') {
@@ -81,7 +81,7 @@ void VcdReadPlain(benchmark::State& state) {
     }
     CountBytes(state);
 }
-BENCHMARK(VcdReadPlain)->Unit(benchmark::kMillisecond);
+BENCHMARK(VcdReadPlain)->Name("vcd/read/plain")->Unit(benchmark::kMillisecond);
 
 // ---- reading and writing ----
 
@@ -101,12 +101,12 @@ void ReadLeaves(benchmark::State& state, std::vector<std::uint32_t> leaves) {
 void VcdReadAll(benchmark::State& state) {
     ReadLeaves(state, {});
 }
-BENCHMARK(VcdReadAll)->Unit(benchmark::kMillisecond);
+BENCHMARK(VcdReadAll)->Name("vcd/read/corv")->Unit(benchmark::kMillisecond);
 
 void VcdReadOneSignal(benchmark::State& state) {
     ReadLeaves(state, {3});
 }
-BENCHMARK(VcdReadOneSignal)->Unit(benchmark::kMillisecond);
+BENCHMARK(VcdReadOneSignal)->Name("vcd/read_one_signal/corv")->Unit(benchmark::kMillisecond);
 
 class NoFile final : public corv::platform::Files {
 public:
@@ -132,6 +132,6 @@ void VcdWrite(benchmark::State& state) {
     }
     CountBytes(state);
 }
-BENCHMARK(VcdWrite)->Unit(benchmark::kMillisecond);
+BENCHMARK(VcdWrite)->Name("vcd/write/corv")->Unit(benchmark::kMillisecond);
 
 }  // namespace

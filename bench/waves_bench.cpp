@@ -380,8 +380,8 @@ void CommitCorv(benchmark::State& state) {
     SetRate(state, 2 * n);
 }
 
-#define CORV_BENCH_BOTH(function, name, ...)                                           \
-    BENCHMARK(function<Plain __VA_ARGS__>)->Name("wave/" name "/baseline")->CORV_ARGS; \
+#define CORV_BENCH_BOTH(function, name, ...)                                        \
+    BENCHMARK(function<Plain __VA_ARGS__>)->Name("wave/" name "/plain")->CORV_ARGS; \
     BENCHMARK(function<Corv __VA_ARGS__>)->Name("wave/" name "/corv")->CORV_ARGS
 
 using V4 = std::uint32_t;
@@ -411,9 +411,9 @@ CORV_BENCH_BOTH(Resident, "resident");
     ArgNames({"n", "bursts"})->ArgsProduct({{100, 1'000, 65'536, 1'000'000, 10'000'000}, {0, 1}})
 CORV_BENCH_BOTH(Find, "find");
 
-BENCHMARK(WalkPlain)->Name("wave/walk_64/baseline")->Arg(1'000'000);
+BENCHMARK(WalkPlain)->Name("wave/walk_64/plain")->Arg(1'000'000);
 BENCHMARK(WalkCorv)->Name("wave/walk_64/corv")->Arg(1'000'000);
-BENCHMARK(CommitPlain)->Name("wave/commit/baseline")->Arg(1'000'000);
+BENCHMARK(CommitPlain)->Name("wave/commit/plain")->Arg(1'000'000);
 BENCHMARK(CommitCorv)->Name("wave/commit/corv")->Arg(1'000'000);
 
 }  // namespace

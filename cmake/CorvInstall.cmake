@@ -1,6 +1,12 @@
-# cmake --install: headers, both libraries, the CMake package, corv.pc, the program.
+# cmake --install: headers, libraries, the CMake package, corv.pc, the program.
 
-install(TARGETS corv corv_static EXPORT corvTargets
+set(CORV_LIBRARIES)
+foreach(library corv corv_static)
+  if(TARGET ${library})
+    list(APPEND CORV_LIBRARIES ${library})
+  endif()
+endforeach()
+install(TARGETS ${CORV_LIBRARIES} EXPORT corvTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
@@ -18,6 +24,17 @@ install(FILES "${CMAKE_CURRENT_BINARY_DIR}/corvConfig.cmake"
 # corv.pc finds the prefix from its own place, so that the installed tree can be moved.
 file(RELATIVE_PATH CORV_PC_TO_PREFIX
   "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+# What an archive needs besides; a shared library brings it along.
+set(CORV_PC_PRIVATE_LIBS "")
+foreach(library ${CMAKE_DL_LIBS})
+  string(APPEND CORV_PC_PRIVATE_LIBS " -l${library}")
+endforeach()
+set(CORV_PC_LIBS "")
+set(CORV_PC_CFLAGS "")
+if(NOT CORV_BUILD_SHARED)
+  set(CORV_PC_LIBS "${CORV_PC_PRIVATE_LIBS}")
+  set(CORV_PC_CFLAGS " -DCORV_STATIC")
+endif()
 configure_file(cmake/corv.pc.in corv.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/corv.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -13,7 +13,7 @@ target_compile_features(corv_options INTERFACE cxx_std_20)
 set_property(TARGET corv_options PROPERTY INTERFACE_CXX_EXTENSIONS OFF)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   target_compile_options(corv_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow $<$<BOOL:${CORV_WERROR}>:-Werror>)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # a false alarm of g++ 12 in std::string's `"text" + string` when it optimises

@@ -21,7 +21,7 @@ BusType BusTypeOf(const KTypeInfo& type) {
     for (int i = 0; i < element.GetNbOfValues(); ++i) {
         bus.letters += element.GetValue(i, false).View();
     }
-    if (bus.letters.find("Z") != std::string::npos && bus.letters.find("z") == std::string::npos) {
+    if (bus.letters.find('Z') != std::string::npos && bus.letters.find('z') == std::string::npos) {
         bus.letters += "uxzwlh";  // as std_logic reads them
     }
     CString name = type.GetTypeIdentifier();

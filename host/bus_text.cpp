@@ -134,7 +134,7 @@ std::string BusDigits(std::string_view characters, Radix radix, BusKind kind) {
 
 std::string BusLiteral(std::string_view characters, Radix radix, BusKind kind) {
     radix = Written(characters, radix);
-    const std::string digits = Digits(characters, radix, kind);
+    std::string digits = Digits(characters, radix, kind);
     const bool whole = radix == Radix::Hex   ? characters.size() % 4 == 0
                        : radix == Radix::Oct ? characters.size() % 3 == 0
                                              : true;

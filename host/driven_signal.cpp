@@ -168,7 +168,8 @@ std::set<std::string> ElementsOf(const Trace& recorded, Shape shape) {
 
 }  // namespace
 
-DrivenSignal::DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape, std::string type)
+DrivenSignal::DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape,
+                           const std::string& type)
     : DrivenSignal(type.empty() ? ElementsOf(recorded, shape) : std::set<std::string>(), shape,
                    type) {
     const std::vector<ISignal*> leaves = LeavesOf(*signal_);

@@ -37,7 +37,8 @@ public:
     // Without a type, the type is inferred from the values.
     //
     // Throws std::runtime_error, with a sentence, if a value is not a value of the type.
-    DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape, std::string type = "");
+    DrivenSignal(const Trace& recorded, std::int64_t start, Shape shape,
+                 const std::string& type = "");
 
     // Makes a signal that is not driven. Without a type, the type is inferred from the texts of its
     // elements' values.

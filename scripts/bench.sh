@@ -7,7 +7,9 @@
 # The full report lies in build/release/bench/report.json afterwards. Further arguments go to the
 # benchmarks:
 #
-#   scripts/bench.sh --benchmark_filter=walk
+#   scripts/bench.sh --benchmark_filter=^wave/
+#
+# A benchmark is called area/job/corv, its baseline area/job/plain.
 
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"

@@ -19,11 +19,6 @@ trap 'rm -rf "$folder"' EXIT
 input=$folder/input.vcd
 display=() # what a command that opens windows runs under
 
-compile() {
-    quietly "${CXX:-c++}" -O2 -std=c++20 -I"$root/bench" -I"$root/include" -I"$root/src" -DCORV_STATIC \
-        -o "$bench/$1" "$root/bench/files/$1.cpp" "${@:2}"
-}
-
 # measure NAME COMMAND...: a line of the table; the command's own time only.
 measure() {
     local name=$1 times=()
@@ -39,13 +34,10 @@ measure() {
 }
 
 configure "$root/build/release" release
-build "$root/build/release" corv_static
-mkdir -p "$bench"
-compile make_vcd
-compile load_recording "$root/build/release/src/libcorv_static.a" -ldl
-"$bench/make_vcd" "$megabytes" "$input"
+build "$root/build/release" corv_make_vcd corv_load_recording
+"$bench/corv_make_vcd" "$megabytes" "$input"
 
-measure "corv" "$bench/load_recording" "$input"
+measure "corv" "$bench/corv_load_recording" "$input"
 say "  $(cat "$folder/log")"
 if command -v vcd2fst >/dev/null; then
     measure "vcd2fst" vcd2fst "$input" "$folder/out.fst"
@@ -55,5 +47,5 @@ if command -v gtkwave >/dev/null && command -v xvfb-run >/dev/null; then
     measure "gtkwave -x" gtkwave -x "$input"
     display=()
 fi
-measure "corv, one signal" "$bench/load_recording" "$input" bit7
+measure "corv, one signal" "$bench/corv_load_recording" "$input" bit7
 say "  $(cat "$folder/log")"

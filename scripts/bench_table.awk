@@ -1,5 +1,5 @@
 # Makes a table of the medians in a report of Google Benchmark, which stands behind the list of its
-# benchmarks' names and gives the order. A name with "/corv" in it and the one with "/baseline"
+# benchmarks' names and gives the order. A name with "/corv" in it and the one with "/plain"
 # instead are one row.
 
 function nanoseconds(value, unit) {
@@ -12,7 +12,7 @@ function ratio(row) {
 {
     row = $1
     kind = sub(/_median$/, "", row) ? "median" : sub(/_cv$/, "", row) ? "cv" : NF == 1 ? "name" : ""
-    is_base = sub(/\/baseline/, "", row)
+    is_base = sub(/\/plain/, "", row)
     sub(/\/corv/, "", row)
 }
 kind == "name" && !is_base && row !~ /^---/ {

@@ -31,4 +31,7 @@ say "100 MHz as a formula: $clock" ""
     -f 'strobe=/vesk 140NS(010NS110NS)4Z80NS' \
     -e 200ns -o - --svg "$root/demo.svg"
 
-say "" "Wrote $root/demo.svg; it opens in a browser."
+say "" "Look at dq, which changes hands: unknown (U) at first, driven from 50 ns on, released at 110 ns," \
+    "in conflict (X) at 125 ns, then weakly high, driven low, and weakly low. clk, data and strobe" \
+    "show a repeated formula, a bus with words, and the compact notation." \
+    "" "Wrote $root/demo.svg; it opens in a browser. More to try: $corv help"

@@ -11,7 +11,8 @@ set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 # The packages of each group, one a line, with what shows on a system without Debian's packages
-# that it has them: a command that is there, or a header that the compiler finds.
+# that it has them: a command that is there, a header that the compiler finds, or a library that
+# clang links programs with.
 declare -A packages=(
     [program]="
         g++                 command c++
@@ -32,6 +33,8 @@ declare -A packages=(
         clang               command clang++
         clang-format        command clang-format
         clang-tidy          command clang-tidy
+        libclang-rt-dev     runtime fuzzer
+        llvm                command llvm-cov
         shellcheck          command shellcheck
         ccache              command ccache"
 )
@@ -48,10 +51,12 @@ installed() {
     dpkg-query -W -f='${db:Status-Status}\n' "$1" 2>/dev/null | grep -qx installed
 }
 
-# found command|header NAME
+# found command|header|runtime NAME
 found() {
     if [ "$1" = command ]; then
         command -v "$2" >/dev/null
+    elif [ "$1" = runtime ]; then
+        compgen -G "$(clang++ -print-runtime-dir 2>/dev/null)/libclang_rt.$2*" >/dev/null
     else
         c++ -std=c++20 -fsyntax-only -include "$2" -x c++ /dev/null 2>/dev/null
     fi

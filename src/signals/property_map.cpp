@@ -76,7 +76,7 @@ struct CPropertyMap::Entry {
 // until one of them changes.
 struct alignas(void*) CPropertyMap::Table {
     static Table* WithRoom(std::uint32_t capacity) noexcept {
-        void* const block = NewBlock(sizeof(Table) + capacity * sizeof(Entry*));
+        void* const block = NewBlock(sizeof(Table) + capacity * sizeof(void*));
         if (block == nullptr) {
             return nullptr;
         }

@@ -46,6 +46,7 @@ Streams::iterator Find(std::string_view name) noexcept {
 }
 
 // The factory is a copy, since it may register or unregister names while it runs.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 stremo::IEventsStreamRead* OpenRegistered(const char* name, Factory factory) {
     stremo::IEventsStreamRead* const reader = factory();
     if (reader == nullptr && *corv::LastStreamError() == '\0') {

@@ -11,13 +11,13 @@
 
 namespace corv::ghw {
 
-inline constexpr std::string_view kSnapshotTag("SNP", 4);
-inline constexpr std::string_view kSnapshotEnd("ESN", 4);
-inline constexpr std::string_view kCyclesTag("CYC", 4);
-inline constexpr std::string_view kCyclesEnd("ECY", 4);
-inline constexpr std::string_view kHierarchyEnd("EOH", 4);
-inline constexpr std::string_view kDirectoryTag("DIR", 4);
-inline constexpr std::string_view kTailTag("TAI", 4);
+inline constexpr std::string_view kSnapshotTag("SNP\0", 4);
+inline constexpr std::string_view kSnapshotEnd("ESN\0", 4);
+inline constexpr std::string_view kCyclesTag("CYC\0", 4);
+inline constexpr std::string_view kCyclesEnd("ECY\0", 4);
+inline constexpr std::string_view kHierarchyEnd("EOH\0", 4);
+inline constexpr std::string_view kDirectoryTag("DIR\0", 4);
+inline constexpr std::string_view kTailTag("TAI\0", 4);
 
 // Reads the sections of values and passes them to a sink. It is a template, since its inner loop
 // calls the sink once per value:
@@ -118,7 +118,7 @@ private:
     // The mark at this place is damaged. After the snapshot these must be the cycles; otherwise
     // reading continues at the next section that can be found.
     bool FindSection() {
-        constexpr std::string_view kSnapshot("SNP\0\0\0\0", 8);
+        constexpr std::string_view kSnapshot("SNP\0\0\0\0\0", 8);
         const std::size_t offset = in_.offset();
         const std::size_t next = std::min(Find(kSnapshot, offset), FindCycles(offset));
         brought_ = 0;
@@ -151,7 +151,7 @@ private:
     }
     // Finds the mark of the cycles after the end of a snapshot.
     std::size_t FindCycles(std::size_t from) {
-        const std::size_t found = Find(std::string_view("ESN\0CYC", 8), from);
+        const std::size_t found = Find(std::string_view("ESN\0CYC\0", 8), from);
         return found == kNowhere ? kNowhere : found + kSnapshotEnd.size();
     }
 

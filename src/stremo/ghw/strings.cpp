@@ -5,7 +5,7 @@
 namespace corv::ghw {
 namespace {
 
-constexpr std::string_view kEnd("EOS", 4);
+constexpr std::string_view kEnd("EOS\0", 4);
 
 bool EndsString(unsigned char byte) noexcept {
     return byte < 32 || (byte >= 128 && byte < 160);

@@ -81,24 +81,23 @@ inline Digits ReadDigits(const Byte* at, const Byte* end) noexcept {
     Digits digits{at, 0, 0, true};
     EightBytes other = 0;
     const Byte* p = at;
-    while (end - p >= 8)
-        [[likely]] {
-            const EightBytes bytes = LoadEight(p);
-            const unsigned length = BytesToBlank(bytes);
-            EightBytes values = bytes ^ EightTimes('0');
-            if (length < 8) {
-                values = length != 0 ? values << (64 - 8 * length) : 0;
-                other |= values;
-                p += length;
-                digits.bits = digits.bits << length | detail::GatherBits(values);
-                digits.count = static_cast<std::size_t>(p - at);
-                digits.two_valued = (other & EightTimes(0xFE)) == 0;
-                return digits;
-            }
+    while (end - p >= 8) {
+        const EightBytes bytes = LoadEight(p);
+        const unsigned length = BytesToBlank(bytes);
+        EightBytes values = bytes ^ EightTimes('0');
+        if (length < 8) {
+            values = length != 0 ? values << (64 - 8 * length) : 0;
             other |= values;
-            digits.bits = digits.bits << 8 | detail::GatherBits(values);
-            p += 8;
+            p += length;
+            digits.bits = digits.bits << length | detail::GatherBits(values);
+            digits.count = static_cast<std::size_t>(p - at);
+            digits.two_valued = (other & EightTimes(0xFE)) == 0;
+            return digits;
         }
+        other |= values;
+        digits.bits = digits.bits << 8 | detail::GatherBits(values);
+        p += 8;
+    }
     for (; p != end && !IsBlank(*p); ++p) {
         other |= static_cast<EightBytes>(*p ^ '0');
         digits.bits = digits.bits << 1 | (*p & 1U);
