@@ -21,12 +21,23 @@ constexpr std::size_t kRequired = 3;
 constexpr std::size_t kActive = 5;
 constexpr std::size_t kStates = 6;
 
-const std::vector<std::string>& KnownWords(std::size_t field) {
-    static const std::vector<std::string> known[kRequired] = {
-        {"VAL", "FRM", "CLK", "KEY", "PRD", "CST"},
-        {"FRM", "KEY"},
-        {"Override", "Deposit", "Drive"}};
-    return known[field];
+// A record with the strength Default is read as one with Override, so that is not expected.
+std::vector<std::string> StrengthNames() {
+    std::vector<std::string> names;
+    for (const int strength : CStiParser::kStrengths) {
+        if (strength != CStiParser::Default) {
+            names.emplace_back(CStiParser::StrengthName(strength));
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> KnownWords(std::size_t field) {
+    constexpr auto& kDialogs = CStiParser::kDialogs;
+    constexpr auto& kTypes = CStiParser::kStimTypes;
+    return field == 0   ? std::vector<std::string>(kDialogs.begin(), kDialogs.end())
+           : field == 1 ? std::vector<std::string>(kTypes.begin(), kTypes.end())
+                        : StrengthNames();
 }
 
 bool IsKnown(std::size_t field, const std::string& word) {

@@ -67,11 +67,10 @@ std::string KeyMeaning(const char* data) {
 }
 
 std::string DataMeaning(const CStiParser& record) {
-    const char* const dialog = CStiParser::DialogName(record.GetDialogID());
-    const std::string name = dialog != nullptr ? dialog : "";
-    return name == "Clock"    ? ClockMeaning(record.GetDialogData())
-           : name == "Hotkey" ? KeyMeaning(record.GetDialogData())
-                              : "";
+    const int dialog = CStiParser::DialogNumber(record.GetDialogID());
+    return dialog == CStiParser::Clock    ? ClockMeaning(record.GetDialogData())
+           : dialog == CStiParser::HotKey ? KeyMeaning(record.GetDialogData())
+                                          : "";
 }
 
 std::string TypeMeaning(const CStiParser& record) {

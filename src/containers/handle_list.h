@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
+
+#include "util/flat_index.h"
 
 namespace corv::containers {
 
@@ -22,11 +25,11 @@ public:
 private:
     bool Contains(int handle);
     void FillIndex();
-    int& SlotOf(int handle) noexcept;
+    std::uint32_t& EntryOf(int handle) noexcept;
 
     std::vector<int> handles_;
-    std::vector<int> slots_;   // the index: a power of two of them, -1 is free
-    std::size_t indexed_ = 0;  // handles in the index, from the list's start
+    util::FlatIndex<std::uint32_t> index_;  // of handles + 1
+    std::size_t indexed_ = 0;               // handles in the index, from the list's start
     int highest_ = -1;
 };
 

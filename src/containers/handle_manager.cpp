@@ -3,7 +3,6 @@
 #include <bit>
 
 #include "corv/signals/signal.h"
-#include "frame/com_class.h"
 #include "platform/guard.h"
 #include "signals/signal.h"
 
@@ -97,11 +96,6 @@ void CORV_CALL HandleManager::RemoveAll() noexcept {
     pages_.clear();
     crowded_.clear();
     last_page_.second = nullptr;
-}
-
-HandleManager* HandleManager::FromOwn(IHandleManager& manager) noexcept {
-    static const void* const own_class = frame::ClassOf(HandleManager());
-    return frame::ClassOf(manager) == own_class ? static_cast<HandleManager*>(&manager) : nullptr;
 }
 
 void HandleManager::Forget(ISignal& signal) noexcept {

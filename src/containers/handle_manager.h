@@ -38,9 +38,6 @@ public:
     HRESULT CORV_CALL RemoveHandle(int handle) noexcept override;
     void CORV_CALL RemoveAll() noexcept override;
 
-    // A manager as one of this class; null when others have made it.
-    static HandleManager* FromOwn(IHandleManager& manager) noexcept;
-
     // Removes a signal from the lists of all handles.
     void Forget(ISignal& signal) noexcept;
     void Drop(const tree::Listing& listing) noexcept override;

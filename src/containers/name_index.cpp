@@ -1,7 +1,6 @@
 #include "containers/name_index.h"
 
 #include <algorithm>
-#include <bit>
 
 #include "corv/signals/signal.h"
 #include "platform/ascii.h"
@@ -31,7 +30,7 @@ std::uint64_t Hash(std::string_view name) noexcept {
     for (const char c : name) {
         hash = (hash ^ static_cast<unsigned char>(platform::Lower(c))) * 0x100000001B3U;
     }
-    return hash ^ hash >> 32;
+    return hash;
 }
 
 // Lets a signal count the changes of its name from now on. False when it is of another make than
@@ -63,10 +62,7 @@ void NameIndex::Follow(const SignalList& signals) noexcept {
 }
 
 void NameIndex::Reserve(std::size_t count) noexcept {
-    if (2 * count > slots_.size() &&
-        platform::Done([&] { slots_ = std::vector<std::uint32_t>(std::bit_ceil(2 * count)); })) {
-        indexed_ = 0;
-    }
+    platform::Done([&] { indexed_ = index_.Reserve(count) ? 0 : indexed_; });
 }
 
 void NameIndex::Reset() noexcept {
@@ -84,28 +80,25 @@ ISignal* NameIndex::Find(const SignalList& signals, std::string_view name) noexc
         return FindByLooking(signals, name);
     }
     Fill(signals);
-    const std::uint32_t place = SlotOf(signals, name);
+    const std::uint32_t place = EntryOf(signals, name);
     return place != 0 ? signals[place - 1] : nullptr;
 }
 
 void NameIndex::Fill(const SignalList& signals) noexcept {
     if (indexed_ == 0) {
-        std::fill(slots_.begin(), slots_.end(), 0);
+        index_.Clear();
     }
     for (; indexed_ < signals.size(); ++indexed_) {
         if (const char* const name = signals[indexed_]->GetName()) {
-            std::uint32_t& slot = SlotOf(signals, name);
-            slot = slot == 0 ? static_cast<std::uint32_t>(indexed_ + 1) : slot;
+            std::uint32_t& entry = EntryOf(signals, name);
+            entry = entry == 0 ? static_cast<std::uint32_t>(indexed_ + 1) : entry;
         }
     }
 }
 
-std::uint32_t& NameIndex::SlotOf(const SignalList& signals, std::string_view name) noexcept {
-    std::size_t at = Hash(name) & (slots_.size() - 1);
-    while (slots_[at] != 0 && !IsNamed(*signals[slots_[at] - 1], name)) {
-        at = (at + 1) & (slots_.size() - 1);
-    }
-    return slots_[at];
+std::uint32_t& NameIndex::EntryOf(const SignalList& signals, std::string_view name) noexcept {
+    return index_.SlotOf(Hash(name),
+                         [&](std::uint32_t place) { return IsNamed(*signals[place - 1], name); });
 }
 
 }  // namespace corv::containers

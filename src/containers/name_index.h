@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "util/flat_index.h"
+
 class ISignal;
 
 namespace corv::containers {
@@ -38,18 +40,18 @@ public:
 
 private:
     bool IsUsable(const SignalList& signals) const noexcept {
-        return is_watching_ && 2 * signals.size() <= slots_.size();
+        return is_watching_ && index_.HasRoomFor(signals.size());
     }
     void Reserve(std::size_t count) noexcept;
     void Fill(const SignalList& signals) noexcept;
-    // The slot of a name: that of the first signal so named, or the free one for it.
-    std::uint32_t& SlotOf(const SignalList& signals, std::string_view name) noexcept;
+    // The place of a name in the index: that of the first signal so named, or a free one.
+    std::uint32_t& EntryOf(const SignalList& signals, std::string_view name) noexcept;
 
-    std::vector<std::uint32_t> slots_;  // a power of two of them: place in the list + 1, 0 is free
-    std::size_t indexed_ = 0;           // signals of the list, from its start
-    std::size_t looked_at_ = 0;         // signals, since the last change
-    std::uint64_t renamings_ = 0;       // when the index was filled
-    bool is_watching_ = true;           // all signals of the list
+    util::FlatIndex<std::uint32_t> index_;  // of places in the list + 1
+    std::size_t indexed_ = 0;               // signals of the list, from its start
+    std::size_t looked_at_ = 0;             // signals, since the last change
+    std::uint64_t renamings_ = 0;           // when the index was filled
+    bool is_watching_ = true;               // all signals of the list
 };
 
 }  // namespace corv::containers

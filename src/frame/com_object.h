@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -48,8 +50,19 @@ public:
     // Adds a reference and returns the interface pointer, like QueryInterface with the object's own
     // identifier.
     Interface* NewReference() noexcept {
+        table_.store(TableOf(*this), std::memory_order_relaxed);
         AddRef();
         return this;
+    }
+
+    // The object as one of this class; null when it is of another class or maker. Objects of other
+    // makers may lack run-time type information, so dynamic_cast can't be used on them. What every
+    // COM object has is the address of its table of virtual functions, in its first bytes, and that
+    // of a final class of the library is shared by no other class.
+    static Object* FromOwn(Interface& object) noexcept {
+        return TableOf(object) == table_.load(std::memory_order_relaxed)
+                   ? static_cast<Object*>(&object)
+                   : nullptr;
     }
 
 protected:
@@ -58,6 +71,15 @@ protected:
     ~ComObject() = default;
 
 private:
+    static const void* TableOf(const Interface& object) noexcept {
+        const void* table;
+        std::memcpy(&table, static_cast<const void*>(&object), sizeof table);
+        return table;
+    }
+
+    // That of the class, known once an object of it has got its first reference.
+    inline static std::atomic<const void*> table_ = nullptr;
+
     std::uint32_t reference_count_ = 0;
 };
 

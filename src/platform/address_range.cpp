@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "platform/immortal.h"
+
 #if defined(__unix__) || defined(__APPLE__)
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -177,17 +179,10 @@ private:
     std::size_t bytes_ = 0;
 };
 
-// Constant-initialised and never destroyed, since waves may end after everything else, even after
-// static objects. The union keeps the compiler from calling the destructor.
-union NeverDestroyed {
-    constexpr NeverDestroyed() noexcept : ranges() {}
-    ~NeverDestroyed() {}
-    KeptRanges ranges;
-};
-constinit NeverDestroyed kept_ranges;
-
+// Never destroyed, since waves may end after everything else, even after static objects.
 KeptRanges& Kept() noexcept {
-    return kept_ranges.ranges;
+    static Immortal<KeptRanges> ranges;
+    return *ranges;
 }
 
 }  // namespace

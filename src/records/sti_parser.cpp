@@ -23,35 +23,20 @@ enum Field : std::size_t { kDialogId, kStimType, kStrength, kData, kInfo, kActiv
 constexpr std::size_t kRequired = 3;  // fields that a record must have
 constexpr char kSeparator = ':';
 
-constexpr int kDefault = 512;
-constexpr int kOverride = 1;
+// Where the string table has the names, in the order of the strengths and dialogs.
+constexpr std::array<unsigned, CStiParser::kStrengths.size()> kStrengthNames{2, 5, 6, 7};
+constexpr std::array<unsigned, CStiParser::kDialogs.size()> kDialogNames{8, 9, 10, 11, 13, 12};
 
-struct StrengthRow {
-    int number;
-    unsigned name;  // in the string table
-};
-constexpr std::array<StrengthRow, 4> kStrengths{{{kDefault, 2}, {kOverride, 5}, {8, 6}, {16, 7}}};
-
-struct DialogRow {
-    const char* code;
-    unsigned name;  // in the string table
-};
-constexpr std::array<DialogRow, 6> kDialogs{
-    {{"VAL", 8}, {"FRM", 9}, {"CLK", 10}, {"KEY", 11}, {"PRD", 13}, {"CST", 12}}};
-
-constexpr std::array<const char*, 2> kStimTypes{"FRM", "KEY"};  // by number
-
-// The texts of the string table for the rows, in their order.
 struct Names {
     Names() noexcept {
-        std::transform(kStrengths.begin(), kStrengths.end(), strengths.begin(),
-                       [](const StrengthRow& row) { return corv::platform::FindString(row.name); });
-        std::transform(kDialogs.begin(), kDialogs.end(), dialogs.begin(),
-                       [](const DialogRow& row) { return corv::platform::FindString(row.name); });
+        std::transform(kStrengthNames.begin(), kStrengthNames.end(), strengths.begin(),
+                       corv::platform::FindString);
+        std::transform(kDialogNames.begin(), kDialogNames.end(), dialogs.begin(),
+                       corv::platform::FindString);
     }
 
-    std::array<const char*, kStrengths.size()> strengths{};
-    std::array<const char*, kDialogs.size()> dialogs{};
+    std::array<const char*, kStrengthNames.size()> strengths{};
+    std::array<const char*, kDialogNames.size()> dialogs{};
 };
 
 const Names& LoadedNames() noexcept {
@@ -65,6 +50,15 @@ const char* OrEmpty(const char* text) noexcept {
 
 bool IsAbsent(const char* field) noexcept {
     return field == nullptr;
+}
+
+// Returns the place of a text in a table, without regard to case; -1 if it is not there.
+template <std::size_t kSize>
+int PlaceOf(const std::array<const char*, kSize>& texts, const char* text) noexcept {
+    const auto found = std::find_if(texts.begin(), texts.end(), [text](const char* known) {
+        return EqualNoCase(known, OrEmpty(text));
+    });
+    return found == texts.end() ? -1 : static_cast<int>(found - texts.begin());
 }
 
 // Returns an empty buffer if out of memory.
@@ -128,8 +122,8 @@ bool CStiParser::ReadFields(std::size_t length) noexcept {
         return false;
     }
     const int strength = StrengthValue(fields_[kStrength]);
-    if (strength == -1 || strength == kDefault) {
-        fields_[kStrength] = StrengthName(kOverride);
+    if (strength == -1 || strength == Default) {
+        fields_[kStrength] = StrengthName(Override);
     }
     for (std::size_t i = count; i < kFieldCount; ++i) {
         fields_[i] = i == kActive ? "0" : "";
@@ -170,10 +164,7 @@ bool CStiParser::Init(const char* dialog_id, int stim_type, int strength, const 
 
 const char* CStiParser::GetStimType(int* number) const noexcept {
     if (number != nullptr) {
-        const auto type = std::find_if(
-            kStimTypes.begin(), kStimTypes.end(),
-            [this](const char* code) { return EqualNoCase(code, OrEmpty(fields_[kStimType])); });
-        *number = type == kStimTypes.end() ? -1 : static_cast<int>(type - kStimTypes.begin());
+        *number = PlaceOf(kStimTypes, fields_[kStimType]);
     }
     return fields_[kStimType];
 }
@@ -215,31 +206,24 @@ void CStiParser::InitResources() noexcept {
 }
 
 const char* CStiParser::StrengthName(int number) noexcept {
-    const auto row =
-        std::find_if(kStrengths.begin(), kStrengths.end(),
-                     [number](const StrengthRow& strength) { return strength.number == number; });
-    return row == kStrengths.end()
+    const auto found = std::find(kStrengths.begin(), kStrengths.end(), number);
+    return found == kStrengths.end()
                ? nullptr
-               : LoadedNames().strengths[static_cast<std::size_t>(row - kStrengths.begin())];
+               : LoadedNames().strengths[static_cast<std::size_t>(found - kStrengths.begin())];
 }
 
 int CStiParser::StrengthValue(const char* name) noexcept {
-    const auto& names = LoadedNames().strengths;
-    const auto found = std::find_if(names.begin(), names.end(), [name](const char* known) {
-        return EqualNoCase(known, OrEmpty(name));
-    });
-    return found == names.end()
-               ? -1
-               : kStrengths[static_cast<std::size_t>(found - names.begin())].number;
+    const int place = PlaceOf(LoadedNames().strengths, name);
+    return place == -1 ? -1 : kStrengths[static_cast<std::size_t>(place)];
+}
+
+int CStiParser::DialogNumber(const char* code) noexcept {
+    return PlaceOf(kDialogs, code);
 }
 
 const char* CStiParser::DialogName(const char* code) noexcept {
-    const auto row = std::find_if(
-        kDialogs.begin(), kDialogs.end(),
-        [code](const DialogRow& dialog) { return EqualNoCase(dialog.code, OrEmpty(code)); });
-    return row == kDialogs.end()
-               ? nullptr
-               : LoadedNames().dialogs[static_cast<std::size_t>(row - kDialogs.begin())];
+    const int dialog = DialogNumber(code);
+    return dialog == -1 ? nullptr : LoadedNames().dialogs[static_cast<std::size_t>(dialog)];
 }
 
 bool operator==(const CStiParser& a, const CStiParser& b) noexcept {

@@ -8,12 +8,10 @@
 #include <utility>
 
 #include "corv/signals/signal.h"
-#include "frame/com_class.h"
 #include "platform/guard.h"
 #include "tree/nesting.h"
 #include "waves/wave_event_enumerator.h"
 
-using corv::frame::ClassOf;
 using corv::frame::ComPtr;
 
 namespace {
@@ -23,13 +21,6 @@ constexpr std::int64_t kLastKey = std::numeric_limits<std::int64_t>::max();
 
 // The tree serves the next step when at most one leaf in so many has changed at this one.
 constexpr std::size_t kTreePart = 8;
-
-template <class Value>
-bool IsOwn(const IWaveEventEnumerator& events) noexcept {
-    corv::waves::Timeline<corv::waves::WaveEvent<Value>> none;
-    const corv::waves::WaveEventEnumerator<Value> sample(none);
-    return ClassOf(events) == ClassOf(sample);
-}
 
 }  // namespace
 
@@ -76,10 +67,10 @@ HRESULT CBusEventIterator::AddLeaf(ISignal& leaf) {
     return S_OK;
 }
 
-CBusEventIterator::Maker CBusEventIterator::MakerOf(const IWaveEventEnumerator& events) noexcept {
-    return IsOwn<std::uint32_t>(events)   ? Maker::kOwn32
-           : IsOwn<std::uint64_t>(events) ? Maker::kOwn64
-                                          : Maker::kOther;
+CBusEventIterator::Maker CBusEventIterator::MakerOf(IWaveEventEnumerator& events) noexcept {
+    return CWaveEventEnumerator32::FromOwn(events) != nullptr   ? Maker::kOwn32
+           : CWaveEventEnumerator64::FromOwn(events) != nullptr ? Maker::kOwn64
+                                                                : Maker::kOther;
 }
 
 // ---- stepping ----

@@ -67,7 +67,7 @@ private:
 
     HRESULT Collect(ISignalContainer& members, int depth);
     HRESULT AddLeaf(ISignal& leaf);
-    static Maker MakerOf(const IWaveEventEnumerator& events) noexcept;
+    static Maker MakerOf(IWaveEventEnumerator& events) noexcept;
 
     void TakeCurrent(std::size_t leaf) noexcept;
     bool IsAt(std::size_t leaf, std::int64_t time) noexcept;

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "corv/frame/com_ptr.h"
-#include "frame/com_class.h"
 #include "platform/ascii.h"
 #include "signals/loads.h"
 #include "tree/members.h"
@@ -31,11 +30,6 @@ std::string_view NameOf(ISignal& signal) noexcept {
 }
 
 }  // namespace
-
-CSignal* CSignal::FromOwn(ISignal& signal) noexcept {
-    static const void* const own_class = corv::frame::ClassOf(CSignal(nullptr));
-    return corv::frame::ClassOf(signal) == own_class ? static_cast<CSignal*>(&signal) : nullptr;
-}
 
 int CSignal::IntegerProperty(const char* key, int without) const noexcept {
     int value = without;

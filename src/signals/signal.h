@@ -85,9 +85,6 @@ public:
     // E_OUTOFMEMORY.
     HRESULT ApplyTypeOf(const CSignal& scalar) noexcept;
 
-    // The signal as one of this class; null when others have made it.
-    static CSignal* FromOwn(ISignal& signal) noexcept;
-
     const CPropertyMap& Properties() const noexcept { return properties_; }
     // Gives a new signal the properties of another one, which are the same until either changes.
     void ShareProperties(const CPropertyMap& properties) noexcept { properties_ = properties; }

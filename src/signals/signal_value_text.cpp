@@ -7,17 +7,12 @@
 #include <cstring>
 #include <string_view>
 
-#include "corv/frame/com_ptr.h"
-#include "frame/com_class.h"
 #include "signals/signal.h"
 #include "signals/value_text.h"
 #include "tree/nesting.h"
 #include "typeinfo/type_access.h"
 #include "typeinfo/value_text.h"
-#include "waves/find_together.h"
-#include "waves/signal_wave.h"
 
-using corv::frame::ClassOf;
 using corv::signals::SharedValueTexts;
 using corv::signals::ValueTextPass;
 using corv::signals::ValueTexts;
@@ -28,15 +23,8 @@ namespace {
 constexpr int kScalarRadix = 10;
 constexpr int kArrayRadix = 2;
 
-// The largest value of a wave, and of a scalar.
+// The largest value of a wave, and of a scalar. A shorter one is followed by zeros.
 using ScalarBytes = std::array<unsigned char, 8>;
-
-// The value as the scalar's type has it: a wave's value may be longer or shorter than that.
-ScalarBytes Widened(const void* value, std::size_t size) noexcept {
-    ScalarBytes bytes{};
-    std::memcpy(bytes.data(), value, std::min(size, bytes.size()));
-    return bytes;
-}
 
 // The value of an array of scalars, taken together from its leaves in the library's buffer.
 class ArrayValue {
@@ -46,18 +34,15 @@ public:
           count_(TypeAccess::ViewOf(type).ElementCount()),
           size_(TypeAccess::ViewOf(type).Element().ScalarSize()) {}
 
-    // Takes the next leaf's value; false when it passes the end of the buffer, which counts the
-    // values as the waves have them.
-    bool Add(const void* value, std::size_t size) noexcept {
+    // Takes the next leaf's value, as long as its wave has it; false when it passes the end of the
+    // buffer, which counts the values as the waves have them.
+    bool Add(const ScalarBytes& bytes, std::size_t size) noexcept {
         wave_bytes_ += size;
         if (wave_bytes_ > values_.size() || values_.size() - end_ < size_) {
             return false;
         }
         if (taken_ < count_) {
-            const ScalarBytes bytes = Widened(value, size);
-            for (std::size_t i = 0; i < size_; ++i) {
-                values_[end_ + i] = bytes[i];
-            }
+            std::memcpy(values_.data() + end_, bytes.data(), size_);
             end_ += size_;
             ++taken_;
         }
@@ -83,142 +68,10 @@ const char* WriteArray(CSignal& signal, const ArrayValue& value) noexcept {
                            : nullptr;
 }
 
-// ---- an array's value at a time ----
-
-enum class Gathered { kAll, kNone, kNotOurs };
-
-// Gathers the values at a time from leaves that are the library's own, as a bus event iterator that
-// is placed there has them, but without making one and the enumerators it needs. It gives up, with
-// kNotOurs, at a signal or wave of somebody else's.
-class OwnLeaves {
-public:
-    OwnLeaves(const CSignal& bus, std::int64_t time, std::uint32_t mode, ArrayValue& value) noexcept
-        : signal_class_(ClassOf(bus)), time_(time), mode_(mode), value_(value) {}
-
-    Gathered Gather(ISignalContainer& members) noexcept {
-        const Gathered gathered = GatherMembers(members, 1);
-        if (gathered != Gathered::kAll) {
-            return gathered;
-        }
-        const bool all = group32_.count > 0 ? Search(group32_) : Search(group64_);
-        return all && (mode_ != FindAt || has_change_) ? Gathered::kAll : Gathered::kNone;
-    }
-
-private:
-    // Waves whose lists are searched next, in the order of their leaves.
-    template <class Value>
-    struct Group {
-        std::array<corv::waves::Timeline<corv::waves::WaveEvent<Value>>*,
-                   corv::waves::kMostTogether>
-            lists;
-        std::size_t count = 0;
-    };
-
-    Gathered GatherMembers(ISignalContainer& members, int depth) noexcept {
-        const int count = members.GetCount();
-        Gathered gathered = depth > corv::tree::kMostNesting ? Gathered::kNone : Gathered::kAll;
-        for (int i = 0; gathered == Gathered::kAll && i < count; ++i) {
-            ISignal* member = nullptr;
-            if (FAILED(members.GetAt(static_cast<std::uint32_t>(i), &member)) ||
-                ClassOf(*member) != signal_class_) {
-                return Gathered::kNotOurs;
-            }
-            auto& own = static_cast<CSignal&>(*member);
-            if (ISignalWave* const wave = own.GetWave()) {
-                gathered = GatherWave(*wave);
-            } else if (ISignalContainer* const parts = own.GetSubSignals()) {
-                gathered = GatherMembers(*parts, depth + 1);
-            }
-        }
-        return gathered;
-    }
-
-    Gathered GatherWave(ISignalWave& wave) noexcept {
-        const void* const wave_class = ClassOf(wave);
-        if (wave_class != wave32_class_ && wave_class != wave64_class_) {
-            return Gathered::kNotOurs;
-        }
-        const bool good = wave_class == wave32_class_ ? Join(group32_, wave, group64_)
-                                                      : Join(group64_, wave, group32_);
-        return good ? Gathered::kAll : Gathered::kNone;
-    }
-
-    // False when a leaf has no event for the mode, or the values pass the end of the buffer.
-    template <class Value, class Other>
-    bool Join(Group<Value>& group, ISignalWave& wave, Group<Other>& before) noexcept {
-        if (before.count > 0 && !Search(before)) {
-            return false;
-        }
-        group.lists[group.count++] = &static_cast<corv::waves::SignalWave<Value>&>(wave).List();
-        return group.count < group.lists.size() || Search(group);
-    }
-    template <class Value>
-    bool Search(Group<Value>& group) noexcept {
-        std::array<std::size_t, corv::waves::kMostTogether> found;
-        corv::waves::FindTogether(group.lists.data(), group.count, time_,
-                                  mode_ == FindAt ? FindAtOrBefore : mode_, found.data());
-        bool good = true;
-        for (std::size_t i = 0; good && i < group.count; ++i) {
-            auto& events = *group.lists[i];
-            good = found[i] < events.size();
-            if (good) {
-                corv::waves::WaveEvent<Value>& event = events[found[i]];
-                has_change_ = has_change_ || event.Time() == time_;
-                good = value_.Add(event.GetValueData(), sizeof(Value));
-            }
-        }
-        group.count = 0;
-        return good;
-    }
-
-    const void* signal_class_;
-    const void* wave32_class_ = ClassOf(CSignalWave32());
-    const void* wave64_class_ = ClassOf(CSignalWave64());
-    std::int64_t time_;
-    std::uint32_t mode_;
-    bool has_change_ = false;  // whether a leaf has an event at exactly the time
-    Group<std::uint32_t> group32_;
-    Group<std::uint64_t> group64_;  // one of the two is empty
-    ArrayValue& value_;
-};
-
-bool GatherWithIterator(CSignal& bus, std::int64_t time, std::uint32_t mode,
-                        ArrayValue& value) noexcept {
-    corv::frame::ComPtr<IBusEventIterator> events;
-    if (FAILED(bus.GetBusEventIterator(events.Out())) || FAILED(events->Seek(time, mode)) ||
-        events->GetSize() > corv::signals::kValueBufferSize) {
-        return false;
-    }
-    IBusEvent& event = *events->GetEvent();
-    const auto count = static_cast<std::uint32_t>(event.GetValueCount());
-    for (std::uint32_t leaf = 0; leaf < count; ++leaf) {
-        ScalarBytes bytes;
-        const std::uint32_t size = event.GetValue(leaf, bytes.data(), bytes.size());
-        if (size == 0 || !value.Add(bytes.data(), size)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-const char* ArrayTextAt(CSignal& bus, std::int64_t time, std::uint32_t mode) noexcept {
-    ISignalContainer* const members = bus.GetSubSignals();
-    if (members == nullptr) {
-        return nullptr;
-    }
-    ArrayValue own(*bus.Type(), SharedValueTexts());
-    const Gathered gathered = OwnLeaves(bus, time, mode, own).Gather(*members);
-    if (gathered != Gathered::kNotOurs) {
-        return gathered == Gathered::kAll ? WriteArray(bus, own) : nullptr;
-    }
-    ArrayValue value(*bus.Type(), SharedValueTexts());
-    return GatherWithIterator(bus, time, mode, value) ? WriteArray(bus, value) : nullptr;
-}
-
-// ---- an array's current value ----
-
-// Takes the first events' values of all leaves; false when one has none.
-bool GatherFirst(ISignalContainer& members, int depth, ArrayValue& value) noexcept {
+// Calls an action with the wave, or null, of each leaf, depth first, until the action returns
+// false. Returns whether it never did and all members could be had.
+template <class Action>
+bool ForEachWave(ISignalContainer& members, int depth, const Action& action) noexcept {
     const int count = members.GetCount();
     bool good = depth <= corv::tree::kMostNesting;
     for (int i = 0; good && i < count; ++i) {
@@ -226,26 +79,57 @@ bool GatherFirst(ISignalContainer& members, int depth, ArrayValue& value) noexce
         if (FAILED(members.GetAt(static_cast<std::uint32_t>(i), &member))) {
             return false;
         }
-        ScalarBytes bytes;
-        ISignalWave* const wave = member->GetWave();
-        if (ISignalContainer* const parts = member->GetSubSignals()) {
-            good = GatherFirst(*parts, depth + 1, value);
-        } else {
-            good = wave != nullptr &&
-                   SUCCEEDED(wave->GetEventValue(0, bytes.data(), bytes.size())) &&
-                   value.Add(bytes.data(), wave->GetValueSize());
-        }
+        ISignalContainer* const parts = member->GetSubSignals();
+        good =
+            parts != nullptr ? ForEachWave(*parts, depth + 1, action) : action(member->GetWave());
     }
     return good;
 }
 
+// A leaf without a wave has no part in the text. With FindAt one leaf has to change at the time,
+// and the others have the values that they had by then.
+const char* ArrayTextAt(CSignal& bus, std::int64_t time, std::uint32_t mode) noexcept {
+    ISignalContainer* const members = bus.GetSubSignals();
+    ArrayValue value(*bus.Type(), SharedValueTexts());
+    bool has_change = mode != FindAt;
+    const bool good =
+        members != nullptr && ForEachWave(*members, 1, [&](ISignalWave* wave) {
+            IWaveEvent* event = nullptr;
+            if (wave == nullptr) {
+                return true;
+            }
+            if (FAILED(wave->FindEvent(time, mode == FindAt ? FindAtOrBefore : mode, &event))) {
+                return false;
+            }
+            has_change = has_change || event->GetTime() == time;
+            ScalarBytes bytes{};
+            const std::uint32_t size = event->GetValue(bytes.data(), bytes.size());
+            return size > 0 && value.Add(bytes, size);
+        });
+    return good && has_change ? WriteArray(bus, value) : nullptr;
+}
+
+// Unlike at a time, a leaf without a wave leaves the array without a value.
 const char* FirstArrayText(CSignal& bus) noexcept {
     ISignalContainer* const members = bus.GetSubSignals();
     ArrayValue value(*bus.Type(), SharedValueTexts());
-    return members != nullptr && GatherFirst(*members, 1, value) ? WriteArray(bus, value) : nullptr;
+    const bool good = members != nullptr && ForEachWave(*members, 1, [&](ISignalWave* wave) {
+                          ScalarBytes bytes{};
+                          return wave != nullptr &&
+                                 SUCCEEDED(wave->GetEventValue(0, bytes.data(), bytes.size())) &&
+                                 value.Add(bytes, wave->GetValueSize());
+                      });
+    return good ? WriteArray(bus, value) : nullptr;
 }
 
 // ---- scalars ----
+
+// The value as the scalar's type has it: a wave's value may be longer or shorter than that.
+ScalarBytes Widened(const void* value, std::size_t size) noexcept {
+    ScalarBytes bytes{};
+    std::memcpy(bytes.data(), value, std::min(size, bytes.size()));
+    return bytes;
+}
 
 const char* ScalarTextAt(CSignal& signal, std::int64_t time, std::uint32_t mode) noexcept {
     constexpr unsigned kMarked = 1;

@@ -6,13 +6,12 @@
 #include "corv/stimulators/counter.h"
 #include "stimulators/counter_text.h"
 #include "util/fields.h"
+#include "util/quote.h"
 
 namespace corv::stimulators {
 namespace {
 
-std::string Quote(std::string_view word) {
-    return "`" + std::string(word.substr(0, 40)) + "`";
-}
+using util::Quote;
 
 std::optional<CounterProblem> CheckReference(std::string_view formula, CounterReference reference) {
     const CCounterState* counter = FindCounter(reference.handle);

@@ -7,7 +7,7 @@
 #include "stimulus/custom_formula.h"
 #include "stimulus/recorded_name.h"
 #include "stimulus/recorded_signals.h"
-#include "typeinfo/wording.h"
+#include "util/quote.h"
 
 namespace corv::stimulus {
 namespace {
@@ -40,7 +40,7 @@ std::optional<CustomProblem> CheckShape(ISignal& signal, std::string_view place,
         return std::nullopt;
     }
     if (!alone) {
-        return CustomProblem{place, typeinfo::Quote(place) +
+        return CustomProblem{place, util::Quote(place) +
                                         " is a single signal; the elements of a vector take "
                                         "theirs from a recorded vector or record"};
     }
@@ -48,7 +48,7 @@ std::optional<CustomProblem> CheckShape(ISignal& signal, std::string_view place,
     const char* const name = SUCCEEDED(members->GetAt(0, &member)) ? member->GetName() : nullptr;
     return CustomProblem{
         place,
-        typeinfo::Quote(place) +
+        util::Quote(place) +
             " has members and no value of its own, so nothing is replayed; "
             "name one of them" +
             (name != nullptr ? ", such as `" + std::string(place) + ShownRecordedName(name) + "`"
@@ -74,9 +74,9 @@ std::optional<CustomProblem> CheckCustomFormula(std::string_view formula, bool a
     frame::ComPtr<ISignalContainer> signals;
     ISignal* const signal = FindRecordedSignal(*reader, parts->signal.c_str(), signals);
     if (signal == nullptr) {
-        return CustomProblem{places->signal,
-                             "the recording " + typeinfo::Quote(places->file) + " has no signal " +
-                                 typeinfo::Quote(places->signal) + Suggest(*reader, parts->signal)};
+        return CustomProblem{places->signal, "the recording " + util::Quote(places->file) +
+                                                 " has no signal " + util::Quote(places->signal) +
+                                                 Suggest(*reader, parts->signal)};
     }
     return CheckShape(*signal, places->signal, alone);
 }

@@ -13,11 +13,13 @@
 #include "stimulus/odd_words.h"
 #include "stimulus/unit_suggestion.h"
 #include "util/quote.h"
+#include "util/suggest.h"
 #include "util/time_text.h"
 
 namespace corv::stimulus {
 namespace {
 
+using util::DidYouMean;
 using util::Quote;
 using Place = ProblemList::Place;
 
@@ -31,10 +33,6 @@ std::string TimeText(std::int64_t picoseconds) {
     out += ' ';
     out += util::kTimeUnits[unit].name;
     return out;
-}
-
-std::string DidYouMean(std::string_view unit, std::string_view otherwise) {
-    return unit.empty() ? std::string(otherwise) : "; did you mean " + Quote(unit) + "?";
 }
 
 std::string_view LastWord(const FormulaItem& item) noexcept {

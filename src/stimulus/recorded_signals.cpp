@@ -10,7 +10,7 @@
 #include "platform/guard.h"
 #include "stimulus/recorded_name.h"
 #include "stremo/signal_cursor.h"
-#include "typeinfo/wording.h"
+#include "util/suggest.h"
 
 namespace corv::stimulus {
 namespace {
@@ -141,7 +141,7 @@ SuggestedSignals SuggestSignals(stremo::IEventsStreamRead& reader, std::string_v
         std::transform(last.begin(), last.end(), last.begin(), platform::Lower);
         signals.emplace_back(std::move(last), ShownRecordedName(full));
     });
-    typeinfo::NearestWord nearest(LastLevel(name));
+    util::NearestWord nearest(LastLevel(name));
     for (const auto& [last, shown] : signals) {
         nearest.Offer(last);
     }

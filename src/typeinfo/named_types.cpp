@@ -3,10 +3,12 @@
 #include <algorithm>
 
 #include "platform/ascii.h"
-#include "typeinfo/wording.h"
+#include "util/suggest.h"
 
 namespace corv::typeinfo {
 namespace {
+
+using util::NearestWord;
 
 constexpr std::size_t kCharacterTypeLength = 874;
 

@@ -2,9 +2,12 @@
 
 #include <utility>
 
-#include "typeinfo/wording.h"
+#include "util/quote.h"
+#include "util/suggest.h"
 
 namespace corv::typeinfo {
+
+using util::Quote;
 
 bool VhdlCursor::Skip(std::string_view word) noexcept {
     const bool stands = words_.Next().Is(word);
@@ -36,7 +39,7 @@ bool VhdlCursor::FailAtNext(std::string_view expected, std::string_view hint) {
     if (next.kind == WordKind::End) {
         return Fail(next.text, sentence + ", but the text ends");
     }
-    NearestWord nearest(next.text);
+    util::NearestWord nearest(next.text);
     nearest.Offer(hint);
     sentence += ", found " + Quote(next.text);
     if (next.kind == WordKind::Name && nearest.Found().empty()) {
@@ -44,7 +47,7 @@ bool VhdlCursor::FailAtNext(std::string_view expected, std::string_view hint) {
                     : HasWrongUnderscore(next.text) ? ", whose underscores no name may have"
                                                     : "";
     }
-    return Fail(next.text, sentence + DidYouMean(nearest.Found(), ""));
+    return Fail(next.text, sentence + util::DidYouMean(nearest.Found(), ""));
 }
 
 }  // namespace corv::typeinfo

@@ -7,11 +7,13 @@
 
 #include "typeinfo/number_text.h"
 #include "typeinfo/scalar_text.h"
-#include "typeinfo/wording.h"
+#include "util/quote.h"
 #include "util/time_text.h"
 
 namespace corv::typeinfo {
 namespace {
+
+using util::Quote;
 
 // Takes a number with its sign, without the blank that may be between them.
 std::optional<std::string> TakeNumber(VhdlCursor& cursor, std::string_view& place) {

@@ -11,10 +11,14 @@
 #include "typeinfo/named_types.h"
 #include "typeinfo/vhdl_cursor.h"
 #include "typeinfo/vhdl_range.h"
-#include "typeinfo/wording.h"
+#include "util/quote.h"
+#include "util/suggest.h"
 
 namespace corv::typeinfo {
 namespace {
+
+using util::DidYouMean;
+using util::Quote;
 
 const IndexNeeds kArrayIndex{{"integer", {kLowestIndex, kLastIndex, KTypeInfo::To, true}},
                              "a range of whole numbers, such as `0 to 3` or `natural range <>`",

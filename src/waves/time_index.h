@@ -16,9 +16,9 @@ namespace corv::waves {
 // index is brought up to date when it is used and takes a quarter of a byte per event.
 class TimeIndex {
 public:
-    // Lists of up to this many events stay in the processor's caches and are searched just as fast
-    // without an index.
-    static constexpr std::size_t kWorthwhile = 32'768;
+    // Lists of up to this many events are searched just as fast without an index, even if many are
+    // searched in turn and none stays in the processor's nearest cache.
+    static constexpr std::size_t kWorthwhile = 2048;
 
     // Returns the number of events before a time. Without memory for the index this takes longer.
     template <class Event>

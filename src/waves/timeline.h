@@ -56,13 +56,10 @@ public:
     }
 
     // Returns the index of the event that a search mode (EFindMode) selects; size() or a larger
-    // number if there is none, or no such mode.
+    // number if there is none, or no such mode. With no event before the time, FindBefore wraps
+    // around to a large number on purpose.
     std::size_t Find(std::int64_t time, std::uint32_t mode) noexcept {
-        return Chosen(mode == FindAfter ? CountUpTo(time) : CountBefore(time), time, mode);
-    }
-    // The same if the number of events before the time is known (for FindAfter, up to and including
-    // it). With no event before the time, FindBefore wraps around to a large number on purpose.
-    std::size_t Chosen(std::size_t before, std::int64_t time, std::uint32_t mode) noexcept {
+        const std::size_t before = mode == FindAfter ? CountUpTo(time) : CountBefore(time);
         const auto is_at = [&] { return before < size() && (*this)[before].Time() == time; };
         switch (mode) {
             case FindAt:

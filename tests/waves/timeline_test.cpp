@@ -93,7 +93,7 @@ TEST(Timeline, IndexFollowsEveryChange) {
         Pair pair;
         pair.Append(kLong - 20 + random.Below(40), random);
         for (int change = 0; change < 30; ++change) {
-            const std::int64_t time = pair.times[random.Below(999)];
+            const std::int64_t time = pair.times[random.Below(pair.times.size())];
             ASSERT_NO_FATAL_FAILURE(pair.ExpectCounts(time, random.OneIn(3)));
             const std::size_t at = random.Below(pair.times.size());
             const std::size_t left = pair.times.size() - at;
@@ -105,10 +105,10 @@ TEST(Timeline, IndexFollowsEveryChange) {
                     pair.Erase(at, at + 1);
                     break;
                 case 2:
-                    pair.Erase(at, at + random.Below(std::min<std::size_t>(left, 3000)));
+                    pair.Erase(at, at + random.Below(std::min(left, kLong / 11)));
                     break;
                 case 3:
-                    pair.Append(random.Below(9000), random);
+                    pair.Append(random.Below(kLong / 4), random);
                     break;
                 default:
                     pair.Append(random.Below(70), random);

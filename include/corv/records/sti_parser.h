@@ -27,6 +27,16 @@
 // In a new parser all of them are null.
 class CORV_API CStiParser {
 public:
+    // The dialogs, in the order of their codes in kDialogs.
+    enum Dialog { Value, Formula, Clock, HotKey, Predefined, Custom };
+    enum Strength { Default = 512, Override = 1, Deposit = 8, Drive = 16 };
+
+    // The codes of the dialogs, those of the stimulator types, each at its number, and all
+    // strengths.
+    static constexpr std::array<const char*, 6> kDialogs{"VAL", "FRM", "CLK", "KEY", "PRD", "CST"};
+    static constexpr std::array<const char*, 2> kStimTypes{"FRM", "KEY"};
+    static constexpr std::array<int, 4> kStrengths{Default, Override, Deposit, Drive};
+
     CStiParser() noexcept = default;
     // Copies in the same way as assignment.
     CStiParser(const CStiParser& other) noexcept;
@@ -70,6 +80,8 @@ public:
     static const char* StrengthName(int number) noexcept;
     // Returns the number of a strength's name, -1 for null and for any other text.
     static int StrengthValue(const char* name) noexcept;
+    // Returns the dialog of a code, as a value of Dialog; -1 for null and for any other code.
+    static int DialogNumber(const char* code) noexcept;
     // Returns the display name of a dialog ("Clock" for "CLK"), null for null and for any other
     // code.
     static const char* DialogName(const char* code) noexcept;

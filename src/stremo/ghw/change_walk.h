@@ -31,7 +31,7 @@ template <class Sink>
 class ChangeWalk {
 public:
     // With null, nothing is noted.
-    ChangeWalk(const ChangeSource& source, Sink& sink, Notes* notes)
+    ChangeWalk(const ChangeSource& source, Sink& sink, recording::Notes* notes)
         : source_(source),
           sink_(sink),
           notes_(notes),
@@ -288,7 +288,7 @@ private:
 
     const ChangeSource& source_;
     Sink& sink_;
-    Notes* const notes_;
+    recording::Notes* const notes_;
     Input in_;
     std::int64_t time_ = 0;
     std::int64_t whole_time_ = -1;

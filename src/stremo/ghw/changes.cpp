@@ -50,7 +50,8 @@ private:
 class Changes {
 public:
     Changes(const ChangeSource& source, const recording::SignalTable& signals,
-            std::span<const std::uint32_t> leaves, recording::BlockSink& blocks, Notes& notes);
+            std::span<const std::uint32_t> leaves, recording::BlockSink& blocks,
+            recording::Notes& notes);
 
     void Time(std::int64_t time, std::size_t offset);
     bool Byte(std::size_t rank, unsigned value);
@@ -102,7 +103,7 @@ private:
 
     const ChangeSource& source_;
     const recording::SignalTable& signals_;
-    Notes& notes_;
+    recording::Notes& notes_;
     BlockBuilder builder_;
     bool kept_ = true;
 
@@ -117,7 +118,8 @@ private:
 };
 
 Changes::Changes(const ChangeSource& source, const recording::SignalTable& signals,
-                 std::span<const std::uint32_t> leaves, recording::BlockSink& blocks, Notes& notes)
+                 std::span<const std::uint32_t> leaves, recording::BlockSink& blocks,
+                 recording::Notes& notes)
     : source_(source),
       signals_(signals),
       notes_(notes),
@@ -324,7 +326,7 @@ void Changes::TellNumbers() {
 
 }  // namespace
 
-WholeValues FindWholeValues(const ChangeSource& source, Notes& notes) {
+WholeValues FindWholeValues(const ChangeSource& source, recording::Notes& notes) {
     Passer passer(source);
     ChangeWalk walk(source, passer, &notes);
     walk.Walk();
@@ -334,7 +336,7 @@ WholeValues FindWholeValues(const ChangeSource& source, Notes& notes) {
 
 bool ReadChanges(const ChangeSource& source, const recording::SignalTable& signals,
                  std::span<const std::uint32_t> leaves, recording::BlockSink& blocks,
-                 Notes& notes) {
+                 recording::Notes& notes) {
     Changes changes(source, signals, leaves, blocks, notes);
     ChangeWalk(source, changes, nullptr).Walk();
     return changes.Finish();

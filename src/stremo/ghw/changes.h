@@ -8,8 +8,8 @@
 #include "stremo/block_store.h"
 #include "stremo/ghw/hierarchy.h"
 #include "stremo/ghw/input.h"
-#include "stremo/ghw/notes.h"
 #include "stremo/ghw/time.h"
+#include "stremo/notes.h"
 #include "stremo/signal_table.h"
 
 // The values of a file: a snapshot of all nets, then cycles, each a list of the nets that change at
@@ -37,13 +37,14 @@ struct WholeValues {
 
 // Walks over all values without keeping any. Notes where the file is cut or damaged; the list in
 // which that happens does not count as complete.
-WholeValues FindWholeValues(const ChangeSource& source, Notes& notes);
+WholeValues FindWholeValues(const ChangeSource& source, recording::Notes& notes);
 
 // Puts the changes of the leaves of interest (in rising order; an empty list means all) into
 // blocks. Of several values at one picosecond the last one counts; a value that the net already has
 // is dropped. Notes which values are lost. The file of the source must end where the complete
 // values do. Returns false if the blocks cannot be kept.
 bool ReadChanges(const ChangeSource& source, const recording::SignalTable& signals,
-                 std::span<const std::uint32_t> leaves, recording::BlockSink& blocks, Notes& notes);
+                 std::span<const std::uint32_t> leaves, recording::BlockSink& blocks,
+                 recording::Notes& notes);
 
 }  // namespace corv::ghw

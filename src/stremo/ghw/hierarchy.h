@@ -48,7 +48,7 @@ private:
 class Hierarchy {
 public:
     Hierarchy(const Strings& strings, const Types& types, TypeTexts& texts, TextBudget& budget,
-              recording::SignalTable& signals, Notes& notes)
+              recording::SignalTable& signals, recording::Notes& notes)
         : strings_(strings),
           types_(types),
           texts_(texts),
@@ -86,7 +86,7 @@ private:
     TypeTexts& texts_;
     TextBudget& budget_;
     recording::SignalTable& signals_;
-    Notes& notes_;
+    recording::Notes& notes_;
 
     Nets nets_;
     bool nets_known_ = true;

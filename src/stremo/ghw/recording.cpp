@@ -9,11 +9,11 @@
 #include "stremo/ghw/changes.h"
 #include "stremo/ghw/hierarchy.h"
 #include "stremo/ghw/input.h"
-#include "stremo/ghw/notes.h"
 #include "stremo/ghw/strings.h"
 #include "stremo/ghw/time.h"
 #include "stremo/ghw/type_text.h"
 #include "stremo/ghw/types.h"
+#include "stremo/notes.h"
 #include "stremo/progress.h"
 #include "stremo/stream_error.h"
 
@@ -86,7 +86,10 @@ private:
         TellProgress(static_cast<std::uint64_t>(part.data() + part.size() - file.data()),
                      file.size());
     }
-    void TellNotes(const ghw::Notes& remarks) { notes_ = remarks.Sentences(); }
+    void TellNotes(const recording::Notes& remarks) {
+        notes_ =
+            remarks.Sentences([](std::size_t offset) { return "byte " + std::to_string(offset); });
+    }
     bool Refuse(std::size_t offset, std::string_view why) const {
         SetError(file_name(), offset, why);
         return false;
@@ -96,7 +99,7 @@ private:
     Input in_;
     bool big_endian_ = false;
     bool has_units_ = true;
-    ghw::Notes remarks_;
+    recording::Notes remarks_;
     ghw::Nets nets_;
     ghw::TimeScale time_scale_{0};
     std::size_t changes_ = 0;  // where they begin, 0 if they cannot be read
@@ -252,7 +255,7 @@ void GhwRecording::FindLastTime() {
 
 std::unique_ptr<BlockStore> GhwRecording::OpenBlocks(std::span<const std::uint32_t> leaves) {
     auto blocks = std::make_unique<MemoryBlocks>();
-    ghw::Notes remarks = remarks_;
+    recording::Notes remarks = remarks_;
     if (changes_ != 0 && !ghw::ReadChanges(Source(), signals_, leaves, *blocks, remarks)) {
         SetError(file_name(), "memory has run out");
         return nullptr;

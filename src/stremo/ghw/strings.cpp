@@ -26,7 +26,7 @@ std::uint64_t ReadShared(Input& in) noexcept {
 
 }  // namespace
 
-void Strings::Read(Input& in, Notes& notes) {
+void Strings::Read(Input& in, recording::Notes& notes) {
     const std::size_t begin = in.offset();
     const std::uint32_t count = in.Number32();
     const std::uint32_t total = in.Number32();
@@ -44,7 +44,7 @@ void Strings::Read(Input& in, Notes& notes) {
     }
 }
 
-void Strings::ReadString(Input& in, std::uint64_t shared, Notes& notes) {
+void Strings::ReadString(Input& in, std::uint64_t shared, recording::Notes& notes) {
     // A few bytes can expand to a long string. Honest files stay far below this limit.
     const std::size_t most = (std::size_t{1} << 26) + 16 * in.file().size();
     const std::size_t before = ends_.size() > 1 ? ends_[ends_.size() - 2] : 0;
@@ -65,7 +65,7 @@ void Strings::ReadString(Input& in, std::uint64_t shared, Notes& notes) {
     in.GoTo(in.offset() + static_cast<std::size_t>(own));
 }
 
-std::string_view Strings::ReadName(Input& in, Notes& notes) const {
+std::string_view Strings::ReadName(Input& in, recording::Notes& notes) const {
     const std::size_t offset = in.offset();
     const std::uint64_t number = in.Unsigned();
     if (number > size()) {

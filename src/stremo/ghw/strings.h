@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "stremo/ghw/input.h"
-#include "stremo/ghw/notes.h"
+#include "stremo/notes.h"
 
 namespace corv::ghw {
 
@@ -22,7 +22,7 @@ inline constexpr std::size_t kMostCharacters = 65'535;  // of a name; longer one
 class Strings {
 public:
     // Reads the section after its tag. A failure is recorded in the input; what was read stays.
-    void Read(Input& in, Notes& notes);
+    void Read(Input& in, recording::Notes& notes);
 
     std::size_t size() const noexcept { return ends_.size() - 1; }
     // Returns an empty text for 0 and unknown numbers.
@@ -31,10 +31,10 @@ public:
     }
 
     // Reads the number of a string and returns the string; an unknown number is noted.
-    std::string_view ReadName(Input& in, Notes& notes) const;
+    std::string_view ReadName(Input& in, recording::Notes& notes) const;
 
 private:
-    void ReadString(Input& in, std::uint64_t shared, Notes& notes);
+    void ReadString(Input& in, std::uint64_t shared, recording::Notes& notes);
     std::string_view At(std::size_t number) const noexcept {
         return std::string_view(characters_)
             .substr(ends_[number - 1], ends_[number] - ends_[number - 1]);

@@ -5,7 +5,7 @@
 
 namespace corv::ghw {
 
-TimeScale TimeScale::Find(const Types& types, Notes& notes) {
+TimeScale TimeScale::Find(const Types& types, recording::Notes& notes) {
     const Type& time = types[types.time()];
     for (std::uint32_t i = 0; i < time.count; ++i) {
         const Unit& unit = types.UnitOf(time, i);

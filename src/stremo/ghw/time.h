@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-#include "stremo/ghw/notes.h"
 #include "stremo/ghw/types.h"
+#include "stremo/notes.h"
 #include "util/saturate.h"
 #include "util/time_text.h"
 
@@ -20,7 +20,7 @@ public:
     // Finds the unit by the type time, whose values are in the same unit: in the list of its units,
     // the one with the value 1 is the unit, and smaller ones have 0. Without such a type,
     // femtoseconds, the usual unit, are assumed and noted.
-    static TimeScale Find(const Types& types, Notes& notes);
+    static TimeScale Find(const Types& types, recording::Notes& notes);
 
     std::string_view unit_name() const noexcept { return util::kTimeUnits[unit_].name; }
     // The factor from a value of the type time to femtoseconds, its primary unit.

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "stremo/ghw/input.h"
-#include "stremo/ghw/notes.h"
 #include "stremo/ghw/strings.h"
+#include "stremo/notes.h"
 
 namespace corv::ghw {
 
@@ -69,7 +69,7 @@ struct Type {
 class Types {
 public:
     // The oldest files have no units.
-    Types(const Strings& strings, bool has_units, Notes& notes)
+    Types(const Strings& strings, bool has_units, recording::Notes& notes)
         : strings_(strings), notes_(notes), has_units_(has_units) {}
 
     // Read the sections of types and of well-known types after their tags. Failures are recorded in
@@ -130,7 +130,7 @@ private:
     void MeasureRecord(Type& type) const noexcept;
 
     const Strings& strings_;
-    Notes& notes_;
+    recording::Notes& notes_;
     const bool has_units_;
     std::vector<Type> types_{Type()};
     std::vector<std::uint32_t> numbers_;  // by number in the file: the type's place

@@ -25,7 +25,7 @@ std::uint64_t BlockEvents(const recording::SignalTable& signals) noexcept {
 
 Changes::Changes(const platform::FileContent& content, const Declarations& declarations,
                  const recording::SignalTable& signals, std::span<const std::uint32_t> leaves,
-                 recording::BlockSink& blocks, Notes& notes)
+                 recording::BlockSink& blocks, recording::Notes& notes)
     : content_(content),
       file_(content.bytes()),
       signals_(signals),
@@ -75,11 +75,11 @@ bool Changes::Read(const Byte* end, const Passed& passed) {
         Note(Problem::kOpenBlock, block_, {});
     }
     if (off_ != nullptr) {
-        notes_.Say(static_cast<std::size_t>(off_ - file_.data()),
+        notes_.Add(static_cast<std::size_t>(off_ - file_.data()),
                    "nothing is recorded from " + std::to_string(off_time_) + " ps on");
     }
     if (zeros_ > 0) {
-        notes_.Say(first_zero_,
+        notes_.Add(first_zero_,
                    std::to_string(zeros_) + " zero bytes; what they stand for is lost");
     }
     return builder_.Flush() && kept_;
@@ -135,7 +135,7 @@ void Changes::BeginBlock(std::string_view word, const Byte* at) {
         off_ = at;
         off_time_ = builder_.time();
     } else if (off_ != nullptr && (word == "$dumpon" || word == "$dumpportson")) {
-        notes_.Say(static_cast<std::size_t>(off_ - file_.data()),
+        notes_.Add(static_cast<std::size_t>(off_ - file_.data()),
                    "nothing is recorded from " + std::to_string(off_time_) + " ps to " +
                        std::to_string(builder_.time()) + " ps");
         off_ = nullptr;

@@ -22,7 +22,7 @@ public:
     // `leaves` are those of interest, in rising order; an empty list means all.
     Changes(const platform::FileContent& content, const Declarations& declarations,
             const recording::SignalTable& signals, std::span<const std::uint32_t> leaves,
-            recording::BlockSink& blocks, Notes& notes);
+            recording::BlockSink& blocks, recording::Notes& notes);
 
     // Reads all changes up to `end`. Returns false if the blocks could not be kept.
     bool Read(const Byte* end, const Passed& passed);
@@ -40,7 +40,7 @@ public:
     void BeginBlock(std::string_view word, const Byte* at);
     void EndBlock() noexcept { block_ = nullptr; }
     void Note(Problem problem, const Byte* at, std::string_view detail) {
-        notes_.Add(problem, static_cast<std::size_t>(at - file_.data()), detail);
+        notes_.Add(static_cast<std::size_t>(at - file_.data()), PatternOf(problem), detail);
     }
 
 private:
@@ -84,7 +84,7 @@ private:
     const platform::FileContent& content_;
     const Bytes file_;
     const recording::SignalTable& signals_;
-    Notes& notes_;
+    recording::Notes& notes_;
     const Codes& codes_;
     const TimeScale time_scale_;
     const std::size_t first_change_;

@@ -9,6 +9,7 @@
 
 #include "stremo/signal_table.h"
 #include "stremo/vcd/text.h"
+#include "util/flat_index.h"
 
 namespace corv::vcd {
 
@@ -86,6 +87,8 @@ private:
     struct Slot {
         EightBytes bytes = 0;
         std::uint32_t number = recording::kNone;
+
+        bool operator==(const Slot&) const noexcept = default;
     };
 
     static std::uint32_t NearPlace(const Code& code) noexcept {
@@ -94,11 +97,10 @@ private:
                add[2][code.bytes >> 16 & 0xFF];
     }
     std::uint32_t FindFar(const Code& code) const noexcept;
-    std::size_t SlotOf(EightBytes bytes) const noexcept;
     void Grow();
 
     std::vector<std::uint32_t> near_;
-    std::vector<Slot> slots_;  // for up to 8 bytes; a power of two, at most half used
+    util::FlatIndex<Slot> slots_;  // codes of up to 8 bytes
     std::size_t used_ = 0;
     std::unordered_map<std::string_view, std::uint32_t> long_;
 };

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "util/hierarchy_separator.h"
+#include "util/quote.h"
 
 namespace corv::vcd {
 namespace {
@@ -78,7 +79,7 @@ private:
 
 class Reader {
 public:
-    Reader(const platform::FileContent& content, const Byte* end, Notes& notes,
+    Reader(const platform::FileContent& content, const Byte* end, recording::Notes& notes,
            recording::SignalTable& texts) noexcept
         : content_(content),
           begin_(content.bytes().data()),
@@ -109,7 +110,7 @@ private:
     std::uint32_t FindVariable(const Code& code, const Shape& shape);
     void AddName(const Code& code, const Shape& shape, std::string_view name);
     void Note(Problem problem, std::string_view detail = {}) {
-        notes_.Add(problem, static_cast<std::size_t>(word_ - begin_), detail);
+        notes_.Add(static_cast<std::size_t>(word_ - begin_), PatternOf(problem), detail);
     }
 
     const platform::FileContent& content_;
@@ -119,7 +120,7 @@ private:
     const Byte* end_ = nullptr;   // of the bytes in memory
     bool in_text_ = false;        // a text continues after them
     const Byte* word_ = nullptr;  // the beginning of the present command
-    Notes& notes_;
+    recording::Notes& notes_;
     recording::SignalTable& texts_;
     Declarations result_;
     Scopes scopes_;
@@ -138,10 +139,10 @@ Declarations Reader::Read() {
         ReadPart();
     }
     if (!has_time_scale_) {
-        notes_.Add(Problem::kNoTimeScale, 0);
+        notes_.Add(0, PatternOf(Problem::kNoTimeScale));
     }
     if (cut_ || (!result_.ended && at_ == last_end_)) {
-        notes_.Add(Problem::kCutHeader, size);
+        notes_.Add(size, PatternOf(Problem::kCutHeader));
     } else if (!result_.ended) {
         Note(Problem::kNoHeaderEnd);
     }
@@ -213,8 +214,8 @@ void Reader::ReadCommand(std::string_view word) {
         ReadText();
     } else if (word == "$comment") {
         if (const CommandText text = ReadText(); !text.text.empty()) {
-            notes_.Say(static_cast<std::size_t>(word_ - begin_),
-                       "the simulator remarks: " + std::string(text.text));
+            notes_.Add(static_cast<std::size_t>(word_ - begin_),
+                       "the simulator remarks: " + util::Quote(text.text));
         }
     } else {
         ReadText();
@@ -382,8 +383,8 @@ void Reader::AddName(const Code& code, const Shape& shape, std::string_view name
 
 }  // namespace
 
-Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end, Notes& notes,
-                              recording::SignalTable& texts) {
+Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end,
+                              recording::Notes& notes, recording::SignalTable& texts) {
     return Reader(content, end, notes, texts).Read();
 }
 

@@ -10,7 +10,7 @@
 #include "stremo/signal_table.h"
 #include "stremo/vcd/codes.h"
 #include "stremo/vcd/name.h"
-#include "stremo/vcd/notes.h"
+#include "stremo/vcd/problems.h"
 #include "stremo/vcd/time.h"
 
 namespace corv::vcd {
@@ -58,8 +58,8 @@ inline constexpr std::uint32_t kMostText = 256;
 
 // Reads the declarations up to `end`, part by part. Names are kept in `texts`. Throws
 // std::bad_alloc.
-Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end, Notes& notes,
-                              recording::SignalTable& texts);
+Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end,
+                              recording::Notes& notes, recording::SignalTable& texts);
 
 // Makes the signals of all names and numbers the variables' leaves. The handle of a scalar is the
 // number of its leaf. All signals have the same latest time.

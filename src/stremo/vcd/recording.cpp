@@ -95,7 +95,7 @@ private:
     bool OpenWhole();
     std::int64_t LatestTime() const;
     bool IsWhole() const;
-    void TellNotes(const vcd::Notes& notes);
+    void TellNotes(const recording::Notes& notes);
     std::size_t OffsetOf(const Byte* at) const noexcept {
         return static_cast<std::size_t>(at - file_.data());
     }
@@ -108,7 +108,7 @@ private:
     const platform::Bytes file_;
     const Byte* end_ = nullptr;  // of the complete words
     vcd::Declarations declarations_;
-    vcd::Notes declaration_notes_;
+    recording::Notes declaration_notes_;
 };
 
 bool VcdRecording::OpenWhole() {
@@ -150,7 +150,7 @@ std::int64_t VcdRecording::LatestTime() const {
 }
 
 std::unique_ptr<BlockStore> VcdRecording::OpenBlocks(std::span<const std::uint32_t> leaves) {
-    vcd::Notes notes = declaration_notes_;
+    recording::Notes notes = declaration_notes_;
     auto blocks = std::make_unique<MemoryBlocks>();
     vcd::Changes changes(*content_, declarations_, signals_, leaves, *blocks, notes);
     if (!changes.Read(end_, [this](platform::Bytes part) { Pass(part); })) {
@@ -165,8 +165,8 @@ std::unique_ptr<BlockStore> VcdRecording::OpenBlocks(std::span<const std::uint32
     return IsWhole() ? std::move(blocks) : nullptr;
 }
 
-void VcdRecording::TellNotes(const vcd::Notes& notes) {
-    notes_ = notes.Sentences(*content_);
+void VcdRecording::TellNotes(const recording::Notes& notes) {
+    notes_ = vcd::Sentences(notes, *content_);
 }
 
 }  // namespace

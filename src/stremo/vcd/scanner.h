@@ -6,7 +6,7 @@
 
 #include "platform/files.h"
 #include "stremo/vcd/codes.h"
-#include "stremo/vcd/notes.h"
+#include "stremo/vcd/problems.h"
 #include "stremo/vcd/time.h"
 #include "stremo/vcd/values.h"
 

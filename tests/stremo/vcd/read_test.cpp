@@ -159,15 +159,15 @@ TEST(VcdChanges, KeepRealsInRange) {
 
 TEST(VcdChanges, AreToldWithWhatWasRepaired) {
     const auto rows = Table(R"(
-        #0 1x9 0x9                | line 3, column 4: the code 'x9' is not declared; its values are left out (2 times)
-        #9 1! #5 0!               | line 3, column 7: the time goes back to '#5'
-        #0 b11010 "               | line 3, column 4: the value '11010' has more digits
-        #0 r1 !                   | line 3, column 4: the value '1' does not fit the type
-        #0 r1e999 $               | the value '1e999' passes the range of real numbers
+        #0 1x9 0x9                | line 3, column 4: the code `x9` is not declared; its values are left out (2 times)
+        #9 1! #5 0!               | line 3, column 7: the time goes back to `#5`
+        #0 b11010 "               | line 3, column 4: the value `11010` has more digits
+        #0 r1 !                   | line 3, column 4: the value `1` does not fit the type
+        #0 r1e999 $               | the value `1e999` passes the range of real numbers
         #0 $dumpoff x! $end #7 $dumpon 0! $end #8 | line 3, column 4: nothing is recorded from 0 ps to 7 ps
         #0 $dumpoff x! $end       | line 3, column 4: nothing is recorded from 0 ps on
         #0 $dumpall 0!            | line 3, column 4: a block of values has no $end
-        @                         | line 3, column 1: '@' makes no sense here
+        @                         | line 3, column 1: `@` makes no sense here
         #0 0! b1                  | line 3, column 7: the file ends in the middle of a word
     )");
     for (const auto& row : rows) {
@@ -193,7 +193,7 @@ TEST(VcdDeclarations, AreRepaired) {
     const auto reader = OpenVcdText(text);
     ASSERT_NE(reader, nullptr);
     EXPECT_EQ(ChangeText(SeenSignals(*reader).signals), "t\\a: 0 1; t\\b: 0 1");
-    EXPECT_EQ(Notes(*reader).rfind("line 1, column 1: there is no timescale", 0), 0U);
+    EXPECT_NE(Notes(*reader).find("line 1, column 1: there is no timescale"), std::string::npos);
     EXPECT_NE(Notes(*reader).find("line 1, column 1: $end is missing (2 times)"),
               std::string::npos);
     EXPECT_NE(Notes(*reader).find("line 4, column 1: $enddefinitions is missing"),
@@ -210,7 +210,7 @@ TEST(VcdCodes, OfOneNetShareAHandle) {
     EXPECT_EQ(reader->GetSubSignalHandle(reader->GetSignalHandle(0), 2),
               reader->GetSubSignalHandle(reader->GetSignalHandle(1), 2));
     EXPECT_EQ(reader->GetSignalHandle(2), reader->GetSignalHandle(3));
-    EXPECT_NE(Notes(*reader).find("'!' shares its code"), std::string::npos);
+    EXPECT_NE(Notes(*reader).find("`!` shares its code"), std::string::npos);
 }
 
 TEST(VcdTimeScale, IsWholeNumbers) {
@@ -355,13 +355,13 @@ TEST(VcdDamage, HugeDeclarationsTakeLittleMemory) {
     }
     const HeldContent content(text + "$enddefinitions $end");
     const platform::Bytes bytes = content.bytes();
-    vcd::Notes notes;
+    recording::Notes notes;
     recording::SignalTable texts;
     const vcd::Declarations declarations =
         vcd::ReadDeclarations(content, bytes.data() + bytes.size(), notes, texts);
     EXPECT_GT(declarations.names.size(), 90U);
     EXPECT_LT(declarations.names.size(), 130U);
-    for (const std::string& note : notes.Sentences(content)) {
+    for (const std::string& note : vcd::Sentences(notes, content)) {
         EXPECT_TRUE(note.find("is too wide") != std::string::npos ||
                     note.find("is too long") != std::string::npos)
             << note;

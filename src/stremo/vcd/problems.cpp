@@ -1,16 +1,15 @@
-// Collects what is odd about a VCD file. A damaged file can have the same problem millions of
-// times, so each kind is counted and described by its first occurrence.
-
-#include "stremo/vcd/notes.h"
+#include "stremo/vcd/problems.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 
 namespace corv::vcd {
 namespace {
 
 using Byte = unsigned char;
 
-// The sentence for each problem; % is replaced by the detail.
 constexpr const char* kTexts[] = {
     "the file ends in the middle of a word; what it belongs to is left out",
     "the file ends among its declarations; signals may be missing and there are no values",
@@ -37,18 +36,6 @@ constexpr const char* kTexts[] = {
     "the time % passes the range of times; the last one is taken",
 };
 static_assert(std::size(kTexts) == static_cast<std::size_t>(Problem::kCount));
-
-constexpr std::size_t kMostSaid = 100;
-
-// Returns a word in printable form, since a damaged file may contain anything.
-std::string Shown(std::string_view word) {
-    constexpr std::size_t kMost = 60;
-    std::string shown(word.substr(0, kMost));
-    for (char& c : shown) {
-        c = c >= ' ' && c != '\x7F' ? c : '.';
-    }
-    return word.size() > kMost ? shown + "..." : shown;
-}
 
 // The place of a byte, found by reading on from the previous one.
 struct Place {
@@ -77,58 +64,17 @@ void MoveTo(const platform::FileContent& content, std::size_t to, Place& place) 
 
 }  // namespace
 
-// Keeps only the offset; Sentences finds line and column at the end, in one pass for all problems.
-void Notes::Add(Problem problem, std::size_t offset, std::string_view detail) {
-    Kind& kind = kinds_[static_cast<std::size_t>(problem)];
-    if (kind.count == 0) {
-        kind.detail = Shown(detail);
-        kind.offset = offset;
-    }
-    ++kind.count;
+const char* PatternOf(Problem problem) noexcept {
+    return kTexts[static_cast<std::size_t>(problem)];
 }
 
-void Notes::Say(std::size_t offset, std::string_view sentence) {
-    if (said_.size() < kMostSaid) {
-        said_.push_back({offset, Shown(sentence)});
-    } else {
-        ++unsaid_;
-    }
-}
-
-std::vector<Notes::Sentence> Notes::Sorted() const {
-    std::vector<Sentence> sentences = said_;
-    for (std::size_t i = 0; i < kinds_.size(); ++i) {
-        const Kind& kind = kinds_[i];
-        if (kind.count == 0) {
-            continue;
-        }
-        std::string text = kTexts[i];
-        if (const std::size_t at = text.find('%'); at != std::string::npos) {
-            text.replace(at, 1, "'" + kind.detail + "'");
-        }
-        if (kind.count > 1) {
-            text += " (" + std::to_string(kind.count) + " times)";
-        }
-        sentences.push_back({kind.offset, std::move(text)});
-    }
-    std::stable_sort(sentences.begin(), sentences.end(),
-                     [](const Sentence& a, const Sentence& b) { return a.offset < b.offset; });
-    return sentences;
-}
-
-std::vector<std::string> Notes::Sentences(const platform::FileContent& content) const {
-    std::vector<std::string> sentences;
-    Place place;
-    for (const Sentence& sentence : Sorted()) {
-        MoveTo(content, sentence.offset, place);
-        sentences.push_back("line " + std::to_string(place.line) + ", column " +
-                            std::to_string(sentence.offset - place.line_begin + 1) + ": " +
-                            sentence.text);
-    }
-    if (unsaid_ > 0) {
-        sentences.push_back("and " + std::to_string(unsaid_) + " more remarks of that kind");
-    }
-    return sentences;
+std::vector<std::string> Sentences(const recording::Notes& notes,
+                                   const platform::FileContent& content) {
+    return notes.Sentences([&, place = Place()](std::size_t offset) mutable {
+        MoveTo(content, offset, place);
+        return "line " + std::to_string(place.line) + ", column " +
+               std::to_string(offset - place.line_begin + 1);
+    });
 }
 
 }  // namespace corv::vcd

@@ -4,11 +4,13 @@
 #include <string>
 #include <string_view>
 
-// Words of a text within the sentences that say what is wrong with it.
-namespace corv::typeinfo {
+// What a misspelt word was most likely meant to be.
+namespace corv::util {
 
-// Returns a word in backticks, printable and not too long.
-std::string Quote(std::string_view word);
+// Returns how many letters must be changed, added, removed or swapped with their neighbour to turn
+// a word into another, which is in lower case; upper and lower case of the first word are the same.
+// Words of more than 31 letters are not compared and are very far apart.
+std::size_t EditDistance(std::string_view word, std::string_view lower) noexcept;
 
 // Returns "; did you mean `x`?", or `otherwise` if there is no suggestion.
 std::string DidYouMean(std::string_view suggestion, std::string_view otherwise);
@@ -30,4 +32,4 @@ private:
     std::size_t distance_ = 4;
 };
 
-}  // namespace corv::typeinfo
+}  // namespace corv::util
