@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "corv/stremo/stream_details.h"
+#include "corv/stremo/streams.h"
 #include "corv/stremo/vcd_writer.h"
 #include "host/event_copy.h"
 #include "host/selected_reader.h"
@@ -12,8 +12,7 @@ namespace {
 
 SelectedReader Select(const Recording& recording, const std::vector<NamedSignal>& signals) {
     SelectedReader reader(recording, signals);
-    SelectStreamSignals(recording.Reader(), reader.leaves().data(),
-                        static_cast<int>(reader.leaves().size()));
+    SelectStreamSignals(recording.Reader(), reader.leaves());
     return reader;
 }
 

@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "corv/stremo/events_stream_write.h"
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 
 namespace corv::host {
 namespace {

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "corv/stremo/vcd_writer.h"
 #include "host/event_copy.h"
 #include "host/value_type.h"

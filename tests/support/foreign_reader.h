@@ -7,7 +7,7 @@
 #include <string>
 
 #include "corv/stremo/events_stream_read.h"
-#include "corv/stremo/stream_registry.h"
+#include "corv/stremo/streams.h"
 
 namespace corv::test {
 
