@@ -19,8 +19,8 @@ struct ConvertOptions {
     std::function<void(std::int64_t time)> progress;  // called now and then with the time reached
 };
 
-// Writes signals of a recording to an event file: those that it has at the window's start as events
-// there, then its events. Times stay what they are.
+// Writes signals of a recording to an event file: the values that they have at the window's start
+// as events there, then their events. Times stay what they are.
 //
 // Throws std::runtime_error, with a sentence, when the recording can't be read or the file not
 // written.

@@ -41,6 +41,7 @@
 #include "corv/stimulus/stimulus.h"
 #include "corv/stimulus/time_unit.h"
 #include "corv/stimulus/vesk.h"
+#include "corv/stremo/event_file_writer.h"
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
 #include "corv/stremo/stream_overview.h"

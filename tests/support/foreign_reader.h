@@ -12,7 +12,7 @@
 namespace corv::test {
 
 // A reader of a host's: the operations of all readers and nothing else.
-class ForeignReader final : public stremo::IEventsStreamRead {
+class ForeignReader : public stremo::IEventsStreamRead {
 public:
     explicit ForeignReader(stremo::IEventsStreamRead* reader) : reader_(reader) {}
     const char* GetFormatName() override { return reader_->GetFormatName(); }
