@@ -7,7 +7,7 @@
 #include "cli/options.h"
 #include "cli/output.h"
 #include "cli/recordings.h"
-#include "corv/stremo/stream_details.h"
+#include "corv/stremo/streams.h"
 #include "corv/typeinfo/vhdl_type.h"
 #include "host/fit_text.h"
 #include "host/signal_trace.h"
@@ -70,7 +70,7 @@ std::unordered_map<int, std::uint64_t> CountEvents(const host::Recording& record
                                                    Facts& facts) {
     stremo::IEventsStreamRead& reader = recording.Reader();
     if (selected) {
-        SelectStreamSignals(reader, handles.data(), static_cast<int>(handles.size()));
+        SelectStreamSignals(reader, handles);
     }
     std::unordered_map<int, std::uint64_t> counts;
     for (const int handle : handles) {

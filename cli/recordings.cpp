@@ -7,7 +7,7 @@
 #include "cli/command.h"
 #include "cli/output.h"
 #include "cli/progress.h"
-#include "corv/stremo/stream_progress.h"
+#include "corv/stremo/streams.h"
 #include "corv/typeinfo/type_info.h"
 #include "host/driver.h"
 #include "host/fit_text.h"

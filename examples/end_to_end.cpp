@@ -1,52 +1,32 @@
-// A formula becomes events of a signal's wave, and these become the texts that a viewer shows.
+// Takes a formula through signals and an event file to the texts that a viewer shows.
 
 #include <corv/corv.h>
 
-#include <array>
+#include <cstdio>
 #include <iostream>
 
-using corv::frame::ComPtr;
+int main() try {
+    const corv::Stimulus stimulus("0 0,1 10,0 20 -r 40");
+    std::cout << "clk: " << stimulus.Formula() << '\n';
 
-int main() {
-    // the signal keeps its stimulator's formula in normal form
-    ComPtr<ISignal> signal;
-    if (FAILED(CreateStdSignal(1, nullptr, signal.Out()))) {  // std_logic
-        return 1;
-    }
-    signal->SetName("clk");
-    signal->SetStimulatorInfo(0, 0, "0 0,1 10,0 20 -r 40");
+    corv::Signal clk("tb\\clk", corv::Type("std_logic"));
+    clk.Add(stimulus, 0, 100);
+    corv::Signal bus("tb\\bus", corv::Type("std_logic_vector(3 downto 0)"));
+    bus.Add(0, "0000");
+    bus.Add(30, "X\"A\"");
+    corv::SaveSignals("end_to_end.evt", {clk, bus});
 
-    std::array<char, 100> formula{};
-    if (FAILED(signal->GetStimulatorInfo(nullptr, nullptr, formula.data(), formula.size()))) {
-        return 1;
+    const corv::Recording run("end_to_end.evt");
+    for (const corv::Signal& signal : run.Signals()) {
+        std::cout << signal.Name() << ": " << signal.GetType().Vhdl() << '\n';
     }
-    std::cout << signal->GetName() << ": " << formula.data() << '\n';
-
-    // the stimulus is asked event by event; each value is stored as the type stores it
-    CStimulus stimulus;
-    if (stimulus.Create(formula.data(), 0) == 0) {
-        return 1;
+    for (const auto& [time, value] : run.Events("tb.clk", 0, 50)) {
+        std::cout << time << " ps: " << value << '\n';
     }
-    constexpr std::int64_t kEnd = 100;
-    for (auto t = stimulus.GetNextEventTime(-1); t != -1 && t <= kEnd;
-         t = stimulus.GetNextEventTime(t)) {
-        CString text;
-        std::array<unsigned char, 8> value{};
-        if (stimulus.GetValue(t, text) == 0 ||
-            FAILED(signal->TextToValue(text, value.data(), value.size()))) {
-            return 1;
-        }
-        signal->GetWave()->AddEvent(t, 0, value.data(), value.size());
-    }
-
-    // the viewer walks the events
-    ComPtr<IWaveEventEnumerator> events;
-    if (FAILED(signal->EnumEvents(events.Out()))) {
-        return 1;
-    }
-    IWaveEvent* event = nullptr;
-    while (events->Next(1, &event, nullptr) == S_OK) {
-        std::cout << event->GetTime() << " ps: " << signal->GetEventText(event) << '\n';
-    }
-    std::cout << "at 55 ps: " << signal->GetValueTextAt(55, FindAtOrBefore) << '\n';
+    run.Load({run.Find("tb.bus")});
+    std::cout << "at 55 ps: " << run.Find("tb.bus").ValueAt(55).value_or("no value") << '\n';
+    return std::remove("end_to_end.evt");
+} catch (const corv::Error& error) {
+    std::cerr << error.what() << '\n';
+    return 1;
 }

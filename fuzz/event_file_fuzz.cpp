@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "recording_fuzz.h"
 #include "stremo/block_layout.h"
 #include "stremo/checksum.h"

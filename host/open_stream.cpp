@@ -8,8 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "corv/stremo/ghw_options.h"
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "host/packed_source.h"
 
 namespace corv::host {
@@ -45,8 +44,8 @@ OpenedStream OpenSource(const std::string& file_name, PackedStream packed, int t
     if (!packed.problem.empty()) {
         opened.notes.push_back(packed.problem);
     }
-    opened.reader.reset(OpenStreamSource(file_name == "-" ? "standard input" : file_name.c_str(),
-                                         std::move(packed.source), time_unit));
+    opened.reader = OpenStreamSource(file_name == "-" ? "standard input" : file_name.c_str(),
+                                     std::move(packed.source), time_unit);
     if (!opened.reader) {
         throw std::runtime_error(std::string(LastStreamError()) +
                                  (packed.problem.empty() ? "" : "; " + packed.problem));
@@ -66,8 +65,11 @@ OpenedStream OpenStream(const std::string& file_name, const OpenOptions& options
         return OpenSource(file_name, OpenPacked(file_name, options.progress), time_unit);
     }
     OpenedStream opened;
-    opened.reader.reset(options.time_unit ? OpenGhwRecording(file_name.c_str(), time_unit)
-                                          : stremo::CreateStreamRead(file_name.c_str()));
+    if (options.time_unit) {
+        opened.reader = OpenGhwRecording(file_name.c_str(), time_unit);
+    } else {
+        opened.reader.reset(stremo::CreateStreamRead(file_name.c_str()));
+    }
     if (!opened.reader) {
         throw std::runtime_error(LastStreamError());
     }

@@ -4,9 +4,9 @@
 #include <stdexcept>
 #include <utility>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/event_file_writer.h"
+#include "corv/stremo/streams.h"
 #include "corv/stremo/vcd_writer.h"
-#include "host/event_copy.h"
 #include "host/value_type.h"
 
 namespace corv::host {
@@ -51,20 +51,21 @@ TimeWindow Beginning(Source& source, TimeWindow window) {
 }
 
 bool Write(SourceReader& reader, const std::string& file_name, const RecordOptions& options) {
-    if (!options.vcd) {
-        ConvertOptions copy;
-        copy.progress = options.progress;
-        return CopyToEventFile(reader, reader.leaves(), file_name, copy);
-    }
-    VcdOptions vcd;
-    vcd.start = options.window.start;
-    vcd.end = options.window.end;
-    vcd.progress = [&](std::int64_t time) {
+    const auto progress = [&](std::int64_t time) {
         if (options.progress) {
             options.progress(time);
         }
         return true;
     };
+    if (!options.vcd) {
+        EventFileOptions file;
+        file.progress = progress;
+        return WriteEventFile(reader, file_name.c_str(), file);
+    }
+    VcdOptions vcd;
+    vcd.start = options.window.start;
+    vcd.end = options.window.end;
+    vcd.progress = progress;
     return WriteVcd(reader, file_name.c_str(), vcd);
 }
 

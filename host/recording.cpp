@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <new>
 #include <stdexcept>
 #include <unordered_map>
 
-#include "corv/stremo/stream_details.h"
-#include "corv/stremo/stream_error.h"
 #include "corv/stremo/stream_overview.h"
+#include "corv/stremo/streams.h"
 #include "host/signal_trace.h"
 
 namespace corv::host {
@@ -86,9 +86,7 @@ Recording::Recording(const std::string& file_name, const OpenOptions& options)
 
 std::vector<std::string> Recording::Notes() const {
     std::vector<std::string> notes = stream_.notes;
-    for (int i = 0; i < CountStreamNotes(Reader()); ++i) {
-        notes.emplace_back(GetStreamNote(Reader(), i));
-    }
+    std::ranges::move(GetStreamNotes(Reader()), std::back_inserter(notes));
     return notes;
 }
 
@@ -104,7 +102,7 @@ std::int64_t Recording::LatestTime() const {
 // so that a trace finds them in the waves like any other.
 void Recording::LoadBefore(Waves& waves, std::int64_t start) const {
     const std::vector<int>& handles = waves.Handles();
-    SelectStreamSignals(Reader(), handles.data(), static_cast<int>(handles.size()));
+    SelectStreamSignals(Reader(), handles);
     if (!Reader().Seek(&start)) {
         throw std::runtime_error(Problem());
     }
@@ -147,9 +145,7 @@ void Recording::LoadForGrid(const std::vector<ISignal*>& signals, const TimeGrid
     for (std::int64_t column = 0; column <= grid.Columns(); ++column) {
         borders.push_back(grid.First(column));
     }
-    const std::vector<int>& handles = waves.Handles();
-    const bool read = ReadStreamOverview(Reader(), handles.data(), static_cast<int>(handles.size()),
-                                         borders.data(), borders.size(), waves);
+    const bool read = ReadStreamOverview(Reader(), waves.Handles(), borders, waves);
     CheckLoaded(waves);
     if (!read) {
         Load(signals, grid.Window(), kAllTimes);

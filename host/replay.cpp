@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "corv/stimulus/custom_stimulus.h"
-#include "corv/stremo/stream_details.h"
+#include "corv/stremo/streams.h"
 #include "corv/typeinfo/type_info.h"
 #include "host/recording.h"
 #include "host/signal_name.h"
@@ -79,7 +79,7 @@ std::vector<std::unique_ptr<Source>> MakeLeaves(const Recording& recording, ISig
     for (ISignal* const leaf : leaves) {
         handles.push_back(leaf->GetHandle());
     }
-    SelectStreamSignals(recording.Reader(), handles.data(), static_cast<int>(handles.size()));
+    SelectStreamSignals(recording.Reader(), handles);
     std::vector<std::unique_ptr<Source>> sources;
     for (ISignal* const leaf : leaves) {
         sources.push_back(MakeLeaf(recording, *leaf, shift));

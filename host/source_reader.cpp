@@ -22,7 +22,6 @@ SourceReader::SourceReader(const std::vector<SourceSignal>& signals, TimeWindow 
         for (ISignal* const leaf : LeavesOf(top.driven->Signal())) {
             top.leaves.push_back(leaf->GetHandle());
         }
-        leaves_.insert(leaves_.end(), top.leaves.begin(), top.leaves.end());
         tops_.push_back(std::move(top));
     }
 }

@@ -33,8 +33,6 @@ public:
     // The sources must outlive it. Throws std::runtime_error if a type cannot be inferred.
     SourceReader(const std::vector<SourceSignal>& signals, TimeWindow window);
 
-    // The handles of all scalars, in order.
-    const std::vector<int>& leaves() const { return leaves_; }
     // Why the last Next stopped; empty at the end.
     const std::string& Problem() const { return problem_; }
 
@@ -79,7 +77,6 @@ private:
     const TimeWindow window_;
     std::vector<Top> tops_;
     std::vector<ISignal*> signals_;  // by handle
-    std::vector<int> leaves_;
     std::priority_queue<Turn, std::vector<Turn>, std::greater<>> turns_;
     std::vector<Event> events_;  // those at one time
     std::size_t given_ = 0;      // how many of them were returned

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "corv/stremo/events_stream_read.h"
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "stremo/signal_cursor.h"
 
 namespace {

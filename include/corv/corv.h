@@ -1,6 +1,15 @@
 #pragma once
 
-// Includes every public header of corv.
+// Includes every public header of corv: the classes for C++20 users in corv/cpp, and the operations
+// below them for hosts built with any compiler.
+//
+// Threads: any thread may use the library, but only one at a time, whatever the objects. The
+// library starts no threads and takes no locks, and reference counts are plain numbers. Besides its
+// objects it has state that all of them share: the texts of values that signals return, the types
+// read last, the counters, the names of streams, the event files to delete, the function that
+// receives the progress of reading, the hierarchy separator, and the number of Attach calls. So
+// using two objects on two threads is not safe either. An object does not belong to the thread that
+// made it. Only LastStreamError is separate for each thread.
 
 #include "corv/containers/handle_manager.h"
 #include "corv/containers/scalar_data.h"
@@ -9,6 +18,15 @@
 #include "corv/containers/signal_data.h"
 #include "corv/containers/signal_data_container.h"
 #include "corv/containers/signal_enumerator.h"
+#include "corv/cpp/cpp.h"
+#include "corv/cpp/error.h"
+#include "corv/cpp/events.h"
+#include "corv/cpp/recording.h"
+#include "corv/cpp/save_signals.h"
+#include "corv/cpp/signal.h"
+#include "corv/cpp/stimulus.h"
+#include "corv/cpp/type.h"
+#include "corv/cpp/wave.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/frame/interface_ids.h"
 #include "corv/library/library.h"
@@ -41,15 +59,12 @@
 #include "corv/stimulus/stimulus.h"
 #include "corv/stimulus/time_unit.h"
 #include "corv/stimulus/vesk.h"
+#include "corv/stremo/event_file_writer.h"
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
-#include "corv/stremo/ghw_options.h"
-#include "corv/stremo/stream_details.h"
-#include "corv/stremo/stream_error.h"
 #include "corv/stremo/stream_overview.h"
-#include "corv/stremo/stream_progress.h"
-#include "corv/stremo/stream_registry.h"
 #include "corv/stremo/stream_source.h"
+#include "corv/stremo/streams.h"
 #include "corv/stremo/vcd_writer.h"
 #include "corv/typeinfo/type_builders.h"
 #include "corv/typeinfo/type_info.h"

@@ -12,14 +12,12 @@
 #include "corv/util/extended_id.h"
 #include "platform/ascii.h"
 #include "platform/guard.h"
+#include "stremo/kept_properties.h"
 
 using stremo::IEventsStreamRead;
 
 namespace corv::containers {
 namespace {
-
-// What a recording may keep of a signal.
-constexpr const char* kReaderProperties[] = {"Stimulator", "VBus"};
 
 // Where the part behind the last separator begins. One within an extended identifier at the name's
 // start separates nothing.
@@ -189,7 +187,7 @@ HRESULT SignalData::LoadFields(IEventsStreamRead& reader, int handle, int& child
     if (FAILED(SetTypeInfo(reader.GetTypeString(handle)))) {
         return E_FAIL;
     }
-    for (const char* const key : kReaderProperties) {
+    for (const char* const key : recording::kSignalProperties) {
         const char* const value = reader.GetSignalProperty(handle, key);
         if (value != nullptr && FAILED(SetProperty(key, value))) {
             return E_OUTOFMEMORY;

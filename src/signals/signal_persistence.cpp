@@ -14,6 +14,7 @@
 #include "signals/loads.h"
 #include "signals/signal.h"
 #include "signals/value_text.h"
+#include "stremo/kept_properties.h"
 #include "tree/members.h"
 #include "tree/save_check.h"
 #include "tree/stream_number.h"
@@ -29,9 +30,6 @@ using Limits16 = std::numeric_limits<std::uint16_t>;
 // What loading takes; longer texts are not saved.
 constexpr std::size_t kLongestKey = 127;
 constexpr std::size_t kLongestValue = corv::signals::kTextBufferSize - 1;
-
-// What the event streams keep of a signal besides its place and type.
-constexpr std::array<const char*, 2> kStreamProperties{"Stimulator", "VBus"};
 
 // Calls an action with each entry, in order, until it gives false; gives whether none did.
 template <class Action>
@@ -108,7 +106,7 @@ HRESULT MakeMembers(ISignalContainer& owner, ComPtr<ISignalContainer>& members) 
 }
 
 bool WriteStreamProperties(IEventsStreamWrite& writer, int handle, const CPropertyMap& properties) {
-    for (const char* const key : kStreamProperties) {
+    for (const char* const key : corv::recording::kSignalProperties) {
         const char* const value = properties.Get(key);
         if (value != nullptr && !writer.WriteProperty(handle, key, value)) {
             return false;
@@ -154,7 +152,7 @@ HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* par
 
 HRESULT CSignal::LoadFromReader(stremo::IEventsStreamRead* reader, ISignalContainer* owner,
                                 ISignal* parent, int member_count) noexcept {
-    for (const char* const key : kStreamProperties) {
+    for (const char* const key : corv::recording::kSignalProperties) {
         const char* const value = reader->GetSignalProperty(handle_, key);
         const char* const there = properties_.Get(key);
         if (there == nullptr || std::strcmp(there, value != nullptr ? value : "") != 0) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "stimulus/custom_formula.h"
 #include "stimulus/recorded_name.h"
 #include "stimulus/recorded_signals.h"

@@ -19,7 +19,7 @@
 #include <array>
 #include <limits>
 
-#include "corv/stremo/stream_details.h"
+#include "corv/stremo/streams.h"
 #include "platform/guard.h"
 #include "stimulus/event_files.h"
 #include "stimulus/recorded_signals.h"
@@ -99,11 +99,12 @@ int CCustomStimulus::Create(const char* event_file, const char* signal) noexcept
     return open ? 1 : 0;
 }
 
-int CCustomStimulus::CreateFrom(stremo::IEventsStreamRead* reader, int handle) noexcept {
+int CCustomStimulus::CreateFrom(std::unique_ptr<stremo::IEventsStreamRead> reader,
+                                int handle) noexcept {
     Destroy();
-    reader_.reset(reader);
-    signal_ = reader != nullptr && handle != -1
-                  ? corv::stimulus::LoadRecordedScalar(*reader, handle, container_)
+    reader_ = std::move(reader);
+    signal_ = reader_ != nullptr && handle != -1
+                  ? corv::stimulus::LoadRecordedScalar(*reader_, handle, container_)
                   : nullptr;
     if (signal_ == nullptr) {
         Destroy();

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "corv/stremo/stream_progress.h"
+#include "corv/stremo/streams.h"
 #include "platform/guard.h"
 #include "platform/immortal.h"
 

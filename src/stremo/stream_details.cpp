@@ -1,7 +1,5 @@
-#include "corv/stremo/stream_details.h"
 #include "corv/stremo/stream_overview.h"
-
-#include <algorithm>
+#include "corv/stremo/streams.h"
 
 #include "platform/guard.h"
 #include "stremo/signal_cursor.h"
@@ -9,37 +7,36 @@
 
 namespace corv {
 
-void SelectStreamSignals(stremo::IEventsStreamRead& reader, const int* handles,
-                         int count) noexcept {
+void SelectStreamSignals(stremo::IEventsStreamRead& reader, std::span<const int> handles) noexcept {
     if (auto* const own = recording::OwnReader(&reader)) {
-        const auto selected = static_cast<std::size_t>(std::max(count, 0));
-        platform::Done([&] { own->SetInterest({handles, selected}); });
+        platform::Done([&] { own->SetInterest(handles); });
     }
 }
 
-stremo::IEventsStreamRead* ShareStream(stremo::IEventsStreamRead& reader) noexcept {
+std::unique_ptr<stremo::IEventsStreamRead> ShareStream(stremo::IEventsStreamRead& reader) noexcept {
     auto* const own = recording::OwnReader(&reader);
-    return own != nullptr ? own->Share().release() : nullptr;
+    return own != nullptr ? own->Share() : nullptr;
 }
 
-bool ReadStreamOverview(stremo::IEventsStreamRead& reader, const int* handles, int count,
-                        const std::int64_t* borders, std::size_t border_count,
-                        IStreamOverview& overview) noexcept {
+bool ReadStreamOverview(stremo::IEventsStreamRead& reader, std::span<const int> handles,
+                        std::span<const std::int64_t> borders, IStreamOverview& overview) noexcept {
     recording::ClearError();
     auto* const own = recording::OwnReader(&reader);
-    return own != nullptr && border_count >= 2 &&
-           own->ReadOverview({handles, static_cast<std::size_t>(std::max(count, 0))},
-                             {borders, border_count}, overview);
+    return own != nullptr && borders.size() >= 2 && own->ReadOverview(handles, borders, overview);
 }
 
-int CountStreamNotes(stremo::IEventsStreamRead& reader) noexcept {
+std::vector<std::string> GetStreamNotes(stremo::IEventsStreamRead& reader) noexcept {
+    std::vector<std::string> notes;
     auto* const own = recording::OwnReader(&reader);
-    return own != nullptr ? own->NoteCount() : 0;
-}
-
-const char* GetStreamNote(stremo::IEventsStreamRead& reader, int index) noexcept {
-    auto* const own = recording::OwnReader(&reader);
-    return own != nullptr ? own->Note(index) : nullptr;
+    const bool listed = platform::Done([&] {
+        for (int i = 0; own != nullptr && i < own->NoteCount(); ++i) {
+            notes.emplace_back(own->Note(i));
+        }
+    });
+    if (!listed) {
+        notes.clear();
+    }
+    return notes;
 }
 
 }  // namespace corv

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 
 // The text of corv::LastStreamError. Each thread has its own, in static memory, so that reporting a
 // lack of memory needs none.

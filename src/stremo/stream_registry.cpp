@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "corv/stremo/events_stream_read.h"
-#include "corv/stremo/stream_registry.h"
+#include "corv/stremo/streams.h"
 #include "platform/ascii.h"
 #include "platform/files.h"
 #include "platform/guard.h"

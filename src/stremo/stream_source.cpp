@@ -47,14 +47,15 @@ std::unique_ptr<recording::Recording> Open(const std::string& name,
 
 }  // namespace
 
-stremo::IEventsStreamRead* OpenStreamSource(const char* name, std::unique_ptr<IStreamSource> source,
-                                            int time_unit) noexcept {
-    stremo::IEventsStreamRead* reader = nullptr;
+std::unique_ptr<stremo::IEventsStreamRead> OpenStreamSource(const char* name,
+                                                            std::unique_ptr<IStreamSource> source,
+                                                            int time_unit) noexcept {
+    std::unique_ptr<stremo::IEventsStreamRead> reader;
     recording::ClearError();
     const bool done = platform::Done([&] {
         const std::string text = name != nullptr ? name : "";
         if (auto opened = Open(text, std::move(source), time_unit)) {
-            reader = recording::MakeReader(std::move(opened)).release();
+            reader = recording::MakeReader(std::move(opened));
         }
     });
     if (!done) {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "signals/loads.h"
 #include "tests/containers/container_support.h"
 #include "tests/containers/fake_reader.h"

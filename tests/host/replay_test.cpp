@@ -16,8 +16,7 @@
 #include <vector>
 
 #include "corv/stimulus/stimulus.h"
-#include "corv/stremo/stream_details.h"
-#include "corv/stremo/stream_registry.h"
+#include "corv/stremo/streams.h"
 #include "corv/typeinfo/type_info.h"
 #include "host/convert.h"
 #include "host/recording.h"
@@ -153,7 +152,8 @@ TEST_P(ReplayOfSamples, EqualsTheRecording) {
 TEST_P(ReplayOfSamples, EqualsItThroughFormulasOnOneReader) {
     const Recorded recorded(Sample());
     const Recording recording(Sample());
-    stremo::RegisterStream("replay:test", [&] { return ShareStream(recording.Reader()); });
+    stremo::RegisterStream("replay:test",
+                           [&] { return ShareStream(recording.Reader()).release(); });
     std::vector<std::pair<ISignal*, std::unique_ptr<CStimulus>>> stimuli;
     ISignal* signal = nullptr;
     for (std::uint32_t i = 0; SUCCEEDED(recording.Signals().GetAt(i, &signal)); ++i) {

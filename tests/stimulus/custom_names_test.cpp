@@ -85,14 +85,15 @@ TEST_F(CustomNames, TakesNamesAsPeopleWriteThem) {
 
 TEST_F(CustomNames, TakesHandlesOfReaders) {
     const NamedSignals file("handles.evt", {"t\\a(1)", "t\\a[]", "x"});
-    const auto open = [&] { return stremo::CreateStreamRead(file.path.c_str()); };
+    using Reader = std::unique_ptr<stremo::IEventsStreamRead>;
+    const auto open = [&] { return Reader(stremo::CreateStreamRead(file.path.c_str())); };
     CCustomStimulus custom;
     ASSERT_EQ(custom.CreateFrom(open(), 1), 1);
     const CCustomStimulus copy(custom);
     custom = copy;
     EXPECT_EQ(custom.GetNextEventTime(-1), 1);
     EXPECT_STREQ(custom.GetSignalTypeInfo(), kLogic);
-    ASSERT_EQ(custom.CreateFrom(new ForeignReader(open()), 3), 1);
+    ASSERT_EQ(custom.CreateFrom(std::make_unique<ForeignReader>(open().release()), 3), 1);
     EXPECT_EQ(custom.GetNextEventTime(-1), 3);
     const CCustomStimulus none(custom);
     EXPECT_EQ(none.GetSignalTypeInfo(), nullptr);

@@ -21,7 +21,7 @@
 #include "corv/stimulus/stim_iterator.h"
 #include "corv/stimulus/stimulus.h"
 #include "corv/stremo/events_stream_write.h"
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "tests/support/foreign_reader.h"
 #include "tests/support/random_formula.h"
 

@@ -88,9 +88,7 @@ TEST(ReadStreamOverview, TellsWhatAScanOfAllEventsTells) {
             }
         }
         Collected collected;
-        ASSERT_TRUE(ReadStreamOverview(*reader, handles.data(), static_cast<int>(handles.size()),
-                                       borders.data(), borders.size(), collected))
-            << LastStreamError();
+        ASSERT_TRUE(ReadStreamOverview(*reader, handles, borders, collected)) << LastStreamError();
         const std::set<int> asked(handles.begin() + 2, handles.end());
         EXPECT_LE(collected.events.size(), asked.size());
         for (const int handle : asked) {
@@ -122,7 +120,7 @@ TEST(ReadStreamOverview, FindsOneOfManySignals) {
     const std::vector<std::int64_t> borders{50, 120, 300};
     for (const int handle : {0, 7, 299}) {
         Collected collected;
-        ASSERT_TRUE(ReadStreamOverview(*reader, &handle, 1, borders.data(), 3, collected));
+        ASSERT_TRUE(ReadStreamOverview(*reader, {&handle, 1}, borders, collected));
         EXPECT_EQ(collected.events[handle], Thinned(Changes(model, handle), borders));
     }
 }

@@ -14,7 +14,7 @@
 
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "stremo/event_file/writer.h"
 #include "stremo/format.h"
 #include "stremo/recording_reader.h"

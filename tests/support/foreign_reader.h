@@ -7,12 +7,12 @@
 #include <string>
 
 #include "corv/stremo/events_stream_read.h"
-#include "corv/stremo/stream_registry.h"
+#include "corv/stremo/streams.h"
 
 namespace corv::test {
 
 // A reader of a host's: the operations of all readers and nothing else.
-class ForeignReader final : public stremo::IEventsStreamRead {
+class ForeignReader : public stremo::IEventsStreamRead {
 public:
     explicit ForeignReader(stremo::IEventsStreamRead* reader) : reader_(reader) {}
     const char* GetFormatName() override { return reader_->GetFormatName(); }

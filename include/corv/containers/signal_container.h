@@ -95,7 +95,7 @@ public:
     virtual HRESULT CORV_CALL Save(IByteStream* stream) = 0;
 
     // Appends the signals of a recording, without their events. Returns E_FAIL if one cannot be
-    // read: LastStreamError (stream_error.h) says why, and the signals before it stay. A signal
+    // read: LastStreamError (streams.h) says why, and the signals before it stay. A signal
     // that is a member of itself cannot be read, nor can anything after 67,108,864 signals,
     // counting members.
     virtual HRESULT CORV_CALL LoadFromReader(stremo::IEventsStreamRead* reader) = 0;

@@ -37,10 +37,10 @@ public:
     // signal.
     int Create(const char* event_file, const char* signal) noexcept;
 
-    // The same for the scalar with a certain handle of a reader, whatever its name. The object
-    // takes ownership of the reader, even if it fails. A copy uses a shared reader
-    // (corv/stremo/stream_details.h), and is empty if the reader is one of the host's own class.
-    int CreateFrom(stremo::IEventsStreamRead* reader, int handle) noexcept;
+    // The same for the scalar with a certain handle of a reader, whatever its name. A copy uses a
+    // shared reader (corv/stremo/streams.h), and is empty if the reader is one of the host's own
+    // class.
+    int CreateFrom(std::unique_ptr<stremo::IEventsStreamRead> reader, int handle) noexcept;
 
     // Closes the recording.
     void Destroy() noexcept;

@@ -9,7 +9,7 @@ namespace corv {
 // that was found then; a file made later is found as recordings are, without regard to case.
 // Folders stay. Event files are temporary files of a host's run; a host that lets its users name
 // files of their own should switch deletion off or register these files
-// (corv/stremo/stream_registry.h).
+// (corv/stremo/streams.h).
 CORV_API void SetEventFileDeletion(bool enabled) noexcept;
 
 }  // namespace corv

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "corv/platform/export.h"
 #include "corv/stremo/events_stream_read.h"
@@ -28,8 +28,8 @@ protected:
 // happened, when, and what the value is at its end, however many events the recording has. The
 // position of the reader does not change. Returns false if the events cannot be read
 // (LastStreamError says why), and for a reader implemented by a host (LastStreamError is empty).
-CORV_API bool ReadStreamOverview(stremo::IEventsStreamRead& reader, const int* handles, int count,
-                                 const std::int64_t* borders, std::size_t border_count,
+CORV_API bool ReadStreamOverview(stremo::IEventsStreamRead& reader, std::span<const int> handles,
+                                 std::span<const std::int64_t> borders,
                                  IStreamOverview& overview) noexcept;
 
 }  // namespace corv

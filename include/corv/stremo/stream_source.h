@@ -25,8 +25,7 @@ public:
 // The reader owns the source; after a failure the source has been deleted. `name` is what messages
 // call the recording. `time_unit` is that of corv::OpenGhwRecording; below 0, any format is opened.
 // Returns null if the recording cannot be opened; corv::LastStreamError says why.
-CORV_API stremo::IEventsStreamRead* OpenStreamSource(const char* name,
-                                                     std::unique_ptr<IStreamSource> source,
-                                                     int time_unit = -1) noexcept;
+CORV_API std::unique_ptr<stremo::IEventsStreamRead> OpenStreamSource(
+    const char* name, std::unique_ptr<IStreamSource> source, int time_unit = -1) noexcept;
 
 }  // namespace corv

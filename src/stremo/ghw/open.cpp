@@ -1,4 +1,4 @@
-#include "corv/stremo/ghw_options.h"
+#include "corv/stremo/streams.h"
 
 #include <memory>
 #include <string>
@@ -14,20 +14,21 @@
 namespace corv {
 namespace {
 
-stremo::IEventsStreamRead* Open(const std::string& name, int time_unit) {
+std::unique_ptr<stremo::IEventsStreamRead> Open(const std::string& name, int time_unit) {
     auto opened = platform::SystemFiles().Open(name);
     if (opened.file == nullptr) {
         recording::SetError(name, opened.failure);
         return nullptr;
     }
     auto made = recording::OpenGhwContent(name, std::move(opened.file), time_unit);
-    return made != nullptr ? recording::MakeReader(std::move(made)).release() : nullptr;
+    return made != nullptr ? recording::MakeReader(std::move(made)) : nullptr;
 }
 
 }  // namespace
 
-stremo::IEventsStreamRead* OpenGhwRecording(const char* file_name, int time_unit) noexcept {
-    stremo::IEventsStreamRead* reader = nullptr;
+std::unique_ptr<stremo::IEventsStreamRead> OpenGhwRecording(const char* file_name,
+                                                            int time_unit) noexcept {
+    std::unique_ptr<stremo::IEventsStreamRead> reader;
     const char* const name = file_name != nullptr ? file_name : "";
     recording::ClearError();
     if (!platform::Done([&] { reader = Open(name, time_unit); })) {

@@ -11,8 +11,7 @@
 #include <set>
 #include <sstream>
 
-#include "corv/stremo/stream_details.h"
-#include "corv/stremo/stream_registry.h"
+#include "corv/stremo/streams.h"
 #include "platform/guard.h"
 #include "stremo/event_file/event_file.h"
 #include "stremo/stream_registry.h"
@@ -336,7 +335,7 @@ TEST_F(EventFileOnDisk, AKilledRecorderLeavesWholeBlocks) {
         ASSERT_TRUE(WIFSIGNALED(status));
         const Reader reader(stremo::CreateStreamRead(name.c_str()));
         ASSERT_NE(reader, nullptr) << LastStreamError();
-        EXPECT_GT(CountStreamNotes(*reader), 0) << "the user learns of it";
+        EXPECT_FALSE(GetStreamNotes(*reader).empty()) << "the user learns of it";
         const std::int64_t start = 0;
         ASSERT_TRUE(reader->Seek(&start));
         std::int64_t count = 0;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "tests/stremo/recording_model.h"
 
 namespace corv::test {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "corv/stremo/ghw_options.h"
+#include "corv/stremo/streams.h"
 #include "corv/util/time_units.h"
 #include "tests/stremo/ghw/support.h"
 #include "tests/support/other_programs.h"
@@ -286,8 +286,7 @@ TEST(GhwTimes, AreInTheUnitThatIsGiven) {
     std::ofstream(folder.Path("a.ghw"), std::ios::binary) << file.Bytes();
     std::ofstream(folder.Path("a.vcd")) << "$enddefinitions $end";
     for (const auto& [unit, time] : {std::pair(-1, "3"), {0, "3"}, {2, "3000000"}, {8, "3"}}) {
-        const std::unique_ptr<stremo::IEventsStreamRead> reader(
-            OpenGhwRecording(folder.Path("A.ghw").c_str(), unit));
+        const auto reader = OpenGhwRecording(folder.Path("A.ghw").c_str(), unit);
         ASSERT_NE(reader, nullptr) << LastStreamError();
         EXPECT_NE(ChangeText(SeenLeaves(*reader).leaves).find("a: 0 '0', " + std::string(time)),
                   std::string::npos);

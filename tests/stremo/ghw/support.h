@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "corv/signals/hierarchy_separator.h"
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "corv/typeinfo/type_info.h"
 #include "stremo/ghw/recording.h"
 #include "tests/stremo/reader_support.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "stremo/vcd/declarations.h"
 #include "stremo/vcd/time.h"
 #include "stremo/vcd/values.h"

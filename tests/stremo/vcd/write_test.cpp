@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "stremo/block_builder.h"
 #include "stremo/vcd/output.h"
 #include "stremo/vcd/writer.h"
