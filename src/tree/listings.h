@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace corv::tree {
@@ -24,8 +25,9 @@ struct Listing {
     std::uint64_t number;  // its place among the entries of that handle
 };
 
-// Where a signal is listed. A signal has this as a field, whose end takes it out of all managers
-// whatever handle the signal has by then; a manager that ends takes its entries out of here.
+// Where a signal is listed: mostly once, for which no memory is taken. A signal has this as a
+// field, whose end takes it out of all managers whatever handle the signal has by then; a manager
+// that ends takes its entries out of here.
 class Listings {
 public:
     Listings() noexcept = default;
@@ -36,16 +38,23 @@ public:
     // Null when there is none. A place that is found is valid until the next change.
     const Listing* Find(const Lister& manager, int handle) const noexcept;
     // Throws, with nothing changed, without memory.
-    void Add(const Listing& listing) { entries_.push_back(listing); }
+    void Add(const Listing& listing);
     void Remove(const Listing& listing) noexcept;
     // Takes the signal out of a manager.
     void Leave(Lister& manager) noexcept;
     // Forgets a manager, which is told nothing.
     void Forget(const Lister& manager) noexcept;
-    bool IsEmpty() const noexcept { return entries_.empty(); }
+    bool IsEmpty() const noexcept { return first_.manager == nullptr; }
 
 private:
-    std::vector<Listing> entries_;
+    // Calls an action with each entry until that gives true; gives the entry then, else null.
+    template <class Action>
+    const Listing* FindIf(const Action& action) const noexcept;
+    // Fills the first place, when it is free, with the last entry.
+    void CloseGap() noexcept;
+
+    Listing first_{};  // without a manager: the signal is listed nowhere
+    std::unique_ptr<std::vector<Listing>> others_;
 };
 
 }  // namespace corv::tree
