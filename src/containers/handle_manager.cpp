@@ -8,6 +8,15 @@
 #include "signals/signal.h"
 
 namespace corv::containers {
+namespace {
+
+// Own signals make their waves when they are asked for, which registering them is no reason for.
+bool HasWave(ISignal& signal) noexcept {
+    const CSignal* const own = CSignal::FromOwn(signal);
+    return own != nullptr ? own->HasWave() : signal.GetWave() != nullptr;
+}
+
+}  // namespace
 
 int CORV_CALL HandleManager::GetFirstHandle() noexcept {
     next_handle_ = std::numeric_limits<int>::min();
@@ -50,7 +59,7 @@ ISignal* CORV_CALL HandleManager::GetNextSignal() noexcept {
 
 HRESULT CORV_CALL HandleManager::AddSignal(ISignal* signal) noexcept {
     const int handle = signal != nullptr ? signal->GetHandle() : -1;
-    if (handle == -1 || signal->GetWave() == nullptr) {
+    if (handle == -1 || !HasWave(*signal)) {
         return E_INVALIDARG;
     }
     if (FindListing(*signal, handle) != nullptr) {
