@@ -17,6 +17,9 @@ class IEventsStreamRead;
 
 namespace corv::signals {
 
+// What the event streams keep of a signal besides its place and type.
+inline constexpr std::array<const char*, 2> kStreamProperties{"Stimulator", "VBus"};
+
 // Makes the std_logic signals that loaded ones begin as: the first in full, the others like it.
 class StdLogicMaker {
 public:

@@ -95,6 +95,12 @@ public:
     // The signal as one of this class; null when others have made it.
     static CSignal* FromOwn(ISignal& signal) noexcept;
 
+    // Makes a new signal like another one without members, but for its name and handle. False
+    // without memory for the name.
+    bool BecomeLike(const CSignal& other, const char* name, int handle) noexcept;
+
+    // Whether the signal has a wave that is still to be made.
+    bool HasLateWave() const noexcept { return late_wave_size_ != 0; }
     // Whether the signal has a wave, also one that is still to be made.
     bool HasWave() const noexcept { return wave_ || late_wave_size_ != 0; }
 
@@ -166,3 +172,5 @@ private:
     bool is_descending_ = false;  // an operation is being passed on to the members
     corv::tree::Listings listings_;
 };
+
+static_assert(sizeof(CSignal) <= 17 * sizeof(void*));

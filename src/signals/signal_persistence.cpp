@@ -21,6 +21,7 @@
 #include "tree/stream_number.h"
 
 using corv::frame::ComPtr;
+using corv::signals::kStreamProperties;
 using corv::tree::ReadNumber;
 using corv::tree::WriteNumber;
 
@@ -31,9 +32,6 @@ using Limits16 = std::numeric_limits<std::uint16_t>;
 // What loading takes; longer texts are not saved.
 constexpr std::size_t kLongestKey = 127;
 constexpr std::size_t kLongestValue = corv::signals::kTextBufferSize - 1;
-
-// What the event streams keep of a signal besides its place and type.
-constexpr std::array<const char*, 2> kStreamProperties{"Stimulator", "VBus"};
 
 // All parts of the entry are written, also after one that fails.
 bool WriteEntry(IByteStream& stream, std::string_view key, std::string_view value) {
@@ -195,8 +193,8 @@ HRESULT CSignal::LoadFromReader(stremo::IEventsStreamRead* reader, ISignalContai
             return made;
         }
         for (int i = 0; i < member_count; ++i) {
-            ISignal* member = nullptr;
-            if (FAILED(members->CreateFromReader(reader, this, i, &member))) {
+            // no member is asked for, so that the container may make it later
+            if (FAILED(members->CreateFromReader(reader, this, i, nullptr))) {
                 return E_FAIL;
             }
         }

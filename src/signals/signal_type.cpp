@@ -242,6 +242,12 @@ HRESULT CSignal::ApplyTypeOf(const CSignal& scalar) noexcept {
     return S_OK;
 }
 
+bool CSignal::BecomeLike(const CSignal& other, const char* name, int handle) noexcept {
+    parent_ = other.parent_;
+    handle_ = handle;
+    return SUCCEEDED(ApplyTypeOf(other)) && name_.Set(name);
+}
+
 // The wave that the signal has serves on when its values have the size of the type's. That is so
 // for 4 and 8 bytes alone: values of 1 and 2 bytes are kept in 4.
 bool CSignal::PlanWave(const KTypeInfo& type) noexcept {

@@ -12,19 +12,18 @@ namespace corv::tree {
 // itself: it goes only so deep and visits only so many signals.
 class LeafWalk {
 public:
-    // Calls `enter` with each composite signal before its members are visited, and `leaf` with each
-    // leaf until that gives false. Gives whether it never did.
+    // Calls `enter` with each composite signal, which gives whether its members are visited, and
+    // `leaf` with each leaf until that gives false. Gives whether it never did.
     template <class Enter, class Leaf>
     bool Visit(ISignal& signal, const Enter& enter, const Leaf& leaf) {
         ISignalContainer* const members = signal.GetSubSignals();
         if (members == nullptr) {
             return leaf(signal);
         }
-        if (depth_ == kMostNesting) {
+        if (depth_ == kMostNesting || !enter(signal)) {
             return true;
         }
         ++depth_;
-        enter(signal);
         ISignal* member = nullptr;
         bool more = true;
         for (std::uint32_t i = 0; more && left_ > 0 && SUCCEEDED(members->GetAt(i, &member)); ++i) {
