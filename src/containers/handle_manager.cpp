@@ -151,6 +151,11 @@ void HandleManager::Free(Page& page, int handle) noexcept {
     EndPage(handle);
 }
 
+HandleManager::Page& HandleManager::PageFor(int handle) {
+    Page* const page = FindPage(handle);
+    return page != nullptr ? *page : pages_.try_emplace(pages_.end(), handle >> kPageBits)->second;
+}
+
 HandleManager::Page* HandleManager::FindPage(int handle) noexcept {
     const int number = handle >> kPageBits;
     if (last_page_.second == nullptr || last_page_.first != number) {
@@ -214,7 +219,7 @@ void HandleManager::List(ISignal& signal, int handle) {
 
 void HandleManager::Enter(ISignal& signal, const tree::Listing& listing) {
     const int handle = listing.handle;
-    Page& page = pages_[handle >> kPageBits];
+    Page& page = PageFor(handle);
     if ((page.used & BitOf(handle)) == 0) {
         page.At(handle) = &signal;
         page.used |= BitOf(handle);
@@ -230,7 +235,7 @@ void HandleManager::Enter(ISignal& signal, const tree::Listing& listing) {
 bool HandleManager::ListLate(SignalContainer& container, int handle) noexcept {
     const Page* const there = FindPage(handle);
     if ((there != nullptr && (there->used & BitOf(handle)) != 0) ||
-        !platform::Done([&] { pages_[handle >> kPageBits]; })) {
+        !platform::Done([&] { PageFor(handle); })) {
         return false;
     }
     Page& page = *FindPage(handle);

@@ -98,6 +98,7 @@ private:
 
     // Null when none of its handles is in use.
     Page* FindPage(int handle) noexcept;
+    Page& PageFor(int handle);
     // The entry of the place or the next of that handle, to which the place is moved; null: none.
     ISignal* FindFrom(Place& place) noexcept;
     // Null when the signal has none.

@@ -32,9 +32,10 @@ bool IsText(const char* text, const char* wanted) noexcept {
 
 // False when it could not be stored.
 bool Store(ISignal& signal, const char* key, const char* value) noexcept {
-    if (!IsText(signal.GetProperty(key), value)) {
-        signal.SetProperty(key, value);
+    if (IsText(signal.GetProperty(key), value)) {
+        return true;
     }
+    signal.SetProperty(key, value);
     return IsText(signal.GetProperty(key), value);
 }
 

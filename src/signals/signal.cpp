@@ -123,16 +123,14 @@ int CSignal::GetDisplayRadix() noexcept {
 }
 
 const char* CSignal::GetProperty(const char* key) noexcept {
+    if (key != nullptr && EqualNoCase(key, "Name")) {
+        return GetName();
+    }
     const char* const value = properties_.Get(key);
-    if (value != nullptr || key == nullptr) {
+    if (value != nullptr || key == nullptr || handle_ == -1 || !EqualNoCase(key, "Handle")) {
         return value;
     }
-    if (EqualNoCase(key, "Name")) {
-        return name_.Get();
-    }
-    if (EqualNoCase(key, "Handle") && handle_ != -1) {
-        properties_.SetInteger("Handle", handle_);
-    }
+    properties_.SetInteger("Handle", handle_);
     return properties_.Get(key);
 }
 void CSignal::SetProperty(const char* key, const char* value) noexcept {
