@@ -1,6 +1,7 @@
 #include <algorithm>
+#include <map>
 #include <memory>
-#include <unordered_map>
+#include <utility>
 
 #include "cli/command.h"
 #include "cli/json.h"
@@ -26,7 +27,7 @@ struct InfoOptions {
 
 struct SignalFacts {
     std::string name;
-    std::string type;
+    const std::string* type;  // among those of the facts
     std::uint64_t events = 0;
 };
 
@@ -35,18 +36,24 @@ struct Facts {
     std::int64_t first = -1;
     std::int64_t last = -1;
     std::uint64_t events = 0;
+    std::map<std::string, std::string> types;  // in VHDL, by type-description strings
     std::vector<SignalFacts> signals;
     std::vector<std::string> notes;
     std::string problem;  // why the recording could not be read to its end
 };
 
-std::string TypeText(ISignal& signal) {
-    const char* const type = signal.GetTypeInfo();
+std::string TypeText(const char* type) {
     CString text;
-    if (type != nullptr && TypeToVhdl(type, text)) {
-        return host::FromVhdl(text.View());
+    return TypeToVhdl(type, text) ? host::FromVhdl(text.View()) : type;
+}
+
+const std::string* FindType(Facts& facts, ISignal& signal) {
+    const char* const type = signal.GetTypeInfo();
+    const auto [entry, is_new] = facts.types.try_emplace(type != nullptr ? type : "");
+    if (is_new) {
+        entry->second = TypeText(entry->first.c_str());
     }
-    return type != nullptr ? type : "";
+    return &entry->second;
 }
 
 // Returns the handles of the signals' scalars, each once.
@@ -63,32 +70,55 @@ std::vector<int> HandlesOf(const std::vector<host::NamedSignal>& signals) {
     return handles;
 }
 
-// Counts the events of scalars by handle. `selected` says that they are not all scalars of the
-// recording; readers skip the others.
-std::unordered_map<int, std::uint64_t> CountEvents(const host::Recording& recording,
-                                                   const std::vector<int>& handles, bool selected,
-                                                   Facts& facts) {
+// Numbers of events by handle.
+class EventCounts {
+public:
+    explicit EventCounts(std::vector<int> handles)
+        : handles_(std::move(handles)), counts_(handles_.size()) {}
+
+    const std::vector<int>& Handles() const { return handles_; }
+    // Null for a handle that is not counted.
+    std::uint64_t* Find(int handle) {
+        const std::size_t place = PlaceOf(handle);
+        return place < handles_.size() && handles_[place] == handle ? &counts_[place] : nullptr;
+    }
+
+private:
+    // Handles mostly follow one another.
+    std::size_t PlaceOf(int handle) const {
+        const std::int64_t near = handles_.empty() ? 0 : std::int64_t{handle} - handles_.front();
+        if (near >= 0 && near < std::ssize(handles_) &&
+            handles_[static_cast<std::size_t>(near)] == handle) {
+            return static_cast<std::size_t>(near);
+        }
+        const auto place = std::lower_bound(handles_.begin(), handles_.end(), handle);
+        return static_cast<std::size_t>(place - handles_.begin());
+    }
+
+    std::vector<int> handles_;  // ascending
+    std::vector<std::uint64_t> counts_;
+};
+
+// Counts the events of the scalars; `selected` says that they are not all
+// scalars of the recording; readers skip the others.
+void CountEvents(const host::Recording& recording, EventCounts& counts, bool selected,
+                 Facts& facts) {
     stremo::IEventsStreamRead& reader = recording.Reader();
     if (selected) {
-        SelectStreamSignals(reader, handles);
-    }
-    std::unordered_map<int, std::uint64_t> counts;
-    for (const int handle : handles) {
-        counts[handle] = 0;
+        SelectStreamSignals(reader, counts.Handles().data(),
+                            static_cast<int>(counts.Handles().size()));
     }
     const std::int64_t start = 0;
     for (int handle = reader.Seek(&start) ? reader.Next() : -1; handle != -1;
          handle = reader.Next()) {
-        const auto count = counts.find(handle);
-        if (count != counts.end()) {
+        if (std::uint64_t* const count = counts.Find(handle)) {
             facts.last = *reader.GetCurrentTime();
             facts.first = facts.events == 0 ? facts.last : facts.first;
             ++facts.events;
-            ++count->second;
+            ++*count;
         }
     }
     facts.problem = recording.Problem();
-    return counts;
 }
 
 Facts FactsOf(const InfoOptions& options) {
@@ -96,12 +126,14 @@ Facts FactsOf(const InfoOptions& options) {
     const auto selected = SelectNamed(*recording, options.names);
     Facts facts;
     facts.format = recording->Reader().GetFormatName();
-    const auto counts = CountEvents(*recording, HandlesOf(selected), !options.names.empty(), facts);
+    EventCounts counts(HandlesOf(selected));
+    CountEvents(*recording, counts, !options.names.empty(), facts);
+    facts.signals.reserve(selected.size());
     for (const host::NamedSignal& named : selected) {
-        SignalFacts signal{host::CleanText(named.name), TypeText(*named.signal), 0};
+        SignalFacts signal{host::CleanText(named.name), FindType(facts, *named.signal), 0};
         for (ISignal* const leaf : host::LeavesOf(*named.signal)) {
-            const auto count = counts.find(leaf->GetHandle());
-            signal.events += count != counts.end() ? count->second : 0;
+            const std::uint64_t* const count = counts.Find(leaf->GetHandle());
+            signal.events += count != nullptr ? *count : 0;
         }
         facts.signals.push_back(std::move(signal));
     }
@@ -135,7 +167,7 @@ std::string InfoText(const Facts& facts) {
         const std::string count = std::to_string(signal.events);
         out += std::string(digits - count.size(), ' ') + count + "  " + signal.name +
                std::string(std::max<std::size_t>(names, 4) - host::TextWidth(signal.name), ' ') +
-               "  " + host::CleanText(signal.type) + "\n";
+               "  " + host::CleanText(*signal.type) + "\n";
     }
     return out;
 }
@@ -144,7 +176,7 @@ std::string InfoJson(const Facts& facts) {
     Json signals = Json::array();
     for (const SignalFacts& signal : facts.signals) {
         signals.push_back(
-            {{"name", signal.name}, {"type", signal.type}, {"events", signal.events}});
+            {{"name", signal.name}, {"type", *signal.type}, {"events", signal.events}});
     }
     Json first = nullptr;
     Json last = nullptr;

@@ -100,6 +100,7 @@ std::vector<host::NamedSignal> SelectNamed(const host::Recording& recording,
                                            const std::vector<std::string>& patterns) {
     std::vector<host::NamedSignal> selected;
     if (patterns.empty()) {
+        selected.reserve(static_cast<std::size_t>(recording.Signals().GetCount()));
         ISignal* signal = nullptr;
         for (std::uint32_t i = 0; SUCCEEDED(recording.Signals().GetAt(i, &signal)); ++i) {
             const char* const name = signal->GetName();

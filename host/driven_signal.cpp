@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <new>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -174,8 +175,11 @@ DrivenSignal::DrivenSignal(const Trace& recorded, std::int64_t start, Shape shap
                    type) {
     const std::vector<ISignal*> leaves = LeavesOf(*signal_);
     const auto drive = Driver([&](std::size_t leaf, std::int64_t time, const Bytes& value) {
-        leaves[leaf]->GetWave()->AddEvent(time, 0, value.data(),
-                                          static_cast<std::uint32_t>(value.size()));
+        ISignalWave* const wave = leaves[leaf]->GetWave();
+        if (wave == nullptr) {
+            throw std::bad_alloc();
+        }
+        wave->AddEvent(time, 0, value.data(), static_cast<std::uint32_t>(value.size()));
     });
     if (recorded.before) {
         // the value before the window has to be an event for the wave to know it

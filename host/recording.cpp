@@ -55,6 +55,9 @@ public:
 private:
     void AddLeaf(ISignal& leaf) {
         ISignalWave* const wave = leaf.GetWave();
+        if (wave == nullptr && leaf.GetWaveValueSize() != 0) {
+            throw std::bad_alloc();
+        }
         const int handle = leaf.GetHandle();
         const auto [first, last] = waves_.equal_range(handle);
         const bool known =

@@ -2,11 +2,21 @@
 
 #include <bit>
 
+#include "containers/signal_container.h"
 #include "corv/signals/signal.h"
 #include "platform/guard.h"
 #include "signals/signal.h"
 
 namespace corv::containers {
+namespace {
+
+// Own signals make their waves when they are asked for, which registering them is no reason for.
+bool HasWave(ISignal& signal) noexcept {
+    const CSignal* const own = CSignal::FromOwn(signal);
+    return own != nullptr ? own->HasWave() : signal.GetWave() != nullptr;
+}
+
+}  // namespace
 
 int CORV_CALL HandleManager::GetFirstHandle() noexcept {
     next_handle_ = std::numeric_limits<int>::min();
@@ -49,11 +59,14 @@ ISignal* CORV_CALL HandleManager::GetNextSignal() noexcept {
 
 HRESULT CORV_CALL HandleManager::AddSignal(ISignal* signal) noexcept {
     const int handle = signal != nullptr ? signal->GetHandle() : -1;
-    if (handle == -1 || signal->GetWave() == nullptr) {
+    if (handle == -1 || !HasWave(*signal)) {
         return E_INVALIDARG;
     }
     if (FindListing(*signal, handle) != nullptr) {
         return S_OK;
+    }
+    if (!IsMade(handle)) {
+        return E_OUTOFMEMORY;
     }
     return platform::Done([&] { List(*signal, handle); }) ? S_OK : E_OUTOFMEMORY;
 }
@@ -70,6 +83,11 @@ HRESULT CORV_CALL HandleManager::RemoveSignal(ISignal* signal) noexcept {
 }
 
 HRESULT CORV_CALL HandleManager::RemoveHandle(int handle) noexcept {
+    Page* const page = FindPage(handle);
+    if (page != nullptr && page->IsLate(handle)) {
+        Free(*page, handle);
+        return S_OK;
+    }
     HRESULT result = E_FAIL;
     Place first{handle, 0};
     while (ISignal* const signal = FindFrom(first)) {
@@ -84,9 +102,11 @@ HRESULT CORV_CALL HandleManager::RemoveHandle(int handle) noexcept {
 void CORV_CALL HandleManager::RemoveAll() noexcept {
     strangers_.clear();
     for (auto& [number, page] : pages_) {
-        for (ISignal* const signal : page.signals) {
-            if (signal != nullptr) {
-                static_cast<CSignal*>(signal)->Listed().Forget(*this);
+        for (int i = 0; i < kPageSize; ++i) {
+            if (page.IsLate(i)) {
+                page.EntryOf(i).late->ForgetLate();
+            } else if (page.At(i) != nullptr) {
+                static_cast<CSignal*>(page.At(i))->Listed().Forget(*this);
             }
         }
     }
@@ -115,9 +135,19 @@ void HandleManager::Drop(const tree::Listing& listing) noexcept {
             return;
         }
     }
+    Free(page, handle);
+}
+
+void HandleManager::Free(Page& page, int handle) noexcept {
     page.At(handle) = nullptr;
     page.used &= ~BitOf(handle);
+    page.late &= ~BitOf(handle);
     EndPage(handle);
+}
+
+HandleManager::Page& HandleManager::PageFor(int handle) {
+    Page* const page = FindPage(handle);
+    return page != nullptr ? *page : pages_.try_emplace(pages_.end(), handle >> kPageBits)->second;
 }
 
 HandleManager::Page* HandleManager::FindPage(int handle) noexcept {
@@ -134,7 +164,7 @@ HandleManager::Page* HandleManager::FindPage(int handle) noexcept {
 
 ISignal* HandleManager::FindFrom(Place& place) noexcept {
     Page* const page = FindPage(place.first);
-    if (page == nullptr || (page->used & BitOf(place.first)) == 0) {
+    if (page == nullptr || (page->used & BitOf(place.first)) == 0 || !IsMade(place.first)) {
         return nullptr;
     }
     if (ISignal* const only = page->At(place.first)) {
@@ -183,7 +213,7 @@ void HandleManager::List(ISignal& signal, int handle) {
 
 void HandleManager::Enter(ISignal& signal, const tree::Listing& listing) {
     const int handle = listing.handle;
-    Page& page = pages_[handle >> kPageBits];
+    Page& page = PageFor(handle);
     if ((page.used & BitOf(handle)) == 0) {
         page.At(handle) = &signal;
         page.used |= BitOf(handle);
@@ -194,6 +224,60 @@ void HandleManager::Enter(ISignal& signal, const tree::Listing& listing) {
         page.At(handle) = nullptr;
     }
     crowded_.emplace(Place{handle, listing.number}, &signal);
+}
+
+bool HandleManager::ListLate(SignalContainer& container, int handle) noexcept {
+    const Page* const there = FindPage(handle);
+    if ((there != nullptr && (there->used & BitOf(handle)) != 0) ||
+        !platform::Done([&] { PageFor(handle); })) {
+        return false;
+    }
+    Page& page = *FindPage(handle);
+    page.EntryOf(handle).late = &container;
+    page.used |= BitOf(handle);
+    page.late |= BitOf(handle);
+    return true;
+}
+
+bool HandleManager::MakeEntryLate(CSignal& signal, SignalContainer& container) noexcept {
+    const int handle = signal.GetHandle();
+    Page* const page = FindPage(handle);
+    if (page == nullptr || page->IsLate(handle) || page->At(handle) != &signal) {
+        return false;
+    }
+    Unlist(signal, handle);
+    page->EntryOf(handle).late = &container;
+    page->late |= BitOf(handle);
+    return true;
+}
+
+void HandleManager::EndLate(const SignalContainer& container, ISignal& member) noexcept {
+    const int handle = member.GetHandle();
+    if (IsLateIn(container, handle)) {
+        Page& page = *FindPage(handle);
+        page.late &= ~BitOf(handle);
+        page.At(handle) = &member;
+        // the first entry of a signal takes no memory
+        static_cast<CSignal&>(member).Listed().Add({this, handle, ++last_number_});
+    }
+}
+
+void HandleManager::DropLate(const SignalContainer& container, int handle, int count) noexcept {
+    for (int i = 0; i < count; ++i) {
+        if (IsLateIn(container, handle + i)) {
+            Free(*FindPage(handle + i), handle + i);
+        }
+    }
+}
+
+bool HandleManager::IsLateIn(const SignalContainer& container, int handle) noexcept {
+    Page* const page = FindPage(handle);
+    return page != nullptr && page->IsLate(handle) && page->EntryOf(handle).late == &container;
+}
+
+bool HandleManager::IsMade(int handle) noexcept {
+    Page* const page = FindPage(handle);
+    return page == nullptr || !page->IsLate(handle) || page->EntryOf(handle).late->IsMade();
 }
 
 void HandleManager::Unlist(ISignal& signal, int handle) noexcept {

@@ -12,11 +12,17 @@
 #include "frame/com_object.h"
 #include "tree/listings.h"
 
+class CSignal;
+
 namespace corv::containers {
+
+class SignalContainer;
 
 // The only signal of a handle stands in a page of neighbouring handles. A handle that gets a second
 // one is crowded, until it has none: its signals stand in one map with those of the other crowded
 // handles, by handle and within a handle by the number that each gets when it is listed.
+//
+// A container that has members still to make stands in place of each of them.
 //
 // Each signal knows where it is listed, so that none outlives itself here; for signals that others
 // have made, which don't, the manager keeps that.
@@ -40,18 +46,38 @@ public:
 
     // Removes a signal from the lists of all handles.
     void Forget(ISignal& signal) noexcept;
+    // Lists a member that a container is still to make, under a handle that nothing has yet: it is
+    // made when the handle's signals are asked for or another signal gets the handle. False, with
+    // nothing changed, when the handle is in use and without memory.
+    bool ListLate(SignalContainer& container, int handle) noexcept;
+    // The same in place of a signal that is listed alone under its handle.
+    bool MakeEntryLate(CSignal& signal, SignalContainer& container) noexcept;
+    // A member has been made.
+    void EndLate(const SignalContainer& container, ISignal& member) noexcept;
+    // The members will not be made, or no longer be listed.
+    void DropLate(const SignalContainer& container, int handle, int count) noexcept;
+
     void Drop(const tree::Listing& listing) noexcept override;
 
 private:
     static constexpr int kPageBits = 5;
     static constexpr int kPageSize = 1 << kPageBits;
     // Neighbouring handles of which one at least is in use.
+    union Entry {
+        ISignal* signal;  // null for a handle that is crowded or unused
+        SignalContainer* late;
+    };
     struct Page {
-        ISignal*& At(int handle) noexcept {
-            return signals[static_cast<std::size_t>(handle) % kPageSize];
+        Entry& EntryOf(int handle) noexcept {
+            return entries[static_cast<std::size_t>(handle) % kPageSize];
         }
-        std::array<ISignal*, kPageSize> signals{};  // null for a handle that is crowded or unused
-        std::uint32_t used = 0;                     // a bit for each handle
+        // Of a handle whose signal is made.
+        ISignal*& At(int handle) noexcept { return EntryOf(handle).signal; }
+        bool IsLate(int handle) const noexcept { return (late & BitOf(handle)) != 0; }
+
+        std::array<Entry, kPageSize> entries{};
+        std::uint32_t used = 0;  // a bit for each handle
+        std::uint32_t late = 0;  // the same: the signal is one that a container is still to make
     };
     // Ordered by handle, then by number; numbers rise from 1 and never come again.
     using Place = std::pair<int, std::uint64_t>;
@@ -62,8 +88,14 @@ private:
     static std::uint32_t BitOf(int handle) noexcept {
         return std::uint32_t{1} << (static_cast<std::uint32_t>(handle) % kPageSize);
     }
+    // Whether the signals of a handle are made, if need be now. False without memory.
+    bool IsMade(int handle) noexcept;
+    bool IsLateIn(const SignalContainer& container, int handle) noexcept;
+    void Free(Page& page, int handle) noexcept;
+
     // Null when none of its handles is in use.
     Page* FindPage(int handle) noexcept;
+    Page& PageFor(int handle);
     // The entry of the place or the next of that handle, to which the place is moved; null: none.
     ISignal* FindFrom(Place& place) noexcept;
     // Null when the signal has none.

@@ -36,7 +36,10 @@ HRESULT CORV_CALL SignalContainer::Insert(ISignal* signal, ISignal* before) noex
 }
 
 HRESULT CORV_CALL SignalContainer::Add(ISignal* signal) noexcept {
-    return signal != nullptr ? Put(signals_.size(), *signal) : E_INVALIDARG;
+    if (signal == nullptr) {
+        return E_INVALIDARG;
+    }
+    return IsMade() ? Put(signals_.size(), *signal) : E_OUTOFMEMORY;
 }
 
 HRESULT CORV_CALL SignalContainer::Remove(ISignal* signal) noexcept {
@@ -87,10 +90,13 @@ void CORV_CALL SignalContainer::RemoveAll() noexcept {
 }
 
 HRESULT CORV_CALL SignalContainer::EnumSignals(ISignalEnumerator** enumerator) noexcept {
-    return frame::CreateComObject<SignalEnumerator>(enumerator, *this);
+    return IsMade() ? frame::CreateComObject<SignalEnumerator>(enumerator, *this) : E_OUTOFMEMORY;
 }
 
 HRESULT CORV_CALL SignalContainer::GetAt(std::uint32_t index, ISignal** signal) noexcept {
+    if (late_ && index < static_cast<std::uint32_t>(late_->count) && !MakeMembers()) {
+        return E_OUTOFMEMORY;
+    }
     if (index >= signals_.size()) {
         return E_INVALIDARG;
     }
@@ -127,6 +133,8 @@ void SignalContainer::TakeOut(std::size_t place) noexcept {
 }
 
 void SignalContainer::Clear() noexcept {
+    LeaveLate(nullptr);
+    late_ = nullptr;
     names_ = nullptr;
     const SignalList released = std::exchange(signals_, {});
     for (ISignal* const signal : released) {
@@ -153,15 +161,25 @@ void SignalContainer::Unregister(ISignal& signal) noexcept {
     if (!manager_) {
         return;
     }
+    HandleManager* const own = HandleManager::FromOwn(*manager_);
     const auto forget = [&](ISignal& left) {
-        if (HandleManager* const own = HandleManager::FromOwn(*manager_)) {
+        if (own != nullptr) {
             own->Forget(left);
         } else if (left.GetHandle() != -1) {
             manager_->RemoveSignal(&left);
         }
         return true;
     };
-    tree::LeafWalk().Visit(signal, forget, forget);
+    const auto enter = [&](ISignal& composite) {
+        forget(composite);
+        SignalContainer* const members = FromOwn(*composite.GetSubSignals());
+        const bool is_late = members != nullptr && members->IsLate();
+        if (is_late && own != nullptr) {
+            members->LeaveLate(own);
+        }
+        return !is_late || own == nullptr;
+    };
+    tree::LeafWalk().Visit(signal, enter, forget);
 }
 
 void SignalContainer::NoteJoined(ISignal& signal) noexcept {

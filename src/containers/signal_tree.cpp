@@ -78,7 +78,7 @@ HRESULT CORV_CALL SignalContainer::AssignHandles(const char* path, const int* ha
     }
     std::span<const int> left(handles, static_cast<std::size_t>(count));
     tree::LeafWalk().Visit(
-        *found, [](ISignal&) {},
+        *found, [](ISignal&) { return true; },
         [&](ISignal& leaf) {
             AssignHandle(leaf, left.front(), manager_.get());
             left = left.subspan(1);
@@ -91,6 +91,9 @@ HRESULT CORV_CALL SignalContainer::FindSignal(const char* path, ISignal** signal
     const tree::Level level(tree::Running().find_depth);
     if (path == nullptr || !level.IsAllowed()) {
         return E_FAIL;
+    }
+    if (!IsMade()) {
+        return E_OUTOFMEMORY;
     }
     const SplitPath parts(path);
     ISignal* const found = FindNamed(parts.component);

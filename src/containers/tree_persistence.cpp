@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "containers/signal_container.h"
+#include "containers/signal_info.h"
 #include "corv/platform/cstring.h"
 #include "corv/signals/signal.h"
 #include "corv/stremo/events_stream_read.h"
@@ -25,31 +26,16 @@ namespace {
 
 constexpr std::size_t kMostSaved = std::numeric_limits<std::uint16_t>::max();
 
-// What a recording says of a signal.
-struct SignalInfo {
-    SignalInfo(IEventsStreamRead& reader, int handle) {
-        bool has_members = false;
-        reader.GetSignalInfo(handle, has_members, member_count, name, mode, max_time);
-        member_count = has_members ? member_count : 0;
-        type = reader.GetTypeString(handle);
-    }
-
-    int member_count = 0;
-    CString name;
-    int mode = 0;
-    std::int64_t max_time = 0;
-    const char* type;  // null: none
-};
-
 bool IsText(const char* text, const char* wanted) noexcept {
     return text != nullptr && std::strcmp(text, wanted) == 0;
 }
 
 // False when it could not be stored.
 bool Store(ISignal& signal, const char* key, const char* value) noexcept {
-    if (!IsText(signal.GetProperty(key), value)) {
-        signal.SetProperty(key, value);
+    if (IsText(signal.GetProperty(key), value)) {
+        return true;
     }
+    signal.SetProperty(key, value);
     return IsText(signal.GetProperty(key), value);
 }
 
@@ -74,6 +60,9 @@ HRESULT CORV_CALL SignalContainer::Save(IByteStream* stream) noexcept {
     const tree::Level level(tree::Running().save_depth);
     if (stream == nullptr || !level.IsAllowed()) {
         return E_FAIL;
+    }
+    if (!IsMade()) {
+        return E_OUTOFMEMORY;
     }
     const HRESULT checked = is_outermost ? SaveSignals(tree::SaveCheck::Get()) : S_OK;
     return SUCCEEDED(checked) ? SaveSignals(*stream) : checked;
@@ -163,13 +152,19 @@ HRESULT SignalContainer::LoadAll(signals::ReaderLoad& load, IEventsStreamRead& r
 
 HRESULT CORV_CALL SignalContainer::CreateFromReader(IEventsStreamRead* reader, ISignal* parent,
                                                     int index, ISignal** signal) noexcept {
-    *signal = nullptr;
+    ISignal* unnamed = nullptr;
+    ISignal** const made = signal != nullptr ? signal : &unnamed;
+    *made = nullptr;
     if (reader == nullptr) {
         return E_FAIL;
     }
+    const bool may_be_late = signal == nullptr && parent != nullptr;
+    if (may_be_late && platform::Guarded(false, [&] { return AddLate(*reader, *parent, index); })) {
+        return S_OK;
+    }
     const auto load_in = [&](signals::ReaderLoad& load) {
         return platform::Guarded(E_FAIL,
-                                 [&] { return LoadOne(load, *reader, parent, index, signal); });
+                                 [&] { return LoadOne(load, *reader, parent, index, made); });
     };
     signals::ReaderLoad* const running = tree::Running().reader_load;
     if (running != nullptr && running->IsOf(*reader)) {
@@ -210,7 +205,7 @@ HRESULT SignalContainer::LoadOne(signals::ReaderLoad& load, IEventsStreamRead& r
 }
 
 HRESULT CORV_CALL SignalContainer::WriteToWriter(IEventsStreamWrite* writer) noexcept {
-    if (writer == nullptr) {
+    if (writer == nullptr || !IsMade()) {
         return E_FAIL;
     }
     const std::size_t count = writer->IsReady() ? signals_.size() : 0;

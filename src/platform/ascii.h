@@ -28,6 +28,13 @@ constexpr bool EqualNoCase(std::string_view a, std::string_view b) noexcept {
                                               [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
+// As the C library orders texts without regard to case: byte by byte, letters as lower-case ones.
+constexpr bool IsBeforeNoCase(std::string_view a, std::string_view b) noexcept {
+    const auto lower = [](char c) { return static_cast<unsigned char>(Lower(c)); };
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                        [&](char x, char y) { return lower(x) < lower(y); });
+}
+
 // Returns the first position of a word in a text of any case, npos if absent. The word must be in
 // lower case and begin with a character that has no case, which std::string_view::find can look
 // for.

@@ -47,6 +47,8 @@ HRESULT CBusEventIterator::Collect(ISignalContainer& members, int depth) {
             result = AddLeaf(*member);
         } else if (ISignalContainer* const parts = member->GetSubSignals()) {
             result = Collect(*parts, depth + 1);
+        } else if (member->GetWaveValueSize() != 0) {
+            return E_FAIL;  // it can't be made now
         }
         if (FAILED(result)) {
             return result;

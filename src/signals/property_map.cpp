@@ -13,12 +13,7 @@
 
 namespace {
 
-// As the C library compares without regard to case: byte by byte, letters as lower-case ones.
-bool IsBefore(std::string_view a, std::string_view b) noexcept {
-    const auto lower = [](char c) { return static_cast<unsigned char>(corv::platform::Lower(c)); };
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [&](char x, char y) { return lower(x) < lower(y); });
-}
+using corv::platform::IsBeforeNoCase;
 
 std::string_view ViewOf(const char* text) noexcept {
     return text != nullptr ? std::string_view(text) : std::string_view();
@@ -144,9 +139,9 @@ std::uint32_t CPropertyMap::PlaceOf(std::string_view key) const noexcept {
         return 0;
     }
     Entry** const entries = table_->Entries();
-    Entry** const place =
-        std::partition_point(entries, entries + table_->count,
-                             [&](const Entry* entry) { return IsBefore(entry->KeyView(), key); });
+    Entry** const place = std::partition_point(
+        entries, entries + table_->count,
+        [&](const Entry* entry) { return IsBeforeNoCase(entry->KeyView(), key); });
     return static_cast<std::uint32_t>(place - entries);
 }
 
@@ -165,7 +160,7 @@ std::uint32_t CPropertyMap::PlaceToSet(std::string_view key) const noexcept {
         return after_last_;
     }
     const std::uint32_t count = Count();
-    const bool is_last = count > 0 && IsBefore(At(count - 1).KeyView(), key);
+    const bool is_last = count > 0 && IsBeforeNoCase(At(count - 1).KeyView(), key);
     return is_last ? count : PlaceOf(key);
 }
 

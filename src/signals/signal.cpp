@@ -13,6 +13,7 @@
 #include "util/fields.h"
 
 using corv::frame::ComPtr;
+using corv::platform::EqualNoCase;
 
 namespace {
 
@@ -38,16 +39,23 @@ int CSignal::IntegerProperty(const char* key, int without) const noexcept {
 }
 
 const char* CSignal::GetName() noexcept {
-    return properties_.Get("Name");
+    const char* const name = name_.Get();
+    return name != nullptr ? name : properties_.Get("Name");
 }
 void CSignal::SetName(const char* name) noexcept {
-    properties_.Set("Name", name);
-    NoteNewName();
+    StoreName("Name", name);
 }
-void CSignal::NoteNewName() const noexcept {
+
+// A name whose key is spelt otherwise stands in the map, which keeps the spelling.
+bool CSignal::StoreName(const char* key, const char* name) noexcept {
+    const bool is_apart = name_.Get() != nullptr ||
+                          (std::strcmp(key, "Name") == 0 && properties_.Get("Name") == nullptr);
+    const bool is_stored =
+        is_apart ? name_.Set(name != nullptr ? name : "") : properties_.Set(key, name);
     if (is_name_watched_) {
         corv::tree::CountRenaming();
     }
+    return is_stored;
 }
 
 const char* CSignal::GetTypeInfo() noexcept {
@@ -67,14 +75,14 @@ void CSignal::SetMode(int mode) noexcept {
     properties_.SetInteger("Mode", mode);
 }
 
+// The property stands in the map when something else has put it there; else it is written when it
+// is asked for.
 void CSignal::SetHandle(int handle) noexcept {
     handle_ = handle;
+    int stored = 0;
     if (handle == -1) {
         properties_.Erase("Handle");
-        return;
-    }
-    int stored = 0;
-    if (!properties_.GetInteger("Handle", stored) || stored != handle) {
+    } else if (properties_.GetInteger("Handle", stored) && stored != handle) {
         properties_.SetInteger("Handle", handle);
     }
 }
@@ -109,16 +117,30 @@ int CSignal::GetDisplayRadix() noexcept {
 }
 
 const char* CSignal::GetProperty(const char* key) noexcept {
+    if (key != nullptr && EqualNoCase(key, "Name")) {
+        return GetName();
+    }
+    const char* const value = properties_.Get(key);
+    if (value != nullptr || key == nullptr || handle_ == -1 || !EqualNoCase(key, "Handle")) {
+        return value;
+    }
+    properties_.SetInteger("Handle", handle_);
     return properties_.Get(key);
 }
 void CSignal::SetProperty(const char* key, const char* value) noexcept {
-    properties_.Set(key, value);
+    StoreProperty(key, value);
     if (key != nullptr && std::strcmp(key, "Handle") == 0) {
         handle_ = IntegerProperty("Handle", handle_);
     }
-    if (key != nullptr && corv::platform::EqualNoCase(key, "Name")) {
-        NoteNewName();
+}
+bool CSignal::StoreProperty(const char* key, const char* value) noexcept {
+    if (key != nullptr && EqualNoCase(key, "Name")) {
+        return StoreName(key, value);
     }
+    if (key != nullptr && EqualNoCase(key, "Handle")) {
+        GetProperty(key);  // its first spelling stays
+    }
+    return properties_.Set(key, value);
 }
 
 std::int64_t CSignal::GetMaxTime() noexcept {
@@ -172,11 +194,12 @@ HRESULT CSignal::GetTypeName(char* buffer, std::uint32_t size) noexcept {
 }
 
 HRESULT CSignal::SetWave(ISignalWave* wave) noexcept {
-    if (members_ || !wave_) {
+    if (members_ || !HasWave()) {
         return E_FAIL;
     }
     if (wave != nullptr) {
         wave_ = ComPtr<ISignalWave>::Share(wave);
+        late_wave_size_ = 0;
         external_wave_ = true;
         return S_OK;
     }
@@ -205,7 +228,10 @@ HRESULT CSignal::EnumSubSignals(ISignalEnumerator** enumerator) noexcept {
     return members_ ? members_->EnumSignals(enumerator) : E_FAIL;
 }
 HRESULT CSignal::EnumEvents(IWaveEventEnumerator** enumerator) noexcept {
-    return wave_ ? wave_->CreateEnumerator(enumerator) : E_FAIL;
+    ISignalWave* const wave = GetWave();
+    return wave != nullptr ? wave->CreateEnumerator(enumerator)
+           : HasWave()     ? E_OUTOFMEMORY
+                           : E_FAIL;
 }
 HRESULT CSignal::GetBusEventIterator(IBusEventIterator** iterator) noexcept {
     return members_ ? CreateBusEventIterator(this, iterator) : E_FAIL;

@@ -8,6 +8,7 @@
 #include "corv/signals/signal.h"
 #include "corv/typeinfo/type_info.h"
 #include "frame/com_object.h"
+#include "signals/short_text.h"
 #include "signals/type_cache.h"
 #include "tree/listings.h"
 
@@ -23,6 +24,10 @@ class MemberBuilder;
 //
 // Once a type has been applied a signal has a wave or members, never both. The parent is not
 // counted; the members' container holds the references to the members.
+//
+// A design has millions of signals that are never looked at, and so a signal makes late what it
+// can: its own wave when that is asked for. What differs from signal to signal, the name and the
+// handle, stands beside the map of properties, so that the maps of many signals are one.
 class CSignal final : public corv::frame::ComObject<CSignal, ISignal, IID_ISignal> {
 public:
     explicit CSignal(ISignal* parent) noexcept : parent_(parent) {}
@@ -35,7 +40,7 @@ public:
     int CORV_CALL GetStdLogicClass() noexcept override { return std_logic_class_; }
     HRESULT CORV_CALL GetTypeName(char* buffer, std::uint32_t size) noexcept override;
     std::uint32_t CORV_CALL GetWaveValueSize() noexcept override {
-        return wave_ ? wave_->GetValueSize() : 0;
+        return wave_ ? wave_->GetValueSize() : late_wave_size_;
     }
     int CORV_CALL GetMode() noexcept override;
     void CORV_CALL SetMode(int mode) noexcept override;
@@ -65,7 +70,9 @@ public:
     bool CORV_CALL GetSpareFlag() noexcept override { return spare_flag_; }
     ISignal* CORV_CALL GetParent() noexcept override { return parent_; }
     ISignalContainer* CORV_CALL GetSubSignals() noexcept override { return members_.get(); }
-    ISignalWave* CORV_CALL GetWave() noexcept override { return wave_.get(); }
+    ISignalWave* CORV_CALL GetWave() noexcept override {
+        return wave_ ? wave_.get() : MakeLateWave();
+    }
     HRESULT CORV_CALL EnumSubSignals(ISignalEnumerator** enumerator) noexcept override;
     HRESULT CORV_CALL EnumEvents(IWaveEventEnumerator** enumerator) noexcept override;
     HRESULT CORV_CALL GetBusEventIterator(IBusEventIterator** iterator) noexcept override;
@@ -85,6 +92,16 @@ public:
     // E_OUTOFMEMORY.
     HRESULT ApplyTypeOf(const CSignal& scalar) noexcept;
 
+    // Makes a new signal like another one without members, but for its name and handle. False
+    // without memory for the name.
+    bool BecomeLike(const CSignal& other, const char* name, int handle) noexcept;
+
+    // Whether the signal has a wave that is still to be made.
+    bool HasLateWave() const noexcept { return late_wave_size_ != 0; }
+    // Whether the signal has a wave, also one that is still to be made.
+    bool HasWave() const noexcept { return wave_ || late_wave_size_ != 0; }
+
+    // All properties but the name and the handle.
     const CPropertyMap& Properties() const noexcept { return properties_; }
     // Gives a new signal the properties of another one, which are the same until either changes.
     void ShareProperties(const CPropertyMap& properties) noexcept { properties_ = properties; }
@@ -101,28 +118,44 @@ public:
     bool HasQuotedTexts() const noexcept { return value_text_flag_; }
 
 private:
-    void NoteNewName() const noexcept;
-
     friend class corv::signals::MemberBuilder;
 
     int IntegerProperty(const char* key, int without) const noexcept;
+    // The operations of the map for any key. False when memory runs out.
+    bool StoreProperty(const char* key, const char* value) noexcept;
+    bool StoreName(const char* key, const char* name) noexcept;
+    // Calls an action with each property, in order, until it gives false; gives whether none did.
+    template <class Action>
+    bool ForEachProperty(const Action& action) const noexcept;
+    bool HasHandleApart() const noexcept;
+    std::size_t CountProperties() const noexcept;
+    bool CanBeLoaded() const noexcept;
+    bool WriteProperties(IByteStream& stream) const noexcept;
+    HRESULT ReadProperties(IByteStream& stream) noexcept;
+
     // Gives the signal a type, with the wave or members that it makes. E_FAIL or E_OUTOFMEMORY,
     // with nothing changed, when they can't be made.
     HRESULT ApplyType(const corv::signals::TypePtr& type) noexcept;
-    // A wave for values of a scalar type, none when the signal's own serves on.
-    bool MakeWave(const KTypeInfo& type, corv::frame::ComPtr<ISignalWave>& wave) noexcept;
+    // Lets the signal have a wave for values of a scalar type; its own serves on when it has their
+    // size. False when there are no such waves.
+    bool PlanWave(const KTypeInfo& type) noexcept;
+    // Null for a signal without a wave and when memory runs out.
+    ISignalWave* MakeLateWave() noexcept;
+    void DropWave() noexcept;
     // Stores a type with what follows from its name.
     void SetType(const corv::signals::TypePtr& type) noexcept;
     // What loading does once the properties and members have been read.
     HRESULT FinishLoading(ISignalContainer& owner, ISignal* parent) noexcept;
-    // Takes the wave of the first signal that its handle manager lists under its handle.
-    void ShareWave(ISignalContainer& owner) noexcept;
+    // The wave of the first signal that the owner's handle manager lists under the handle, null
+    // when there is no such signal. E_OUTOFMEMORY.
+    HRESULT FindSharedWave(ISignalContainer& owner,
+                           corv::frame::ComPtr<ISignalWave>& wave) const noexcept;
     void TakeMembers(corv::frame::ComPtr<ISignalContainer> members) noexcept;
     void StoreFormula(const char* formula, int type, int strength) noexcept;
 
     corv::signals::TypePtr type_;
     bool external_wave_ = false;
-    int std_logic_class_ = 0;
+    std::int8_t std_logic_class_ = 0;
     bool value_text_flag_ = false;
     bool spare_flag_ = false;
     CPropertyMap properties_;
@@ -130,7 +163,11 @@ private:
     int handle_ = -1;
     ISignal* parent_;
     corv::frame::ComPtr<ISignalContainer> members_;
+    corv::signals::ShortText name_;    // unless the map has it
+    std::uint8_t late_wave_size_ = 0;  // of the values in the wave that is still to be made
     bool is_name_watched_ = false;
     bool is_descending_ = false;  // an operation is being passed on to the members
     corv::tree::Listings listings_;
 };
+
+static_assert(sizeof(CSignal) <= 17 * sizeof(void*));

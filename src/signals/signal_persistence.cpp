@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -11,6 +12,7 @@
 #include "corv/signals/byte_stream.h"
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
+#include "platform/ascii.h"
 #include "signals/loads.h"
 #include "signals/signal.h"
 #include "signals/value_text.h"
@@ -31,19 +33,6 @@ using Limits16 = std::numeric_limits<std::uint16_t>;
 constexpr std::size_t kLongestKey = 127;
 constexpr std::size_t kLongestValue = corv::signals::kTextBufferSize - 1;
 
-// Calls an action with each entry, in order, until it gives false; gives whether none did.
-template <class Action>
-bool ForEachEntry(const CPropertyMap& properties, Action action) {
-    const char* key = nullptr;
-    const char* value = nullptr;
-    bool good = true;
-    for (bool more = properties.GetFirst(key, value); more && good;
-         more = properties.GetNext(key, value)) {
-        good = action(std::string_view(key), std::string_view(value));
-    }
-    return good;
-}
-
 // All parts of the entry are written, also after one that fails.
 bool WriteEntry(IByteStream& stream, std::string_view key, std::string_view value) {
     bool good = true;
@@ -55,24 +44,6 @@ bool WriteEntry(IByteStream& stream, std::string_view key, std::string_view valu
     return good;
 }
 
-bool CanBeLoaded(const CPropertyMap& properties) {
-    return static_cast<std::size_t>(properties.GetCount()) <= Limits16::max() &&
-           ForEachEntry(properties, [](std::string_view key, std::string_view value) {
-               return key.size() <= kLongestKey && value.size() <= kLongestValue;
-           });
-}
-
-// What is written has been checked.
-bool WriteProperties(IByteStream& stream, const CPropertyMap& properties) {
-    if (&stream == &corv::tree::SaveCheck::Get()) {
-        return CanBeLoaded(properties);
-    }
-    return SUCCEEDED(WriteNumber(stream, static_cast<std::size_t>(properties.GetCount()))) &&
-           ForEachEntry(properties, [&](std::string_view key, std::string_view value) {
-               return WriteEntry(stream, key, value);
-           });
-}
-
 // A text and its terminating zero; false when it can't be read or is too long for the buffer.
 bool ReadText(IByteStream& stream, char* buffer, std::size_t longest) {
     std::size_t length = 0;
@@ -82,20 +53,6 @@ bool ReadText(IByteStream& stream, char* buffer, std::size_t longest) {
     }
     buffer[length] = '\0';
     return true;
-}
-
-HRESULT ReadProperties(IByteStream& stream, CPropertyMap& properties) {
-    std::array<char, kLongestKey + 1> key;
-    char* const value = corv::signals::SharedValueTexts().text.data();
-    std::size_t count = 0;
-    bool good = SUCCEEDED(ReadNumber(stream, count));
-    for (std::size_t i = 0; good && i < count; ++i) {
-        good = ReadText(stream, key.data(), kLongestKey) && ReadText(stream, value, kLongestValue);
-        if (good && !properties.Set(key.data(), value)) {
-            return E_OUTOFMEMORY;
-        }
-    }
-    return good ? S_OK : E_FAIL;
 }
 
 // An empty container for the members of a signal that is loaded: it has its owner's handle manager.
@@ -117,22 +74,92 @@ bool WriteStreamProperties(IEventsStreamWrite& writer, int handle, const CProper
 
 }  // namespace
 
+// The name and the handle stand beside the map, or in it.
+template <class Action>
+bool CSignal::ForEachProperty(const Action& action) const noexcept {
+    std::array<char, std::numeric_limits<int>::digits10 + 3> handle{};
+    std::to_chars(handle.data(), handle.data() + handle.size() - 1, handle_);
+    struct Apart {
+        const char* key;
+        const char* value;  // null: there is none
+    };
+    const std::array<Apart, 2> apart{
+        {{"Handle", HasHandleApart() ? handle.data() : nullptr}, {"Name", name_.Get()}}};
+    auto next = apart.begin();
+    const auto act_before = [&](const char* end) {
+        bool good = true;
+        for (; good && next != apart.end() &&
+               (end == nullptr || corv::platform::IsBeforeNoCase(next->key, end));
+             ++next) {
+            good = next->value == nullptr || action(next->key, next->value);
+        }
+        return good;
+    };
+    const char* key = nullptr;
+    const char* value = nullptr;
+    bool good = true;
+    for (bool more = properties_.GetFirst(key, value); more && good;
+         more = properties_.GetNext(key, value)) {
+        good = act_before(key) && action(key, value);
+    }
+    return good && act_before(nullptr);
+}
+
+bool CSignal::HasHandleApart() const noexcept {
+    return handle_ != -1 && properties_.Get("Handle") == nullptr;
+}
+
+std::size_t CSignal::CountProperties() const noexcept {
+    return static_cast<std::size_t>(properties_.GetCount()) + (HasHandleApart() ? 1 : 0) +
+           (name_.Get() != nullptr ? 1 : 0);
+}
+
+bool CSignal::CanBeLoaded() const noexcept {
+    return CountProperties() <= Limits16::max() &&
+           ForEachProperty([](std::string_view key, std::string_view value) {
+               return key.size() <= kLongestKey && value.size() <= kLongestValue;
+           });
+}
+
+// What is written has been checked.
+bool CSignal::WriteProperties(IByteStream& stream) const noexcept {
+    if (&stream == &corv::tree::SaveCheck::Get()) {
+        return CanBeLoaded();
+    }
+    return SUCCEEDED(WriteNumber(stream, CountProperties())) &&
+           ForEachProperty([&](std::string_view key, std::string_view value) {
+               return WriteEntry(stream, key, value);
+           });
+}
+
+HRESULT CSignal::ReadProperties(IByteStream& stream) noexcept {
+    std::array<char, kLongestKey + 1> key;
+    char* const value = corv::signals::SharedValueTexts().text.data();
+    std::size_t count = 0;
+    bool good = SUCCEEDED(ReadNumber(stream, count));
+    for (std::size_t i = 0; good && i < count; ++i) {
+        good = ReadText(stream, key.data(), kLongestKey) && ReadText(stream, value, kLongestValue);
+        if (good && !StoreProperty(key.data(), value)) {
+            return E_OUTOFMEMORY;
+        }
+    }
+    return good ? S_OK : E_FAIL;
+}
+
 HRESULT CSignal::Save(IByteStream* stream) noexcept {
     corv::tree::SaveCheck& check = corv::tree::SaveCheck::Get();
     const bool is_outermost = corv::tree::Running().save_depth == 0 && stream != &check;
     if (is_outermost && FAILED(Save(&check))) {
         return E_FAIL;
     }
-    if (!WriteProperties(*stream, properties_)) {
+    if (!WriteProperties(*stream)) {
         return E_FAIL;
     }
     return members_ ? members_->Save(stream) : WriteNumber(*stream, 0);
 }
 
 HRESULT CSignal::Load(IByteStream* stream, ISignalContainer* owner, ISignal* parent) noexcept {
-    const HRESULT read = ReadProperties(*stream, properties_);
-    NoteNewName();
-    if (FAILED(read)) {
+    if (const HRESULT read = ReadProperties(*stream); FAILED(read)) {
         return read;
     }
     // most signals have no members: within a load that is seen before a container is made
@@ -166,8 +193,8 @@ HRESULT CSignal::LoadFromReader(stremo::IEventsStreamRead* reader, ISignalContai
             return made;
         }
         for (int i = 0; i < member_count; ++i) {
-            ISignal* member = nullptr;
-            if (FAILED(members->CreateFromReader(reader, this, i, &member))) {
+            // no member is asked for, so that the container may make it later
+            if (FAILED(members->CreateFromReader(reader, this, i, nullptr))) {
                 return E_FAIL;
             }
         }
@@ -177,8 +204,7 @@ HRESULT CSignal::LoadFromReader(stremo::IEventsStreamRead* reader, ISignalContai
 }
 
 void CSignal::TakeMembers(ComPtr<ISignalContainer> members) noexcept {
-    wave_ = {};
-    external_wave_ = false;
+    DropWave();
     members_ = std::move(members);
 }
 
@@ -202,32 +228,35 @@ HRESULT CSignal::FinishLoading(ISignalContainer& owner, ISignal* parent) noexcep
         }
         TakeMembers(std::move(none));
     }
-    ComPtr<ISignalWave> wave;
-    if (type_ && !members_ && MakeWave(*type_, wave) && wave) {
-        wave_ = std::move(wave);
-        external_wave_ = false;
+    if (type_ && !members_) {
+        PlanWave(*type_);
     }
     if (members_ && handle_ != -1) {
         SetHandle(-1);
     }
-    if (owner.Add(this) == E_OUTOFMEMORY) {
+    ComPtr<ISignalWave> shared;
+    if (FAILED(FindSharedWave(owner, shared)) || owner.Add(this) == E_OUTOFMEMORY) {
         return E_OUTOFMEMORY;
     }
     Release();
-    ShareWave(owner);
+    if (shared) {
+        SetWave(shared.get());
+    }
     return S_OK;
 }
 
-// The container has registered the signal behind the others of its handle.
-void CSignal::ShareWave(ISignalContainer& owner) noexcept {
+// The container registers the signal behind the others of its handle.
+HRESULT CSignal::FindSharedWave(ISignalContainer& owner, ComPtr<ISignalWave>& wave) const noexcept {
     ComPtr<IHandleManager> manager;
     if (handle_ == -1 || FAILED(owner.GetHandleManager(manager.Out()))) {
-        return;
+        return S_OK;
     }
     ISignal* const first = manager->GetFirstSignal(handle_);
-    if (first != nullptr && first != this) {
-        SetWave(first->GetWave());
+    if (first == nullptr || first == this) {
+        return S_OK;
     }
+    wave = ComPtr<ISignalWave>::Share(first->GetWave());
+    return !wave && first->GetWaveValueSize() != 0 ? E_OUTOFMEMORY : S_OK;
 }
 
 HRESULT CSignal::WriteToWriter(IEventsStreamWrite* writer, int index) noexcept {

@@ -25,7 +25,7 @@ constexpr std::int64_t kMostIndices = 256;        // of one dimension
 struct LogicClass {
     std::string_view name;
     bool is_prefix;
-    int value;
+    std::int8_t value;
 };
 constexpr std::array kLogicClasses{
     LogicClass{"std_logic", false, 1},       LogicClass{"std_ulogic", false, 1},
@@ -33,7 +33,7 @@ constexpr std::array kLogicClasses{
     LogicClass{"bit_vector", true, 6},
 };
 
-int LogicClassOf(std::string_view type) noexcept {
+std::int8_t LogicClassOf(std::string_view type) noexcept {
     for (const LogicClass& row : kLogicClasses) {
         const std::string_view part = row.is_prefix ? type.substr(0, row.name.size()) : type;
         if (corv::platform::EqualNoCase(part, row.name)) {
@@ -41,6 +41,20 @@ int LogicClassOf(std::string_view type) noexcept {
         }
     }
     return 0;
+}
+
+// Of the values in a wave for the type, 0 when there are no such waves.
+std::uint8_t WaveSizeOf(const KTypeInfo& type) noexcept {
+    switch (type.GetScalarSize()) {
+        case 1:
+        case 2:
+        case 4:
+            return 4;
+        case 8:
+            return 8;
+        default:
+            return 0;
+    }
 }
 
 // All signals that a type makes below one of that type.
@@ -123,7 +137,7 @@ private:
         const HRESULT typed = is_like_last ? member.ApplyTypeOf(*last_) : member.ApplyType(type);
         last_ = &member;
         // the handle manager refuses a signal without a handle, which is no matter here
-        return SUCCEEDED(typed) && member.properties_.Set("Name", name) &&
+        return SUCCEEDED(typed) && member.name_.Set(name) &&
                members_->Add(&member) != E_OUTOFMEMORY;
     }
 
@@ -193,25 +207,25 @@ HRESULT CSignal::SetTypeInfo(const char* text) noexcept {
 }
 
 HRESULT CSignal::ApplyType(const TypePtr& type) noexcept {
-    ComPtr<ISignalWave> wave;
     ComPtr<ISignalContainer> members;
     const bool is_scalar = type->IsScalar();
-    if (!(is_scalar ? MakeWave(*type, wave)
-                    : corv::signals::MemberBuilder(*this, type).Build(members))) {
+    if (is_scalar ? WaveSizeOf(*type) == 0
+                  : !corv::signals::MemberBuilder(*this, type).Build(members)) {
         return E_FAIL;
     }
     const CString& text = type->GetTypeInfoString();
     if (text.IsEmpty() || !properties_.Set("Type Info", text)) {
         return E_OUTOFMEMORY;
     }
-    if (wave || !is_scalar) {
-        wave_ = std::move(wave);
-        external_wave_ = false;
+    if (is_scalar) {
+        PlanWave(*type);
+    } else {
+        DropWave();
     }
     members_ = std::move(members);
     SetType(type);
     SetDisplayMode(std_logic_class_ != 0 ? 0 : members_ ? 4 : 3);
-    if (!wave_) {
+    if (!HasWave()) {
         SetHandle(-1);
     }
     return S_OK;
@@ -219,7 +233,7 @@ HRESULT CSignal::ApplyType(const TypePtr& type) noexcept {
 
 // Members mostly have the type of the one before; its texts are copied instead of made again.
 HRESULT CSignal::ApplyTypeOf(const CSignal& scalar) noexcept {
-    if (!MakeWave(*scalar.type_, wave_)) {
+    if (!PlanWave(*scalar.type_)) {
         return E_OUTOFMEMORY;
     }
     properties_ = scalar.properties_;
@@ -228,12 +242,36 @@ HRESULT CSignal::ApplyTypeOf(const CSignal& scalar) noexcept {
     return S_OK;
 }
 
+bool CSignal::BecomeLike(const CSignal& other, const char* name, int handle) noexcept {
+    parent_ = other.parent_;
+    handle_ = handle;
+    return SUCCEEDED(ApplyTypeOf(other)) && name_.Set(name);
+}
+
 // The wave that the signal has serves on when its values have the size of the type's. That is so
 // for 4 and 8 bytes alone: values of 1 and 2 bytes are kept in 4.
-bool CSignal::MakeWave(const KTypeInfo& type, ComPtr<ISignalWave>& wave) noexcept {
-    const auto size = static_cast<std::uint32_t>(type.GetScalarSize());
-    const bool serves = !members_ && GetWaveValueSize() == size;
-    return serves || SUCCEEDED(CreateSignalWave(size, wave.Out()));
+bool CSignal::PlanWave(const KTypeInfo& type) noexcept {
+    const std::uint8_t size = WaveSizeOf(type);
+    const bool serves =
+        !members_ && GetWaveValueSize() == static_cast<std::uint32_t>(type.GetScalarSize());
+    if (size != 0 && !serves) {
+        DropWave();
+        late_wave_size_ = size;
+    }
+    return size != 0;
+}
+
+void CSignal::DropWave() noexcept {
+    wave_ = {};
+    external_wave_ = false;
+    late_wave_size_ = 0;
+}
+
+ISignalWave* CSignal::MakeLateWave() noexcept {
+    if (late_wave_size_ != 0 && SUCCEEDED(CreateSignalWave(late_wave_size_, wave_.Out()))) {
+        late_wave_size_ = 0;
+    }
+    return wave_.get();
 }
 
 void CSignal::SetType(const TypePtr& type) noexcept {

@@ -206,11 +206,11 @@ const char* MembersTextAt(CSignal& signal, std::int64_t time, std::uint32_t mode
 }  // namespace
 
 const char* CSignal::GetEventText(IWaveEvent* event) noexcept {
-    if (!type_ || !type_->IsScalar() || !wave_ || event == nullptr) {
+    if (!type_ || !type_->IsScalar() || !HasWave() || event == nullptr) {
         return nullptr;
     }
     const void* const value = event->GetValueData();
-    return value != nullptr ? WriteScalar(*this, value, wave_->GetValueSize()) : nullptr;
+    return value != nullptr ? WriteScalar(*this, value, GetWaveValueSize()) : nullptr;
 }
 
 const char* CSignal::GetValueTextAt(std::int64_t time, std::uint32_t mode) noexcept {

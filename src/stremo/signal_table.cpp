@@ -110,6 +110,11 @@ void SignalTable::AddProperty(std::uint32_t signal, std::string_view key, const 
 void SignalTable::Finish() {
     GiveHandles();
     MakeMembers();
+    const auto composites = static_cast<std::size_t>(std::count_if(
+        signals_.begin(), signals_.end(), [](const Signal& signal) { return signal.composite; }));
+    leaf_handles_.reserve(size() - composites);
+    leaf_channels_.reserve(size() - composites);
+    handle_leaves_.Reserve(size() - composites);
     for (std::uint32_t i = 0; i < signals_.size(); ++i) {
         if (!signals_[i].composite) {
             MakeLeaf(i);
@@ -143,14 +148,17 @@ void SignalTable::MakeMembers() {
         members += signal.member_count;
     }
     members_.resize(members);
-    std::vector<std::uint32_t> filled(signals_.size());
+    top_level_.reserve(size() - members);
     for (std::uint32_t i = 0; i < signals_.size(); ++i) {
         const std::uint32_t parent = signals_[i].parent;
         if (parent == kNone) {
             top_level_.push_back(i);
         } else {
-            members_[signals_[parent].members + filled[parent]++] = i;
+            members_[signals_[parent].members++] = i;
         }
+    }
+    for (Signal& signal : signals_) {
+        signal.members -= signal.member_count;
     }
 }
 

@@ -77,6 +77,8 @@ class HandleIndex {
 public:
     // Does nothing if the handle is already there.
     void Insert(int handle, std::uint32_t number);
+    // Makes room for handles up to a number.
+    void Reserve(std::size_t count) { near_.reserve(count); }
     // Returns kNone if it is not there.
     std::uint32_t Find(int handle) const noexcept {
         const auto place = static_cast<std::size_t>(handle);
@@ -124,6 +126,11 @@ public:
     std::string_view Keep(std::string_view text) { return texts_.Keep(text); }
     const char* KeepShared(std::string_view text) { return texts_.KeepShared(text); }
 
+    // Makes room for so many signals more.
+    void Reserve(std::size_t count) {
+        signals_.reserve(signals_.size() + count);
+        handles_.Reserve(count);
+    }
     // Adds the next signal and returns its number. Of `signal`, `name`, `type`, `latest`, `handle`,
     // `mode`, `composite`, `member_count` and `joins` are used; the table sets the rest. The
     // members of a composite must follow it. Handle -1 requests an unused one. A scalar with the

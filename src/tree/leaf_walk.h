@@ -12,19 +12,18 @@ namespace corv::tree {
 // it visits, so it ends on any tree, even on one that contains itself.
 class LeafWalk {
 public:
-    // Calls `enter` with each composite signal before its members, and `leaf` with each leaf until
-    // that returns false. Returns whether it never did.
+    // Calls `enter` with each composite signal, which returns whether its members are visited, and
+    // `leaf` with each leaf until that returns false. Returns whether it never did.
     template <class Enter, class Leaf>
     bool Visit(ISignal& signal, const Enter& enter, const Leaf& leaf) {
         ISignalContainer* const members = signal.GetSubSignals();
         if (members == nullptr) {
             return leaf(signal);
         }
-        if (depth_ == kMostNesting) {
+        if (depth_ == kMostNesting || !enter(signal)) {
             return true;
         }
         ++depth_;
-        enter(signal);
         ISignal* member = nullptr;
         bool more = true;
         for (std::uint32_t i = 0; more && left_ > 0 && SUCCEEDED(members->GetAt(i, &member)); ++i) {

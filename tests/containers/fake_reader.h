@@ -28,14 +28,15 @@ public:
         return At(signals[parent].members, index);
     }
     int GetSignalHandle(int index) override { return At(top, index); }
-    // The mode is the handle; a signal without members gives a number of them that does not count.
+    // The mode is the handle, unless there is one for all; a signal without members gives a number
+    // of them that does not count.
     void GetSignalInfo(int handle, bool& has_members, int& count, CString& name, int& mode,
                        std::int64_t& max_time) override {
         const Signal& signal = signals[handle];
         has_members = !signal.members.empty();
         count = has_members ? static_cast<int>(signal.members.size()) + more_members : 5;
         name = signal.name.c_str();
-        mode = handle;
+        mode = one_mode != 0 ? one_mode : handle;
         max_time = signal.max_time;
     }
     const char* GetSignalProperty(int handle, const char* key) override {
@@ -53,6 +54,7 @@ public:
     std::vector<int> top;
     std::map<int, Signal> signals;                                  // by handle
     std::map<std::pair<int, std::string>, std::string> properties;  // by handle and key
+    int one_mode = 0;
     int more_signals = 0;
     int more_members = 0;
 

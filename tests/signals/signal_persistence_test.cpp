@@ -120,6 +120,28 @@ TEST(SignalPersistence, SavesTheDescribedBytes) {
 }
 
 // An entry's other parts are written after one that fails, no further entry.
+// Names and handles have their places among the others, spelt as they were first.
+TEST(SignalPersistence, SavesPropertiesInOrder) {
+    SignalPtr signal = Bare();
+    signal->SetName("a");
+    signal->SetHandle(-7);
+    EXPECT_EQ(PropertiesOf(*signal), "Handle=-7 Name=a");
+    for (const char* const key : {"z", "Mode", "Color", "handlE", "nAme", "Handles"}) {
+        signal->SetProperty(key, "1");
+    }
+    EXPECT_EQ(PropertiesOf(*signal), "Color=1 Handle=1 Handles=1 Mode=1 Name=1 z=1");
+    signal = Bare();
+    signal->SetProperty("naME", "b");
+    signal->SetProperty("hanDLE", "3");
+    signal->SetName("c");
+    EXPECT_EQ(PropertiesOf(*signal), "hanDLE=3 naME=c");
+    EXPECT_STREQ(signal->GetName(), "c");
+    signal->SetHandle(8);
+    EXPECT_EQ(PropertiesOf(*signal), "hanDLE=8 naME=c");
+    signal->SetHandle(-1);
+    EXPECT_EQ(PropertiesOf(*signal), "naME=c");
+}
+
 TEST(SignalPersistence, SavesToAFailingStream) {
     const SignalPtr signal = Bare();
     signal->SetProperty("A", "1");

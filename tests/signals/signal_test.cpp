@@ -8,6 +8,7 @@
 
 #include "corv/frame/com_ptr.h"
 #include "tests/signals/signal_support.h"
+#include "tests/support/failing_alloc.h"
 #include "tests/support/table.h"
 
 namespace corv::test {
@@ -53,6 +54,51 @@ TEST(Signal, HandleAndItsProperty) {
     EXPECT_EQ(signal->GetProperty("Handle"), nullptr);
     signal->SetProperty(nullptr, nullptr);
     EXPECT_STREQ(signal->GetProperty(""), "");
+}
+
+TEST(Signal, NamesOfAnyLength) {
+    const SignalPtr signal = MakeSignal("");
+    for (const std::size_t length : {0, 11, 12, 13, 500, 3}) {
+        const std::string name(length, 'n');
+        signal->SetName(name.c_str());
+        EXPECT_EQ(signal->GetName(), name);
+        EXPECT_EQ(signal->GetProperty("NAME"), name);
+    }
+    signal->SetName("a name of its own");
+    for (const std::size_t cut : {2, 5, 1}) {
+        const std::string rest = signal->GetName() + cut;
+        signal->SetName(signal->GetName() + cut);
+        EXPECT_EQ(signal->GetName(), rest);
+    }
+    const FailingAlloc failing(1);
+    signal->SetName("much too long for no memory");
+    EXPECT_STREQ(signal->GetName(), "f its own");
+    signal->SetName(nullptr);
+    EXPECT_STREQ(signal->GetName(), "");
+}
+
+TEST(Signal, WavesAreMadeWhenAskedFor) {
+    const SignalPtr signal = MakeSignal(kReal);
+    frame::ComPtr<IWaveEventEnumerator> events;
+    {
+        const FailingAlloc failing(1, true);
+        EXPECT_EQ(signal->GetWaveValueSize(), 8U);
+        EXPECT_EQ(signal->GetWave(), nullptr);
+        EXPECT_EQ(signal->EnumEvents(events.Out()), E_OUTOFMEMORY);
+        EXPECT_EQ(signal->SetWave(nullptr), S_OK);
+    }
+    ISignalWave* const wave = signal->GetWave();
+    ASSERT_NE(wave, nullptr);
+    EXPECT_EQ(signal->GetWave(), wave);
+    EXPECT_TRUE(signal->OwnsWave());
+    EXPECT_EQ(signal->EnumEvents(events.Out()), S_OK);
+    EXPECT_EQ(signal->SetTypeInfo("f#4#longrrct-1 1"), S_OK);
+    EXPECT_EQ(signal->GetWave(), wave);
+    EXPECT_EQ(signal->SetTypeInfo(kBit), S_OK);
+    EXPECT_EQ(signal->GetWaveValueSize(), 4U);
+    EXPECT_EQ(signal->SetTypeInfo(kTwoBits), S_OK);
+    EXPECT_EQ(signal->GetWaveValueSize(), 0U);
+    EXPECT_EQ(signal->GetWave(), nullptr);
 }
 
 TEST(Signal, ModeComesFromTheNearestThatHasOne) {

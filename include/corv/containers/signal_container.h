@@ -19,6 +19,10 @@ class IEventsStreamRead;
 // registers the leaves with its handle manager, which the containers of members below it share.
 // Signals are returned without a reference and stay valid as long as the container holds them.
 //
+// The elements of a vector from a recording are made when one of them is first asked for, from the
+// container or from a handle manager. If memory runs out at that moment, the operation returns
+// E_OUTOFMEMORY, or null where it returns a signal, and everything stays as it was.
+//
 // Trees and paths are followed 256 levels down. Whatever is deeper is not reached (FindSignal,
 // AssignHandles, SetHandleManager), not saved and not loaded.
 class ISignalContainer : public IUnknown {
@@ -70,7 +74,8 @@ public:
     // or E_OUTOFMEMORY.
     virtual HRESULT CORV_CALL EnumSignals(ISignalEnumerator** enumerator) = 0;
 
-    // Delivers the signal at an index. Returns E_INVALIDARG past the end, with `*signal` unchanged.
+    // Delivers the signal at an index. Returns E_INVALIDARG past the end, with `*signal` unchanged;
+    // E_OUTOFMEMORY.
     virtual HRESULT CORV_CALL GetAt(std::uint32_t index, ISignal** signal) = 0;
 
     // Delivers the handle manager with a reference. Returns E_FAIL if there is none.

@@ -143,7 +143,8 @@ public:
     virtual ISignal* CORV_CALL GetParent() = 0;
     // Returns the members, null for a signal that has none.
     virtual ISignalContainer* CORV_CALL GetSubSignals() = 0;
-    // Returns the wave, null for a composite signal and for one without a type.
+    // Returns the wave, null for a composite signal, for one without a type and when memory runs
+    // out.
     virtual ISignalWave* CORV_CALL GetWave() = 0;
 
     // Make enumerators over the members and over the wave's events, and an iterator over the events

@@ -136,10 +136,17 @@ void Maker::Add(const Name& name) {
 }  // namespace
 
 void MakeSignals(Declarations& declarations, std::int64_t latest, SignalTable& signals) {
+    std::size_t count = declarations.names.size();
+    for (const Name& name : declarations.names) {
+        const Variable& variable = declarations.variables[name.variable];
+        count += name.is_array || variable.is_signed ? variable.width : 0;
+    }
+    signals.Reserve(count);
     Maker maker(declarations, latest, signals);
     for (const Name& name : declarations.names) {
         maker.Add(name);
     }
+    declarations.names = {};
     signals.Finish();
 }
 
