@@ -105,8 +105,7 @@ void CountEvents(const host::Recording& recording, EventCounts& counts, bool sel
                  Facts& facts) {
     stremo::IEventsStreamRead& reader = recording.Reader();
     if (selected) {
-        SelectStreamSignals(reader, counts.Handles().data(),
-                            static_cast<int>(counts.Handles().size()));
+        SelectStreamSignals(reader, counts.Handles());
     }
     const std::int64_t start = 0;
     for (int handle = reader.Seek(&start) ? reader.Next() : -1; handle != -1;

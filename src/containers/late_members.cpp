@@ -11,6 +11,7 @@
 #include "corv/stremo/events_stream_read.h"
 #include "platform/guard.h"
 #include "signals/signal.h"
+#include "stremo/kept_properties.h"
 
 using corv::frame::ComPtr;
 using stremo::IEventsStreamRead;
