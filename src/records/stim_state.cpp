@@ -25,6 +25,11 @@ void AppendTime(std::string& out, std::int64_t time) {
 
 }  // namespace
 
+struct CStimState::Work {
+    static bool Record(CStimState& s, std::int64_t time, bool on) noexcept;
+    static void Erase(CStimState& s, States::const_iterator entry) noexcept;
+};
+
 CStimState::CStimState(const CStimState& other) noexcept {
     *this = other;
 }
@@ -57,7 +62,7 @@ bool CStimState::Create(const char* text) noexcept {
         }
         const unsigned unit =
             time->unit < 0 ? corv::util::kBaseUnit : static_cast<unsigned>(time->unit);
-        if (!Record(corv::ConvertTime(time->whole, unit, corv::util::kBaseUnit), on)) {
+        if (!Work::Record(*this, corv::ConvertTime(time->whole, unit, corv::util::kBaseUnit), on)) {
             return false;
         }
         on = !on;
@@ -66,33 +71,33 @@ bool CStimState::Create(const char* text) noexcept {
 }
 
 void CStimState::Add(std::int64_t time, bool on) noexcept {
-    Record(time, on);
+    Work::Record(*this, time, on);
 }
 
 // Records a switch; returns false if out of memory.
-bool CStimState::Record(std::int64_t time, bool on) noexcept {
+bool CStimState::Work::Record(CStimState& s, std::int64_t time, bool on) noexcept {
     // a stimulator is off before its first switch
-    if (states_.empty() && !on) {
+    if (s.states_.empty() && !on) {
         return true;
     }
     return corv::platform::Done([&] {
         // the hint makes ascending times, the usual order, constant-time
-        const auto entry = states_.insert_or_assign(states_.end(), time, on);
-        if (entry != states_.begin() && std::prev(entry)->second == on) {
-            Erase(entry);
+        const auto entry = s.states_.insert_or_assign(s.states_.end(), time, on);
+        if (entry != s.states_.begin() && std::prev(entry)->second == on) {
+            Erase(s, entry);
         }
-        if (states_.size() == 1 && !states_.begin()->second) {
-            Erase(states_.begin());
+        if (s.states_.size() == 1 && !s.states_.begin()->second) {
+            Erase(s, s.states_.begin());
         }
     });
 }
 
 // Removes an entry; a walk that is on it moves to the next one.
-void CStimState::Erase(States::const_iterator entry) noexcept {
-    const bool stands_there = position_ == entry;
-    const auto next = states_.erase(entry);
+void CStimState::Work::Erase(CStimState& s, States::const_iterator entry) noexcept {
+    const bool stands_there = s.position_ == entry;
+    const auto next = s.states_.erase(entry);
     if (stands_there) {
-        position_ = next;
+        s.position_ = next;
     }
 }
 

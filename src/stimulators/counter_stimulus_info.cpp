@@ -20,6 +20,18 @@ struct CCounterStimulusInfo::Settings {
     std::string increment;
     std::string count_period;
     bool reverse_bit_order = false;
+
+    // An object that could not allocate its settings reads the defaults.
+    static const Settings& Of(const CCounterStimulusInfo& info) noexcept {
+        static const Settings kDefaults;
+        return info.settings_ ? *info.settings_ : kDefaults;
+    }
+    template <class Change>
+    static void Write(CCounterStimulusInfo& info, Change change) noexcept {
+        if (info.settings_) {
+            platform::Done([&] { change(*info.settings_); });
+        }
+    }
 };
 
 namespace {
@@ -35,19 +47,6 @@ bool CopyOut(const std::string& text, char* buffer, int size) noexcept {
 
 }  // namespace
 
-// An object that could not allocate its settings reads the defaults.
-const CCounterStimulusInfo::Settings& CCounterStimulusInfo::Read() const noexcept {
-    static const Settings kDefaults;
-    return settings_ ? *settings_ : kDefaults;
-}
-
-template <class Change>
-void CCounterStimulusInfo::Write(Change change) noexcept {
-    if (settings_) {
-        platform::Done([&] { change(*settings_); });
-    }
-}
-
 CCounterStimulusInfo::CCounterStimulusInfo() noexcept : settings_(new (std::nothrow) Settings) {}
 
 CCounterStimulusInfo::CCounterStimulusInfo(const CCounterStimulusInfo& other) noexcept
@@ -57,8 +56,8 @@ CCounterStimulusInfo::CCounterStimulusInfo(const CCounterStimulusInfo& other) no
 
 CCounterStimulusInfo& CCounterStimulusInfo::operator=(const CCounterStimulusInfo& other) noexcept {
     if (this != &other) {
-        Write([&](Settings& settings) {
-            Settings copy = other.Read();  // all of it or nothing
+        Settings::Write(*this, [&](Settings& settings) {
+            Settings copy = Settings::Of(other);  // all of it or nothing
             settings = std::move(copy);
         });
     }
@@ -70,63 +69,63 @@ CCounterStimulusInfo::~CCounterStimulusInfo() {
 }
 
 CCounterStimulusInfo::Type CCounterStimulusInfo::GetType() const noexcept {
-    return Read().type;
+    return Settings::Of(*this).type;
 }
 
 void CCounterStimulusInfo::SetType(Type type) noexcept {
-    Write([=](Settings& settings) { settings.type = type; });
+    Settings::Write(*this, [=](Settings& settings) { settings.type = type; });
 }
 
 CCounterStimulusInfo::Dir CCounterStimulusInfo::GetDir() const noexcept {
-    return Read().dir;
+    return Settings::Of(*this).dir;
 }
 
 void CCounterStimulusInfo::SetDir(Dir dir) noexcept {
-    Write([=](Settings& settings) { settings.dir = dir; });
+    Settings::Write(*this, [=](Settings& settings) { settings.dir = dir; });
 }
 
 int CCounterStimulusInfo::GetDisplayRadix() const noexcept {
-    return Read().display_radix;
+    return Settings::Of(*this).display_radix;
 }
 
 void CCounterStimulusInfo::SetDisplayRadix(int radix) noexcept {
-    Write([=](Settings& settings) { settings.display_radix = radix; });
+    Settings::Write(*this, [=](Settings& settings) { settings.display_radix = radix; });
 }
 
 bool CCounterStimulusInfo::GetReverseBitOrder() const noexcept {
-    return Read().reverse_bit_order;
+    return Settings::Of(*this).reverse_bit_order;
 }
 
 void CCounterStimulusInfo::SetReverseBitOrder(bool reverse) noexcept {
-    Write([=](Settings& settings) { settings.reverse_bit_order = reverse; });
+    Settings::Write(*this, [=](Settings& settings) { settings.reverse_bit_order = reverse; });
 }
 
 void CCounterStimulusInfo::SetStartingValue(const char* text) noexcept {
-    Write([=](Settings& settings) { settings.starting_value = text ? text : ""; });
+    Settings::Write(*this, [=](Settings& settings) { settings.starting_value = text ? text : ""; });
 }
 
 void CCounterStimulusInfo::SetIncrementBy(const char* text) noexcept {
-    Write([=](Settings& settings) { settings.increment = text ? text : ""; });
+    Settings::Write(*this, [=](Settings& settings) { settings.increment = text ? text : ""; });
 }
 
 void CCounterStimulusInfo::SetCountPeriod(const char* text) noexcept {
-    Write([=](Settings& settings) { settings.count_period = text ? text : ""; });
+    Settings::Write(*this, [=](Settings& settings) { settings.count_period = text ? text : ""; });
 }
 
 bool CCounterStimulusInfo::GetStartingValue(char* buffer, int size) const noexcept {
-    return CopyOut(Read().starting_value, buffer, size);
+    return CopyOut(Settings::Of(*this).starting_value, buffer, size);
 }
 
 bool CCounterStimulusInfo::GetIncrementBy(char* buffer, int size) const noexcept {
-    return CopyOut(Read().increment, buffer, size);
+    return CopyOut(Settings::Of(*this).increment, buffer, size);
 }
 
 bool CCounterStimulusInfo::GetCountPeriod(char* buffer, int size) const noexcept {
-    return CopyOut(Read().count_period, buffer, size);
+    return CopyOut(Settings::Of(*this).count_period, buffer, size);
 }
 
 bool CCounterStimulusInfo::GenerateFormula(char* buffer, int size) const noexcept {
-    const Settings& settings = Read();
+    const Settings& settings = Settings::Of(*this);
     // zero and empty are what a new object has: settings that have not been made
     if (settings.type == 0 || settings.dir == 0 || settings.display_radix == 0 ||
         settings.starting_value.empty() || settings.increment.empty() ||

@@ -26,6 +26,7 @@
 #include "stremo/signal_cursor.h"
 
 using corv::frame::ComPtr;
+using corv::stimulus::CustomWork;
 
 namespace {
 
@@ -47,6 +48,17 @@ void PutValue(ISignal& signal, const ValueBuffer& value) noexcept {
 
 }  // namespace
 
+// What the operations do with the fields of a replayed signal.
+struct corv::stimulus::CustomWork {
+    static bool Open(CCustomStimulus& s) noexcept;
+    static void Begin(CCustomStimulus& s) noexcept;
+    static corv::recording::SignalCursor* Cursor(CCustomStimulus& s) noexcept;
+    static void ClearHandleMan(CCustomStimulus& s, ISignal* signal) noexcept;
+    static bool QueryCache(CCustomStimulus& s, IHandleManager* manager) noexcept;
+    static bool TakeEvents(CCustomStimulus& s, IHandleManager* manager, std::int64_t time) noexcept;
+    static bool TakeValue(CCustomStimulus& s, std::int64_t time) noexcept;
+};
+
 CCustomStimulus::CCustomStimulus(std::int64_t start) noexcept : start_time_(start) {}
 
 CCustomStimulus::CCustomStimulus(const CCustomStimulus& other) noexcept
@@ -64,7 +76,7 @@ CCustomStimulus& CCustomStimulus::operator=(const CCustomStimulus& other) noexce
         });
         if (other.given_handle_ != -1) {
             CreateFrom(corv::ShareStream(*other.reader_), other.given_handle_);
-        } else if (!copied || !other.reader_ || !Open()) {
+        } else if (!copied || !other.reader_ || !CustomWork::Open(*this)) {
             Destroy();
         }
     }
@@ -90,7 +102,7 @@ int CCustomStimulus::Create(const char* event_file, const char* signal) noexcept
         file_name_ = event_file;
         signal_name_ = signal;
     });
-    const bool open = named && Open();
+    const bool open = named && CustomWork::Open(*this);
     if (!open) {
         Destroy();
     }
@@ -111,48 +123,48 @@ int CCustomStimulus::CreateFrom(std::unique_ptr<stremo::IEventsStreamRead> reade
         return 0;
     }
     given_handle_ = handle;
-    Begin();
+    CustomWork::Begin(*this);
     return 1;
 }
 
-bool CCustomStimulus::Open() noexcept {
-    reader_.reset(stremo::CreateStreamRead(file_name_));
-    if (!reader_) {
+bool CustomWork::Open(CCustomStimulus& s) noexcept {
+    s.reader_.reset(stremo::CreateStreamRead(s.file_name_));
+    if (!s.reader_) {
         return false;
     }
-    signal_ = corv::stimulus::FindRecordedSignal(*reader_, signal_name_, container_);
-    if (signal_ == nullptr) {
+    s.signal_ = corv::stimulus::FindRecordedSignal(*s.reader_, s.signal_name_, s.container_);
+    if (s.signal_ == nullptr) {
         return false;
     }
-    Begin();
+    Begin(s);
     return true;
 }
 
-void CCustomStimulus::Begin() noexcept {
-    ClearHandleMan(signal_);
-    own_reader_ = corv::recording::OwnReader(reader_.get());
-    if (own_reader_ != nullptr) {
-        const int handle = signal_->GetHandle();
-        own_reader_->SetInterest({&handle, 1});
+void CustomWork::Begin(CCustomStimulus& s) noexcept {
+    ClearHandleMan(s, s.signal_);
+    s.own_reader_ = corv::recording::OwnReader(s.reader_.get());
+    if (s.own_reader_ != nullptr) {
+        const int handle = s.signal_->GetHandle();
+        s.own_reader_->SetInterest({&handle, 1});
     } else {
-        reader_->Seek(&start_time_);
-        reader_->MarkStart(&start_time_);
+        s.reader_->Seek(&s.start_time_);
+        s.reader_->MarkStart(&s.start_time_);
     }
 }
 
 // Returns the cursor, made at the first question. By then all elements of a vector have announced
 // their interest, so reading the file once serves all of them.
-corv::recording::SignalCursor* CCustomStimulus::Cursor() noexcept {
-    if (cursor_ == nullptr) {
-        cursor_ = own_reader_->OpenSignal(signal_->GetHandle());
+corv::recording::SignalCursor* CustomWork::Cursor(CCustomStimulus& s) noexcept {
+    if (s.cursor_ == nullptr) {
+        s.cursor_ = s.own_reader_->OpenSignal(s.signal_->GetHandle());
     }
-    return cursor_.get();
+    return s.cursor_.get();
 }
 
 // Leaves only the signal's handle in the handle manager, so that events of other signals, loaded
 // together with this one, are not recognised.
-void CCustomStimulus::ClearHandleMan(ISignal* signal) noexcept {
-    const ComPtr<IHandleManager> manager = ManagerOf(*container_);
+void CustomWork::ClearHandleMan(CCustomStimulus& s, ISignal* signal) noexcept {
+    const ComPtr<IHandleManager> manager = ManagerOf(*s.container_);
     if (!manager) {
         return;
     }
@@ -168,7 +180,7 @@ void CCustomStimulus::ClearHandleMan(ISignal* signal) noexcept {
 
 // Sets the signals to the values that the recording has at its position. Returns whether any has
 // one.
-bool CCustomStimulus::QueryCache(IHandleManager* manager) noexcept {
+bool CustomWork::QueryCache(CCustomStimulus& s, IHandleManager* manager) noexcept {
     bool any = false;
     for (int handle = manager->GetFirstHandle(); handle != -1; handle = manager->GetNextHandle()) {
         ISignal* const signal = manager->GetFirstSignal(handle);
@@ -177,7 +189,7 @@ bool CCustomStimulus::QueryCache(IHandleManager* manager) noexcept {
         }
         signal->GetWave()->Clear();
         ValueBuffer value{};
-        if (reader_->GetCachedValue(handle, value.data())) {
+        if (s.reader_->GetCachedValue(handle, value.data())) {
             PutValue(*signal, value);
             any = true;
         }
@@ -187,13 +199,14 @@ bool CCustomStimulus::QueryCache(IHandleManager* manager) noexcept {
 
 // Reads the events up to and including a time. Seek stops before the events at the time itself,
 // which are the ones that count.
-bool CCustomStimulus::TakeEvents(IHandleManager* manager, std::int64_t time) noexcept {
+bool CustomWork::TakeEvents(CCustomStimulus& s, IHandleManager* manager,
+                            std::int64_t time) noexcept {
     bool any = false;
-    for (int handle = reader_->Next(); handle != -1 && *reader_->GetCurrentTime() <= time;
-         handle = reader_->Next()) {
+    for (int handle = s.reader_->Next(); handle != -1 && *s.reader_->GetCurrentTime() <= time;
+         handle = s.reader_->Next()) {
         ISignal* const signal = manager->GetFirstSignal(handle);
         ValueBuffer value{};
-        if (signal != nullptr && reader_->ReadValue(value.data())) {
+        if (signal != nullptr && s.reader_->ReadValue(value.data())) {
             PutValue(*signal, value);
             any = true;
         }
@@ -202,28 +215,28 @@ bool CCustomStimulus::TakeEvents(IHandleManager* manager, std::int64_t time) noe
 }
 
 // Stores the value at a time in the signal's wave. Returns false if there is none.
-bool CCustomStimulus::TakeValue(std::int64_t time) noexcept {
-    if (own_reader_ != nullptr) {
+bool CustomWork::TakeValue(CCustomStimulus& s, std::int64_t time) noexcept {
+    if (s.own_reader_ != nullptr) {
         ValueBuffer value{};
-        if (Cursor() == nullptr || !cursor_->Value(time, value.data())) {
+        if (Cursor(s) == nullptr || !s.cursor_->Value(time, value.data())) {
             return false;
         }
-        PutValue(*signal_, value);
+        PutValue(*s.signal_, value);
         return true;
     }
-    if (!reader_->Seek(&time)) {
+    if (!s.reader_->Seek(&time)) {
         return false;
     }
-    const ComPtr<IHandleManager> manager = ManagerOf(*container_);
+    const ComPtr<IHandleManager> manager = ManagerOf(*s.container_);
     if (!manager) {
         return false;
     }
-    const bool cached = QueryCache(manager.get());
-    return TakeEvents(manager.get(), time) || cached;
+    const bool cached = QueryCache(s, manager.get());
+    return TakeEvents(s, manager.get(), time) || cached;
 }
 
 int CCustomStimulus::GetValue(std::int64_t time, CString& value) noexcept {
-    if (!reader_ || !TakeValue(time)) {
+    if (!reader_ || !CustomWork::TakeValue(*this, time)) {
         return 0;
     }
     const char* const text = signal_->GetValueTextAt(0, FindAt);
@@ -235,7 +248,7 @@ std::int64_t CCustomStimulus::GetNextEventTime(std::int64_t time) noexcept {
         return -1;
     }
     if (own_reader_ != nullptr) {
-        return Cursor() != nullptr ? cursor_->NextTime(time) : -1;
+        return CustomWork::Cursor(*this) != nullptr ? cursor_->NextTime(time) : -1;
     }
     const std::int64_t target = time + 1;
     const ComPtr<IHandleManager> manager = ManagerOf(*container_);

@@ -9,7 +9,9 @@
 #include "corv/stimulus/stimulus.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "corv/stimulators/counter.h"
 #include "corv/stimulus/custom_stimulus.h"
@@ -24,7 +26,25 @@
 using corv::stimulus::FormulaItem;
 using corv::stimulus::FormulaKind;
 using corv::stimulus::FormulaReader;
+using corv::stimulus::StimulusWork;
 using Time = TTimeUnit<std::int64_t>;
+
+// What the operations do with the fields of a stimulus.
+struct corv::stimulus::StimulusWork {
+    static bool BuildIndex(CStimulus& s) noexcept;
+    static bool ReadFormula(CStimulus& s, std::string_view formula, std::int64_t start);
+    static bool CreateCustom(CStimulus& s, std::string_view formula, std::int64_t start);
+    static bool CreateCounter(CStimulus& s, std::string_view formula, std::int64_t start);
+    static bool ReadElements(CStimulus& s, std::string_view formula);
+    static void SetParameter(CStimulus& s, const FormulaItem& item) noexcept;
+    static bool SetValue(CStimulus& s, const FormulaItem& item);
+    static void SetOffset(CStimulus& s) noexcept;
+    static std::optional<std::int64_t> GetStartTime(const CStimulus& s) noexcept;
+    static std::uint64_t Period(const CStimulus& s) noexcept;
+    static std::optional<std::int64_t> NextRelativeEvent(const CStimulus& s, std::int64_t from,
+                                                         std::int64_t pattern_start) noexcept;
+    static std::string WriteFormula(CStimulus& s);
+};
 
 CStimulus::CStimulus() noexcept : CStimulus(1, 1) {}
 
@@ -52,42 +72,45 @@ int CStimulus::Create(const char* formula, std::int64_t start) noexcept {
     if (!formula || !*formula) {
         return 0;
     }
-    const bool read = corv::platform::Guarded(false, [&] { return ReadFormula(formula, start); });
+    const bool read = corv::platform::Guarded(
+        false, [&] { return StimulusWork::ReadFormula(*this, formula, start); });
     start_time_.value = start;
-    SetOffset();
-    return BuildIndex() && read && (custom_ || counter_ || !elements_.empty()) ? 1 : 0;
+    StimulusWork::SetOffset(*this);
+    return StimulusWork::BuildIndex(*this) && read && (custom_ || counter_ || !elements_.empty())
+               ? 1
+               : 0;
 }
 
 // Without memory for the index no element stays, since none could be found.
-bool CStimulus::BuildIndex() noexcept {
-    if (!elements_.empty() && !corv::platform::Done([this] {
-            index_ = std::make_unique<corv::stimulus::ElementIndex>(elements_);
+bool StimulusWork::BuildIndex(CStimulus& s) noexcept {
+    if (!s.elements_.empty() && !corv::platform::Done([&s] {
+            s.index_ = std::make_unique<corv::stimulus::ElementIndex>(s.elements_);
         })) {
-        elements_.clear();
+        s.elements_.clear();
         return false;
     }
     return true;
 }
 
-bool CStimulus::ReadFormula(std::string_view formula, std::int64_t start) {
+bool StimulusWork::ReadFormula(CStimulus& s, std::string_view formula, std::int64_t start) {
     switch (corv::stimulus::FindFormulaKind(formula)) {
         case FormulaKind::Ordinary:
-            return ReadElements(formula);
+            return ReadElements(s, formula);
         case FormulaKind::Notation: {
             CVeskFormula notation;
             CString converted;
             return notation.Parse(corv::stimulus::NotationText(formula)) &&
-                   notation.Convert(converted) && ReadElements(converted.View());
+                   notation.Convert(converted) && ReadElements(s, converted.View());
         }
         case FormulaKind::Counter:
-            return CreateCounter(formula, start);
+            return CreateCounter(s, formula, start);
         case FormulaKind::Custom:
-            return CreateCustom(formula, start);
+            return CreateCustom(s, formula, start);
     }
     return false;
 }
 
-bool CStimulus::CreateCustom(std::string_view formula, std::int64_t start) {
+bool StimulusWork::CreateCustom(CStimulus& s, std::string_view formula, std::int64_t start) {
     const auto parts = corv::stimulus::ReadCustomFormula(formula);
     if (!parts) {
         return false;
@@ -96,11 +119,11 @@ bool CStimulus::CreateCustom(std::string_view formula, std::int64_t start) {
     if (custom->Create(parts->file.c_str(), parts->signal.c_str()) == 0) {
         return false;
     }
-    custom_ = std::move(custom);
+    s.custom_ = std::move(custom);
     return true;
 }
 
-bool CStimulus::CreateCounter(std::string_view formula, std::int64_t start) {
+bool StimulusWork::CreateCounter(CStimulus& s, std::string_view formula, std::int64_t start) {
     // Counters are read in any case; their texts are stored in lower case.
     CString lower(formula);
     lower.MakeLower();
@@ -108,32 +131,32 @@ bool CStimulus::CreateCounter(std::string_view formula, std::int64_t start) {
     if (!counter->Init(lower, start)) {
         return false;
     }
-    counter_ = std::move(counter);
+    s.counter_ = std::move(counter);
     return true;
 }
 
-bool CStimulus::ReadElements(std::string_view formula) {
+bool StimulusWork::ReadElements(CStimulus& s, std::string_view formula) {
     FormulaReader reader(formula);
     if (reader.StartsWithComma()) {
         return false;
     }
     while (const auto item = reader.Next()) {
         if (item->is_repeat) {
-            SetParameter(*item);
-        } else if (!SetValue(*item)) {
+            SetParameter(s, *item);
+        } else if (!SetValue(s, *item)) {
             return false;
         }
     }
     return true;
 }
 
-void CStimulus::SetParameter(const FormulaItem& item) noexcept {
-    repeat_period_ = corv::stimulus::ReadFormulaTime(item, default_unit_).time;
-    repeat_period_.target_unit = repeat_target_unit_;
+void StimulusWork::SetParameter(CStimulus& s, const FormulaItem& item) noexcept {
+    s.repeat_period_ = corv::stimulus::ReadFormulaTime(item, s.default_unit_).time;
+    s.repeat_period_.target_unit = s.repeat_target_unit_;
 }
 
-bool CStimulus::SetValue(const FormulaItem& item) {
-    const auto time = corv::stimulus::ReadFormulaTime(item, default_unit_);
+bool StimulusWork::SetValue(CStimulus& s, const FormulaItem& item) {
+    const auto time = corv::stimulus::ReadFormulaTime(item, s.default_unit_);
     if (time.time.GetTime() < 0) {
         return false;
     }
@@ -142,38 +165,38 @@ bool CStimulus::SetValue(const FormulaItem& item) {
     element->time_ = time.time;
     element->absolute_ = time.absolute ? 1 : 0;
     if (item.time.empty()) {
-        element->time_.target_unit = repeat_target_unit_;
+        element->time_.target_unit = s.repeat_target_unit_;
         element->include_time_ = false;
     }
-    elements_.push_back(std::move(element));
+    s.elements_.push_back(std::move(element));
     return true;
 }
 
 // The pattern starts at the time of its first relative element, in formula order. The other
 // relative times are stored as distances from there; GenerateFormula adds the offset again.
-void CStimulus::SetOffset() noexcept {
-    const auto first = std::find_if(elements_.begin(), elements_.end(),
+void StimulusWork::SetOffset(CStimulus& s) noexcept {
+    const auto first = std::find_if(s.elements_.begin(), s.elements_.end(),
                                     [](const auto& element) { return element->Absolute() == 0; });
-    pattern_offset_ = Time(first == elements_.end() ? 0 : (*first)->GetTime());
-    if (pattern_offset_.value == 0) {
+    s.pattern_offset_ = Time(first == s.elements_.end() ? 0 : (*first)->GetTime());
+    if (s.pattern_offset_.value == 0) {
         return;
     }
-    for (const auto& element : elements_) {
+    for (const auto& element : s.elements_) {
         if (element->Absolute() == 0) {
-            element->time_ = Time(element->GetTime() - pattern_offset_.value);
+            element->time_ = Time(element->GetTime() - s.pattern_offset_.value);
         }
     }
 }
 
 // Returns when the pattern starts, nullopt if that is past the range of times.
-std::optional<std::int64_t> CStimulus::GetStartTime() const noexcept {
-    return corv::util::CheckedAdd(start_time_.GetTime(), pattern_offset_.GetTime());
+std::optional<std::int64_t> StimulusWork::GetStartTime(const CStimulus& s) noexcept {
+    return corv::util::CheckedAdd(s.start_time_.GetTime(), s.pattern_offset_.GetTime());
 }
 
 // A negative period repeats like a positive one. The negation is done unsigned, since -2^63 has no
 // positive counterpart.
-std::uint64_t CStimulus::Period() const noexcept {
-    const std::int64_t period = repeat_period_.GetTime();
+std::uint64_t StimulusWork::Period(const CStimulus& s) noexcept {
+    const std::int64_t period = s.repeat_period_.GetTime();
     return period < 0 ? 0 - static_cast<std::uint64_t>(period) : static_cast<std::uint64_t>(period);
 }
 
@@ -184,14 +207,14 @@ int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
     if (counter_) {
         return counter_->GetValue(time, value);
     }
-    const std::optional<std::int64_t> pattern_start = GetStartTime();
+    const std::optional<std::int64_t> pattern_start = StimulusWork::GetStartTime(*this);
     if (elements_.empty() || !pattern_start || time < *pattern_start) {
         return 0;
     }
     // unsigned, since a negative start may be further back than 63 bits can express
     std::uint64_t in_pattern =
         static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(*pattern_start);
-    if (const std::uint64_t period = Period(); period != 0) {
+    if (const std::uint64_t period = StimulusWork::Period(*this); period != 0) {
         in_pattern %= period;
     }
     constexpr auto kMax = static_cast<std::uint64_t>(corv::util::Int64Limits::max());
@@ -211,21 +234,21 @@ int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
 
 // Returns the first event of the repeated pattern at or after a time that is not before its start:
 // the next element in this period or, if there is none, the first of the next period.
-std::optional<std::int64_t> CStimulus::NextRelativeEvent(
-    std::int64_t from, std::int64_t pattern_start) const noexcept {
+std::optional<std::int64_t> StimulusWork::NextRelativeEvent(const CStimulus& s, std::int64_t from,
+                                                            std::int64_t pattern_start) noexcept {
     std::uint64_t in_pattern =
         static_cast<std::uint64_t>(from) - static_cast<std::uint64_t>(pattern_start);
     std::uint64_t periods_before = 0;
-    const std::uint64_t period = Period();
+    const std::uint64_t period = Period(s);
     if (period != 0) {
         periods_before = in_pattern - in_pattern % period;
         in_pattern %= period;
     }
     constexpr auto kMax = static_cast<std::uint64_t>(corv::util::Int64Limits::max());
     const CSimpleStimulus* next =
-        in_pattern > kMax ? nullptr : index_->Next(static_cast<std::int64_t>(in_pattern), false);
+        in_pattern > kMax ? nullptr : s.index_->Next(static_cast<std::int64_t>(in_pattern), false);
     if (!next && period != 0) {
-        next = index_->Next(0, false);
+        next = s.index_->Next(0, false);
         periods_before += period;  // may exceed 2^64; checked below
         if (periods_before < period) {
             return std::nullopt;
@@ -250,13 +273,14 @@ std::int64_t CStimulus::GetNextEventTime(std::int64_t time) const noexcept {
     if (counter_) {
         return counter_->GetNextEventTime(time);
     }
-    const std::optional<std::int64_t> pattern_start = GetStartTime();
+    const std::optional<std::int64_t> pattern_start = StimulusWork::GetStartTime(*this);
     if (elements_.empty() || !pattern_start || time == corv::util::Int64Limits::max()) {
         return -1;
     }
     const std::int64_t from = std::max(time + 1, *pattern_start);
     const CSimpleStimulus* absolute = index_->Next(from, true);
-    const std::optional<std::int64_t> relative = NextRelativeEvent(from, *pattern_start);
+    const std::optional<std::int64_t> relative =
+        StimulusWork::NextRelativeEvent(*this, from, *pattern_start);
     if (absolute && (!relative || absolute->GetTime() < *relative)) {
         return absolute->GetTime();
     }
@@ -264,33 +288,33 @@ std::int64_t CStimulus::GetNextEventTime(std::int64_t time) const noexcept {
 }
 
 void CStimulus::GenerateFormula(CString& out) noexcept {
-    if (!corv::platform::Done([&] { out = CString(WriteFormula()); })) {
+    if (!corv::platform::Done([&] { out = CString(StimulusWork::WriteFormula(*this)); })) {
         out.Empty();
     }
 }
 
-std::string CStimulus::WriteFormula() {
+std::string StimulusWork::WriteFormula(CStimulus& s) {
     std::string out;
-    if (custom_ || counter_) {
+    if (s.custom_ || s.counter_) {
         return out;
     }
-    for (const auto& element : elements_) {
+    for (const auto& element : s.elements_) {
         element->time_ = Time(element->GetTime());
         if (!out.empty()) {
             out += ", ";
         }
         if (element->include_time_) {
-            const std::int64_t offset = element->Absolute() != 0 ? 0 : pattern_offset_.GetTime();
+            const std::int64_t offset = element->Absolute() != 0 ? 0 : s.pattern_offset_.GetTime();
             corv::stimulus::AppendElement(out, element->value_.View(), element->Absolute() != 0,
                                           element->time_.value + offset, {});
         } else {
             out += element->value_.View();
         }
     }
-    if (repeat_period_.GetTime() != 0) {
+    if (s.repeat_period_.GetTime() != 0) {
         out += " -r ";
-        corv::util::AppendNumber(out, repeat_period_.value);
-        out += corv::stimulus::WrittenUnit(repeat_period_);
+        corv::util::AppendNumber(out, s.repeat_period_.value);
+        out += corv::stimulus::WrittenUnit(s.repeat_period_);
     }
     return out;
 }

@@ -50,8 +50,7 @@ public:
 private:
     using States = std::map<std::int64_t, bool>;
 
-    bool Record(std::int64_t time, bool on) noexcept;
-    void Erase(States::const_iterator entry) noexcept;
+    struct Work;  // what Create and Add do with the entries
 
     States states_;
     States::const_iterator position_ = states_.end();

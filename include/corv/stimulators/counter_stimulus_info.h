@@ -53,9 +53,6 @@ public:
 
 private:
     struct Settings;
-    const Settings& Read() const noexcept;
-    template <class Change>
-    void Write(Change change) noexcept;
 
     Settings* settings_;  // owned; null if there was no memory for it
 };

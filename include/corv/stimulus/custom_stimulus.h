@@ -14,6 +14,9 @@ namespace corv::recording {
 class SignalCursor;
 class SignalReader;
 }  // namespace corv::recording
+namespace corv::stimulus {
+struct CustomWork;
+}
 
 // A recorded signal as a stimulus: it repeats what the signal did in its recording. Times are
 // picoseconds; -1 means no event. One thread at a time may use it.
@@ -56,13 +59,7 @@ public:
     const char* GetSignalTypeInfo() const noexcept;
 
 private:
-    bool Open() noexcept;
-    void Begin() noexcept;
-    corv::recording::SignalCursor* Cursor() noexcept;
-    void ClearHandleMan(ISignal* signal) noexcept;
-    bool QueryCache(IHandleManager* manager) noexcept;
-    bool TakeEvents(IHandleManager* manager, std::int64_t time) noexcept;
-    bool TakeValue(std::int64_t time) noexcept;
+    friend struct corv::stimulus::CustomWork;
 
     std::int64_t start_time_;
     std::unique_ptr<stremo::IEventsStreamRead> reader_;

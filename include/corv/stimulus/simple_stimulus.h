@@ -6,6 +6,10 @@
 #include "corv/platform/export.h"
 #include "corv/stimulus/time_unit.h"
 
+namespace corv::stimulus {
+struct StimulusWork;
+}
+
 // One element of a stimulus: a value that the signal takes at a time.
 class CORV_API CSimpleStimulus {
 public:
@@ -42,6 +46,7 @@ public:
 
 protected:
     friend class CStimulus;
+    friend struct corv::stimulus::StimulusWork;
 
     CString value_;
     TTimeUnit<std::int64_t> time_;

@@ -3,9 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "corv/platform/cstring.h"
@@ -17,7 +14,7 @@ class CCounterRef;
 class CCustomStimulus;
 namespace corv::stimulus {
 class ElementIndex;
-struct FormulaItem;
+struct StimulusWork;
 }  // namespace corv::stimulus
 
 // A stimulus made from the text of a formula. It answers which value a signal has at a time and
@@ -90,21 +87,7 @@ public:
 
 private:
     friend class CStimIterator;
-
-    std::optional<std::int64_t> GetStartTime() const noexcept;
-    bool ReadFormula(std::string_view formula, std::int64_t start);
-    bool ReadElements(std::string_view formula);
-    bool CreateCustom(std::string_view formula, std::int64_t start);
-    bool CreateCounter(std::string_view formula, std::int64_t start);
-    void SetParameter(const corv::stimulus::FormulaItem& item) noexcept;
-    bool SetValue(const corv::stimulus::FormulaItem& item);
-    void SetOffset() noexcept;
-    std::string WriteFormula();
-    std::optional<std::int64_t> NextRelativeEvent(std::int64_t from,
-                                                  std::int64_t pattern_start) const noexcept;
-    std::uint64_t Period() const noexcept;
-
-    bool BuildIndex() noexcept;
+    friend struct corv::stimulus::StimulusWork;
 
     std::vector<std::unique_ptr<CSimpleStimulus>> elements_;
     TTimeUnit<std::int64_t> start_time_;
