@@ -40,11 +40,6 @@ enum class VeskFault {
     NoLength,  // the value is kept, but lasts 0
 };
 
-// Returns whether the fault makes the whole text, or the group that it is in, unreadable.
-constexpr bool IsFatal(VeskFault fault) noexcept {
-    return fault <= VeskFault::NestedTooDeep;
-}
-
 struct VeskProblem {
     VeskFault fault;
     std::size_t position;  // in the text passed to Parse

@@ -19,8 +19,8 @@ public:
     // pattern become one with the word of the first, and are always kept.
     void Add(std::size_t offset, std::string_view pattern, std::string_view word);
 
-    // All sentences in the order of their places, each after the text that `place` makes of its
-    // offset: "byte 4096: the type has no name (2 times)".
+    // Returns all sentences in the order of their places, each after the text that `place` makes of
+    // its offset: "byte 4096: the type has no name (2 times)".
     std::vector<std::string> Sentences(const std::function<std::string(std::size_t)>& place) const;
 
 private:
@@ -31,7 +31,7 @@ private:
         std::uint64_t count;
     };
 
-    // Whether there is a note of the pattern, which is counted then.
+    // Counts a note of the pattern, if there is one; returns whether there is.
     bool Counts(std::string_view pattern);
 
     std::vector<Note> notes_;

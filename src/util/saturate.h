@@ -29,13 +29,6 @@ inline std::int64_t SaturatingAdd(std::int64_t a, std::int64_t b) noexcept {
     return CheckedAdd(a, b).value_or(b > 0 ? Int64Limits::max() : Int64Limits::min());
 }
 
-inline std::int64_t SaturatingSubtract(std::int64_t a, std::int64_t b) noexcept {
-    if (b < 0 ? a > Int64Limits::max() + b : a < Int64Limits::min() + b) {
-        return b < 0 ? Int64Limits::max() : Int64Limits::min();
-    }
-    return a - b;
-}
-
 // The factor must be above 0.
 inline std::int64_t SaturatingMultiply(std::int64_t value, std::int64_t factor) noexcept {
     constexpr std::int64_t kSmall = std::numeric_limits<std::int32_t>::max();

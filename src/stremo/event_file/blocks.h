@@ -48,10 +48,8 @@ private:
         std::vector<unsigned char> entries = {};  // empty: not checked yet
     };
 
-    bool CountBlocks(std::uint64_t blocks);
     bool CheckPage(std::size_t number, Page& page);
     std::optional<Entry> FindEntry(std::size_t block);
-    bool CheckBlock(const Entry& entry, const RecordHeader& header);
     bool AddWalked(std::uint64_t offset, const RecordHeader& header);
 
     bool Fail(std::uint64_t offset, const char* what) const;

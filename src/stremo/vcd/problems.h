@@ -39,7 +39,8 @@ enum class Problem : unsigned char {
 // What is said of a problem; % stands for a word of the file.
 const char* PatternOf(Problem problem) noexcept;
 
-// All sentences of the notes, each with line and column.
+// Returns all sentences of the notes, each with line and column. Lines are counted only here, since
+// most files have nothing to report.
 std::vector<std::string> Sentences(const recording::Notes& notes,
                                    const platform::FileContent& content);
 
