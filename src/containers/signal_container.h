@@ -61,7 +61,7 @@ public:
     // A container as one of this class; null when others have made it.
     static SignalContainer* FromOwn(ISignalContainer& container) noexcept;
     // Makes the members that are still to be made. False, with nothing changed, without memory.
-    bool IsMade() noexcept { return !late_ || MakeMembers(); }
+    bool MakeAll() noexcept { return !late_ || MakeMembers(); }
     bool IsLate() const noexcept { return late_ != nullptr; }
     // Takes the members that are still to be made out of a handle manager; null: of any.
     void LeaveLate(const HandleManager* manager) noexcept;
