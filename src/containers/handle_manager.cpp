@@ -65,7 +65,7 @@ HRESULT CORV_CALL HandleManager::AddSignal(ISignal* signal) noexcept {
     if (FindListing(*signal, handle) != nullptr) {
         return S_OK;
     }
-    if (!IsMade(handle)) {
+    if (!MakeSignals(handle)) {
         return E_OUTOFMEMORY;
     }
     return platform::Done([&] { List(*signal, handle); }) ? S_OK : E_OUTOFMEMORY;
@@ -164,7 +164,7 @@ HandleManager::Page* HandleManager::FindPage(int handle) noexcept {
 
 ISignal* HandleManager::FindFrom(Place& place) noexcept {
     Page* const page = FindPage(place.first);
-    if (page == nullptr || (page->used & BitOf(place.first)) == 0 || !IsMade(place.first)) {
+    if (page == nullptr || (page->used & BitOf(place.first)) == 0 || !MakeSignals(place.first)) {
         return nullptr;
     }
     if (ISignal* const only = page->At(place.first)) {
@@ -275,9 +275,9 @@ bool HandleManager::IsLateIn(const SignalContainer& container, int handle) noexc
     return page != nullptr && page->IsLate(handle) && page->EntryOf(handle).late == &container;
 }
 
-bool HandleManager::IsMade(int handle) noexcept {
+bool HandleManager::MakeSignals(int handle) noexcept {
     Page* const page = FindPage(handle);
-    return page == nullptr || !page->IsLate(handle) || page->EntryOf(handle).late->IsMade();
+    return page == nullptr || !page->IsLate(handle) || page->EntryOf(handle).late->MakeAll();
 }
 
 void HandleManager::Unlist(ISignal& signal, int handle) noexcept {

@@ -88,8 +88,8 @@ private:
     static std::uint32_t BitOf(int handle) noexcept {
         return std::uint32_t{1} << (static_cast<std::uint32_t>(handle) % kPageSize);
     }
-    // Whether the signals of a handle are made, if need be now. False without memory.
-    bool IsMade(int handle) noexcept;
+    // Makes the signals of a handle that are still to be made. False without memory.
+    bool MakeSignals(int handle) noexcept;
     bool IsLateIn(const SignalContainer& container, int handle) noexcept;
     void Free(Page& page, int handle) noexcept;
 

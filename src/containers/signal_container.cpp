@@ -39,7 +39,7 @@ HRESULT CORV_CALL SignalContainer::Add(ISignal* signal) noexcept {
     if (signal == nullptr) {
         return E_INVALIDARG;
     }
-    return IsMade() ? Put(signals_.size(), *signal) : E_OUTOFMEMORY;
+    return MakeAll() ? Put(signals_.size(), *signal) : E_OUTOFMEMORY;
 }
 
 HRESULT CORV_CALL SignalContainer::Remove(ISignal* signal) noexcept {
@@ -90,7 +90,7 @@ void CORV_CALL SignalContainer::RemoveAll() noexcept {
 }
 
 HRESULT CORV_CALL SignalContainer::EnumSignals(ISignalEnumerator** enumerator) noexcept {
-    return IsMade() ? frame::CreateComObject<SignalEnumerator>(enumerator, *this) : E_OUTOFMEMORY;
+    return MakeAll() ? frame::CreateComObject<SignalEnumerator>(enumerator, *this) : E_OUTOFMEMORY;
 }
 
 HRESULT CORV_CALL SignalContainer::GetAt(std::uint32_t index, ISignal** signal) noexcept {

@@ -59,7 +59,7 @@ public:
     const SignalList& Signals() const noexcept { return signals_; }
 
     // Makes the members that are still to be made. False, with nothing changed, without memory.
-    bool IsMade() noexcept { return !late_ || MakeMembers(); }
+    bool MakeAll() noexcept { return !late_ || MakeMembers(); }
     bool IsLate() const noexcept { return late_ != nullptr; }
     // Takes the members that are still to be made out of a handle manager; null: of any.
     void LeaveLate(const HandleManager* manager) noexcept;

@@ -92,7 +92,7 @@ HRESULT CORV_CALL SignalContainer::FindSignal(const char* path, ISignal** signal
     if (path == nullptr || !level.IsAllowed()) {
         return E_FAIL;
     }
-    if (!IsMade()) {
+    if (!MakeAll()) {
         return E_OUTOFMEMORY;
     }
     const SplitPath parts(path);

@@ -61,7 +61,7 @@ HRESULT CORV_CALL SignalContainer::Save(IByteStream* stream) noexcept {
     if (stream == nullptr || !level.IsAllowed()) {
         return E_FAIL;
     }
-    if (!IsMade()) {
+    if (!MakeAll()) {
         return E_OUTOFMEMORY;
     }
     const HRESULT checked = is_outermost ? SaveSignals(tree::SaveCheck::Get()) : S_OK;
@@ -205,7 +205,7 @@ HRESULT SignalContainer::LoadOne(signals::ReaderLoad& load, IEventsStreamRead& r
 }
 
 HRESULT CORV_CALL SignalContainer::WriteToWriter(IEventsStreamWrite* writer) noexcept {
-    if (writer == nullptr || !IsMade()) {
+    if (writer == nullptr || !MakeAll()) {
         return E_FAIL;
     }
     const std::size_t count = writer->IsReady() ? signals_.size() : 0;
