@@ -226,35 +226,28 @@ std::string ZshFunction(const CommandInfo& command) {
            calls + "        esac ;;\n    esac\n}\n";
 }
 
-constexpr std::string_view kZshHelpers = R"shell(#compdef corv
+// clang-format off
+constexpr std::string_view kZshHelpers = R"(#compdef corv
 _corv_signals() {
     local -a names
-    names=(${(f)" $(command corv info-- names-- $ { (Q)1 } 2 > / dev / null) "})
-                                         compadd -
-                                         M 'm:{a-zA-Z}={A-Za-z}' - a names
+    names=("${(@f)$(command corv info --names -- "${(Q)1}" 2>/dev/null)}")
+    compadd -M 'm:{a-zA-Z}={A-Za-z}' -a names
 }
 _corv_names() {
     local word
-    for word in ${(Q)words[2,-1]};
-    do
-        [[-f $word]]&& {
-            _corv_signals $word;
-            return
-        }
+    for word in "${(Q)words[@]:1}"; do
+        [[ -f $word ]] && { _corv_signals "$word"; return }
     done
 }
 _corv_replay() {
-    if compset
-        -P '*:';
-    then _corv_signals $ {
-        $ {
-            IPREFIX %:
-        }
-        ## *=
-    }
-    else _files - S : fi
+    if compset -P '*:'; then
+        _corv_signals "${${IPREFIX%:}##*=}"
+    else
+        _files -S :
+    fi
 }
-)shell";
+)";
+// clang-format on
 
 std::string Zsh(const CommandInfo& program) {
     std::string out(kZshHelpers);

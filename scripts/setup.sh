@@ -26,7 +26,9 @@ declare -A packages=(
         pkgconf             command pkg-config
         binutils            command nm
         ghdl                command ghdl
-        gtkwave             command vcd2fst"
+        gtkwave             command vcd2fst
+        zsh                 command zsh
+        fish                command fish"
     [bench]="
         libbenchmark-dev    header benchmark/benchmark.h"
     [checks]="
