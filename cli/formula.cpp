@@ -40,9 +40,9 @@ struct Operand {
     std::string Prefix() const { return text.substr(0, text.size() - named.formula.size()); }
 
     // Returns the problems with their places in the whole text.
-    std::vector<FormulaProblem> Check(unsigned unit) const {
+    std::vector<Problem> Check(unsigned unit) const {
         auto problems = CheckNamedFormula(named, ReadFormulaType(named.name, named.type), unit);
-        for (FormulaProblem& problem : problems) {
+        for (Problem& problem : problems) {
             problem.position += Prefix().size();
         }
         return problems;

@@ -205,8 +205,8 @@ VectorText::VectorText(const std::string& written, const FormulaType& type, unsi
     problems = values.Problems(CheckVectorFormula(formula.c_str(), width, 1, unit));
 }
 
-std::vector<FormulaProblem> CheckNamedFormula(const host::NamedFormula& named,
-                                              const FormulaType& type, unsigned unit) {
+std::vector<Problem> CheckNamedFormula(const host::NamedFormula& named, const FormulaType& type,
+                                       unsigned unit) {
     if (type.shape.width > 0) {
         return VectorText(named.formula, type, unit).problems;
     }
@@ -235,7 +235,7 @@ FormulaType ReadFormulaType(const std::string& name, const std::string& text) {
         return {{width, false}, ""};
     }
     CString description;
-    TypeProblem problem;
+    Problem problem;
     if (!TypeFromVhdl(text.c_str(), description, &problem)) {
         throw Failure("the type of " + name + ", column " + std::to_string(problem.position + 1) +
                       ": " + problem.sentence);

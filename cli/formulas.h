@@ -74,12 +74,12 @@ struct VectorText {
     VectorText(const std::string& written, const FormulaType& type, unsigned unit);
 
     std::string formula;
-    std::vector<FormulaProblem> problems;
+    std::vector<Problem> problems;
 };
 
 // Returns the problems of a formula for a signal of its type.
-std::vector<FormulaProblem> CheckNamedFormula(const host::NamedFormula& named,
-                                              const FormulaType& type, unsigned unit);
+std::vector<Problem> CheckNamedFormula(const host::NamedFormula& named, const FormulaType& type,
+                                       unsigned unit);
 
 // Returns the window that the user asked for; without an end in the options it ends at
 // `natural_end`. Throws Failure if it is empty.

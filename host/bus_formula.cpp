@@ -40,10 +40,8 @@ BusFormula::BusFormula(const std::string& formula, const BusType& type) {
         BusValue value = ReadBusValue(word, type);
         const bool refused = value.characters.empty() && !value.problem.empty();
         if (!value.problem.empty()) {
-            problems_.push_back(
-                {place.position, place.length,
-                 refused ? FormulaProblem::Severity::Error : FormulaProblem::Severity::Warning,
-                 value.problem});
+            problems_.push_back({place.position, place.length, value.problem,
+                                 refused ? Problem::Severity::Error : Problem::Severity::Warning});
         }
         if (refused) {
             // any value that fits will do; it only has to cause no further problems
@@ -79,7 +77,7 @@ std::size_t BusFormula::PositionOf(std::size_t at) const {
 
 // Translates a problem of the converted text back to the formula: its place, and any value that its
 // sentence quotes.
-void BusFormula::MoveBack(FormulaProblem& problem) const {
+void BusFormula::MoveBack(Problem& problem) const {
     const std::size_t begin = PositionOf(problem.position);
     const std::size_t end = problem.position + problem.length;
     for (const Replaced& replaced : replaced_) {
@@ -102,18 +100,17 @@ void BusFormula::MoveBack(FormulaProblem& problem) const {
     problem.position = begin;
 }
 
-std::vector<FormulaProblem> BusFormula::Problems(std::vector<FormulaProblem> of_text) const {
-    std::vector<FormulaProblem> all = problems_;
-    for (FormulaProblem& problem : of_text) {
+std::vector<Problem> BusFormula::Problems(std::vector<Problem> of_text) const {
+    std::vector<Problem> all = problems_;
+    for (Problem& problem : of_text) {
         MoveBack(problem);
         all.push_back(std::move(problem));
     }
-    std::stable_sort(all.begin(), all.end(), [](const FormulaProblem& a, const FormulaProblem& b) {
-        return a.position < b.position;
-    });
+    std::stable_sort(all.begin(), all.end(),
+                     [](const Problem& a, const Problem& b) { return a.position < b.position; });
     if (all.size() > kMaxFormulaProblems) {
         all.resize(kMaxFormulaProblems);
-        all.back().severity = FormulaProblem::Severity::Error;
+        all.back().severity = Problem::Severity::Error;
         all.back().sentence = "there are more problems from here on";
     }
     return all;

@@ -25,7 +25,7 @@ public:
 
     // Returns what is wrong with the values, together with the problems that a check of Text() has
     // found, in the order and with the places of the formula as it was written.
-    std::vector<FormulaProblem> Problems(std::vector<FormulaProblem> of_text) const;
+    std::vector<Problem> Problems(std::vector<Problem> of_text) const;
 
 private:
     struct Replaced {
@@ -35,12 +35,12 @@ private:
         std::size_t position;  // in the formula
     };
 
-    void MoveBack(FormulaProblem& problem) const;
+    void MoveBack(Problem& problem) const;
     std::size_t PositionOf(std::size_t at) const;
 
     std::string text_;
     std::vector<Replaced> replaced_;
-    std::vector<FormulaProblem> problems_;
+    std::vector<Problem> problems_;
 };
 
 }  // namespace corv::host

@@ -36,8 +36,8 @@ std::string WithoutConsequence(std::string sentence) {
 // The library's formula check knows best what a time lacks; it is asked about a value at that time.
 std::string Complaint(const std::string& text) {
     if (!text.empty() && text.find_first_of(" ,'\"(@") == std::string::npos) {
-        for (const FormulaProblem& problem : CheckFormula(("0 " + text).c_str())) {
-            if (problem.severity == FormulaProblem::Severity::Error) {
+        for (const Problem& problem : CheckFormula(("0 " + text).c_str())) {
+            if (problem.severity == Problem::Severity::Error) {
                 return WithoutConsequence(problem.sentence);
             }
         }

@@ -71,6 +71,7 @@
 #include "corv/typeinfo/vhdl_type.h"
 #include "corv/util/dec_converter.h"
 #include "corv/util/extended_id.h"
+#include "corv/util/problem.h"
 #include "corv/util/text.h"
 #include "corv/util/time_units.h"
 #include "corv/version.h"

@@ -104,7 +104,7 @@ TEST(BusFormula, KeepsThePlacesOfTheFormula) {
     EXPECT_EQ(bus.Text(), "10100101 0, 00000101 10xs, 00000000 20, 00000101 30 -r 40");
     const auto problems = bus.Problems(CheckVectorFormula(bus.Text().c_str(), 8, 1));
     std::string places;
-    for (const FormulaProblem& problem : problems) {
+    for (const Problem& problem : problems) {
         places += formula.substr(problem.position, problem.length) + "|";
     }
     EXPECT_EQ(places, "xs|300|X\"5\"|");

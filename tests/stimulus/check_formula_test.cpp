@@ -110,10 +110,10 @@ TEST(CheckFormula, OneProblem) {
         if (problems.empty()) {
             continue;
         }
-        const FormulaProblem& problem = problems[0];
+        const Problem& problem = problems[0];
         EXPECT_EQ(static_cast<std::int64_t>(problem.position), Int(row[1]));
         EXPECT_EQ(static_cast<std::int64_t>(problem.length), Int(row[2]));
-        EXPECT_EQ(problem.severity == FormulaProblem::Severity::Error ? "E" : "W", row[3]);
+        EXPECT_EQ(problem.severity == Problem::Severity::Error ? "E" : "W", row[3]);
         EXPECT_FALSE(problem.sentence.empty());
         EXPECT_NE(problem.sentence.find(row[4]), std::string::npos) << problem.sentence;
     }
@@ -153,8 +153,8 @@ std::string Repeat(const std::string& text, int times) {
 
 // Of too many problems the errors are kept, and the last line is an error only for more of these.
 TEST(CheckFormula, TooManyProblems) {
-    const auto error = FormulaProblem::Severity::Error;
-    const auto warning = FormulaProblem::Severity::Warning;
+    const auto error = Problem::Severity::Error;
+    const auto warning = Problem::Severity::Warning;
     for (const auto& [formula, last, errors] : {std::tuple(Repeat("0 5xs, ", 5'000), error, 100),
                                                 {Repeat("0 0.5, ", 5'000), warning, 0},
                                                 {Repeat("-r 5,", 100'000), warning, 1},
@@ -164,7 +164,7 @@ TEST(CheckFormula, TooManyProblems) {
         ASSERT_EQ(problems.size(), kMaxFormulaProblems);
         EXPECT_EQ(problems.back().severity, last);
         EXPECT_EQ(std::count_if(problems.begin(), problems.end(),
-                                [&](const FormulaProblem& p) { return p.severity == error; }),
+                                [&](const Problem& p) { return p.severity == error; }),
                   errors);
         EXPECT_TRUE(
             std::is_sorted(problems.begin(), problems.end(),
@@ -172,7 +172,7 @@ TEST(CheckFormula, TooManyProblems) {
     }
     const std::string deep = "/vesk " + Repeat("(", 300) + "010NS" + Repeat(")2", 300) + " 010NS";
     EXPECT_EQ(CheckFormula(deep.c_str()).size(), 1U);
-    for (const FormulaProblem& problem :
+    for (const Problem& problem :
          CheckFormula(("0 0, 1 10" + std::string(39, 'x') + "\u00e9").c_str())) {
         EXPECT_NE(problem.sentence.find("x...`"), std::string::npos) << problem.sentence;
     }

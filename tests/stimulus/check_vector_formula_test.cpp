@@ -13,11 +13,11 @@
 namespace corv::test {
 namespace {
 
-using Problems = std::vector<FormulaProblem>;
+using Problems = std::vector<Problem>;
 
 bool HasErrors(const Problems& problems) {
-    return std::any_of(problems.begin(), problems.end(), [](const FormulaProblem& problem) {
-        return problem.severity == FormulaProblem::Severity::Error;
+    return std::any_of(problems.begin(), problems.end(), [](const Problem& problem) {
+        return problem.severity == Problem::Severity::Error;
     });
 }
 
@@ -83,7 +83,7 @@ TEST(CheckVectorFormula, OneProblem) {
         EXPECT_EQ(problems[0].position, begin);
         EXPECT_EQ(problems[0].length, end - begin);
         const bool warning = row[2].starts_with("W:");
-        EXPECT_EQ(problems[0].severity == FormulaProblem::Severity::Warning, warning);
+        EXPECT_EQ(problems[0].severity == Problem::Severity::Warning, warning);
         EXPECT_NE(problems[0].sentence.find(row[2].substr(warning ? 2 : 0)), std::string::npos)
             << problems[0].sentence;
     }
