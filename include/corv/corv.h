@@ -73,6 +73,7 @@
 #include "corv/util/extended_id.h"
 #include "corv/util/problem.h"
 #include "corv/util/text.h"
+#include "corv/util/time_text.h"
 #include "corv/util/time_units.h"
 #include "corv/version.h"
 #include "corv/waves/find_mode.h"
