@@ -31,8 +31,8 @@ std::string TextOperand(const std::string& argument, const std::string& what) {
     return text;
 }
 
-void ProblemList::Add(std::size_t position, std::size_t length, std::string sentence,
-                      Problem::Severity severity) {
+void CappedProblems::Add(std::size_t position, std::size_t length, std::string sentence,
+                         Problem::Severity severity) {
     if (problems_.size() < kMaxFormulaProblems) {
         problems_.push_back({position, length, std::move(sentence), severity});
     } else {

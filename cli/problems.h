@@ -19,7 +19,7 @@ namespace corv::cli {
 std::string TextOperand(const std::string& argument, const std::string& what);
 
 // Collects problems up to the number that is listed, kMaxFormulaProblems.
-class ProblemList {
+class CappedProblems {
 public:
     // Adds what was found in a part of the text; it is a warning unless the severity says
     // otherwise.

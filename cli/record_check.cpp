@@ -134,7 +134,7 @@ private:
 
     const std::string& text_;
     std::vector<TextPart> parts_;
-    ProblemList problems_;
+    CappedProblems problems_;
 };
 
 }  // namespace

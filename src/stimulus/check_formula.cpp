@@ -69,13 +69,14 @@ std::vector<Problem> CheckGuarded(const char* formula, const CheckedAs& as) noex
 
 }  // namespace
 
-std::vector<Problem> CheckFormula(const char* formula, std::uint32_t default_unit) noexcept {
-    return CheckGuarded(formula, {default_unit, std::nullopt});
+std::vector<Problem> CheckFormula(const char* formula, TimeUnit default_unit) noexcept {
+    return CheckGuarded(formula, {static_cast<unsigned>(default_unit), std::nullopt});
 }
 
 std::vector<Problem> CheckVectorFormula(const char* formula, int width, int split_mode,
-                                        std::uint32_t default_unit) noexcept {
-    return CheckGuarded(formula, {default_unit, stimulus::VectorShape{width, split_mode}});
+                                        TimeUnit default_unit) noexcept {
+    return CheckGuarded(
+        formula, {static_cast<unsigned>(default_unit), stimulus::VectorShape{width, split_mode}});
 }
 
 }  // namespace corv

@@ -105,7 +105,7 @@ std::string Unescape(std::string text) {
 TEST(CheckFormula, OneProblem) {
     for (const auto& row : Table(kTable)) {
         SCOPED_TRACE(row[0]);
-        const auto problems = CheckFormula(Unescape(row[0]).c_str(), 1);
+        const auto problems = CheckFormula(Unescape(row[0]).c_str());
         EXPECT_EQ(problems.size(), 1U) << (problems.empty() ? "" : problems[0].sentence);
         if (problems.empty()) {
             continue;
@@ -138,8 +138,8 @@ TEST(CheckFormula, OrderUnitAndLimit) {
     for (std::size_t i = 1; i < problems.size(); ++i) {
         EXPECT_LE(problems[i - 1].position, problems[i].position);
     }
-    EXPECT_TRUE(CheckFormula("0 0, 1 90 -r 10ns", 1).empty());
-    EXPECT_EQ(CheckFormula("0 0, 1 90 -r 10ns", 2).size(), 1U);  // 90 ns
+    EXPECT_TRUE(CheckFormula("0 0, 1 90 -r 10ns").empty());
+    EXPECT_EQ(CheckFormula("0 0, 1 90 -r 10ns", TimeUnit::Nanosecond).size(), 1U);  // 90 ns
     EXPECT_EQ(CheckFormula(nullptr).size(), 1U);
 }
 

@@ -6,6 +6,7 @@
 
 #include "corv/platform/export.h"
 #include "corv/util/problem.h"
+#include "corv/util/time_text.h"
 
 namespace corv {
 
@@ -18,9 +19,9 @@ using FormulaProblem = Problem;
 inline constexpr std::size_t kMaxFormulaProblems = 100;
 
 // Reads a formula as CStimulus::Create does, with a start time of 0, and lists what is wrong with
-// it in the order of the text. `default_unit` is the unit of times written without one, in the
-// identifiers of time_units.h. An empty list means that the formula is fine; null counts as an
-// empty formula. If memory runs out, the list ends with an error "out of memory".
+// it in the order of the text. `default_unit` is the unit of times written without one. An empty
+// list means that the formula is fine; null counts as an empty formula. If memory runs out, the
+// list ends with an error "out of memory".
 //
 // Besides everything that Create refuses, it reports values that never take effect (their time is
 // taken by another value, is before the pattern or past its repetition), a value at the end that
@@ -28,15 +29,16 @@ inline constexpr std::size_t kMaxFormulaProblems = 100;
 // out of range, and values of the compact notation that last 0. The formula is not evaluated and a
 // notation is not unrolled, so the time for a check is proportional to the length of the text.
 //
-//     for (const corv::Problem& p : corv::CheckFormula("0 0, 1 10xs", 1))
+//     for (const corv::Problem& p : corv::CheckFormula("0 0, 1 10xs"))
 //         ...   // position 9, length 2: "unknown unit `xs`; did you mean `ns`?"
 CORV_API std::vector<Problem> CheckFormula(const char* formula,
-                                           std::uint32_t default_unit = 1) noexcept;
+                                           TimeUnit default_unit = TimeUnit::Picosecond) noexcept;
 
 // The same for the formula of a vector, as CFormulaParser::Run reads it with this width and split
 // mode: counters of any type are accepted, and every value has to fit the width. A number with more
 // bits than the vector is a warning, as is a list with too few or too many words.
-CORV_API std::vector<Problem> CheckVectorFormula(const char* formula, int width, int split_mode,
-                                                 std::uint32_t default_unit = 1) noexcept;
+CORV_API std::vector<Problem> CheckVectorFormula(
+    const char* formula, int width, int split_mode,
+    TimeUnit default_unit = TimeUnit::Picosecond) noexcept;
 
 }  // namespace corv

@@ -16,6 +16,8 @@ struct Problem {
     std::size_t length = 0;    // in bytes; 0 points at the end of the text
     std::string sentence;      // what is wrong and what would be right, without a full stop
     Severity severity = Severity::Error;
+
+    bool operator==(const Problem&) const = default;
 };
 
 }  // namespace corv
