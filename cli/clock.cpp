@@ -7,20 +7,17 @@
 #include <memory>
 
 #include "cli/command.h"
-#include "cli/frequency.h"
 #include "cli/json.h"
 #include "cli/options.h"
 #include "cli/output.h"
 #include "cli/suggestion.h"
 #include "corv/stimulus/stim_iterator.h"
 #include "corv/stimulus/stimulus.h"
+#include "corv/util/time_text.h"
 #include "corv/util/time_units.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
-
-constexpr double kLongestPeriod = 9.2e18;  // picoseconds; just below the largest time
 
 // A positive number with the identifier of its unit, of time or of frequency.
 struct Rate {
@@ -54,7 +51,7 @@ std::string ReadFrequency(const std::string& text, std::optional<Rate>& frequenc
     }
     const std::string_view rest(read.ptr, static_cast<std::size_t>(end - read.ptr));
     const std::string unit(rest.substr(std::min(rest.find_first_not_of(' '), rest.size())));
-    const std::vector<std::string> names(std::begin(kFrequencyUnits), std::end(kFrequencyUnits));
+    const std::vector<std::string> names(FrequencyUnitNames().begin(), FrequencyUnitNames().end());
     while (!unit.empty() && rate.unit < names.size() && Lower(names[rate.unit]) != Lower(unit)) {
         ++rate.unit;
     }
@@ -66,13 +63,21 @@ std::string ReadFrequency(const std::string& text, std::optional<Rate>& frequenc
     return rate.value > 0 ? "" : "the frequency must be above 0";
 }
 
+// A period may be finer than a picosecond until the formula is made.
 std::string ReadPeriod(const std::string& text, std::optional<Rate>& period) {
-    const host::WrittenTime time = host::ReadWrittenTime(text);
-    if (!time.problem.empty()) {
-        return time.problem;
+    std::string closed = text;
+    std::erase_if(closed, [](char c) {
+        return std::string_view(" \t\r\n").find(c) != std::string_view::npos;
+    });
+    double number = 0;
+    int unit = -1;
+    if (!TextToTime(closed.c_str(), &number, &unit)) {
+        Problem problem;
+        ParseTime(text, &problem);
+        return problem.sentence;
     }
-    period = Rate{time.number, time.unit};
-    return time.number > 0 ? "" : "the period must be above 0";
+    period = Rate{number, unit < 0 ? kPicosecond : static_cast<unsigned>(unit)};
+    return number > 0 ? "" : "the period must be above 0";
 }
 
 CClock MakeClock(const ClockOptions& options) {
@@ -144,12 +149,12 @@ int RunClock(const ClockOptions& options) {
         throw Failure("either --period or --freq is needed, and not both");
     }
     const CClock clock = MakeClock(options);
-    if (!(ExactPeriod(clock) < kLongestPeriod)) {
+    if (!(ExactPeriod(clock) < static_cast<double>(kMaxTime))) {
         throw Failure("the period is longer than a time can be");
     }
     CString formula;
     CString record;
-    clock.GenerateFormula(formula, host::kPicosecond, nullptr);
+    clock.GenerateFormula(formula, kPicosecond, nullptr);
     clock.StreamOut(record);
     const std::string text(formula.View());
     CheckEdges(clock, text);
@@ -179,7 +184,7 @@ void AddClock(CLI::App& program, Action& chosen) {
                  return ReadPeriod(word, options->period);
              });
     AddValue(*command, "--freq", "FREQUENCY",
-             "How many periods come in a second; the units are Hz, kHz, MHz, GHz and THz",
+             "How many periods come in a second; the units are " + Listed(FrequencyUnitNames()),
              [options = options.get()](const std::string& word) {
                  return ReadFrequency(word, options->frequency);
              });

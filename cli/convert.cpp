@@ -9,8 +9,8 @@
 #include "cli/progress.h"
 #include "cli/recordings.h"
 #include "cli/suggestion.h"
+#include "corv/util/time_text.h"
 #include "host/convert.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -19,7 +19,7 @@ struct ConvertCommand {
     std::string input, output, other_output, format;
     std::vector<std::string> names;
     std::optional<std::int64_t> start, end;
-    std::optional<unsigned> time_unit;
+    std::optional<TimeUnit> time_unit;
     bool four_state = false;
     bool quiet = false;
 };
@@ -33,8 +33,8 @@ host::ConvertOptions OptionsOf(const ConvertCommand& command) {
         throw Failure("--start lies before 0");
     }
     if (options.end && *options.end < options.start) {
-        throw Failure("the window ends at " + host::TimeText(*options.end) +
-                      ", before its start at " + host::TimeText(options.start));
+        throw Failure("the window ends at " + FormatTime(*options.end) + ", before its start at " +
+                      FormatTime(options.start));
     }
     return options;
 }

@@ -8,7 +8,7 @@
 #include "cli/output.h"
 #include "corv/stimulators/counter.h"
 #include "corv/util/dec_converter.h"
-#include "host/time_text.h"
+#include "corv/util/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -79,7 +79,7 @@ int RunCounter(const CounterOptions& options) {
     info.SetDisplayRadix(options.start.radix);
     info.SetStartingValue(Digits(options.start.value, options.start.radix).c_str());
     info.SetIncrementBy(Digits(options.step.value, options.start.radix).c_str());
-    info.SetCountPeriod(host::TimeText(*options.period).c_str());
+    info.SetCountPeriod(FormatTime(*options.period).c_str());
     info.SetReverseBitOrder(options.reverse);
     char text[512];  // enough for three numbers of 64 bits and the keys
     if (!info.GenerateFormula(text, sizeof text)) {

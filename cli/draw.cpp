@@ -8,10 +8,10 @@
 #include "cli/output.h"
 #include "cli/output_file.h"
 #include "cli/recordings.h"
+#include "corv/util/time_text.h"
 #include "host/axis.h"
 #include "host/svg.h"
 #include "host/terminal.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -81,7 +81,7 @@ void TellMany(const DrawOptions& options, const Shown& shown) {
 void TellEnd(const Shown& shown, host::TimeWindow window) {
     const auto end = shown.RecordingEnd();
     if (end && *end < window.end) {
-        WriteMessage("note", "the recording ends at " + host::TimeText(*end) +
+        WriteMessage("note", "the recording ends at " + FormatTime(*end) +
                                  (*end < window.start ? ", before the window"
                                                       : "; after it nothing is drawn"));
     }

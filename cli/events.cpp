@@ -7,8 +7,8 @@
 #include "cli/options.h"
 #include "cli/output.h"
 #include "cli/recordings.h"
+#include "corv/util/time_text.h"
 #include "host/fit_text.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -43,7 +43,7 @@ Listing MakeListing(const EventsOptions& options) {
     listing.window = shown.Window();
     if (const auto end = shown.RecordingEnd(); end && *end < listing.window.start) {
         WriteMessage("warning",
-                     "the recording ends at " + host::TimeText(*end) + ", before the window");
+                     "the recording ends at " + FormatTime(*end) + ", before the window");
     }
     listing.traces = shown.Events(listing.window, max);
     for (host::Trace& trace : listing.traces) {
@@ -66,7 +66,7 @@ Listing MakeListing(const EventsOptions& options) {
 
 // Returns a table with a row for each time and a column for each signal; a cell is empty if the
 // signal has no event at that time.
-std::string Table(const Listing& listing, std::optional<unsigned> unit) {
+std::string Table(const Listing& listing, std::optional<TimeUnit> unit) {
     std::vector<std::vector<std::string>> rows(1, {"time"});
     for (const host::Trace& trace : listing.traces) {
         rows.front().push_back(trace.name);
@@ -75,7 +75,7 @@ std::string Table(const Listing& listing, std::optional<unsigned> unit) {
     for (const Event& event : listing.events) {
         if (event.time != last) {
             rows.emplace_back(rows.front().size());
-            rows.back()[0] = unit ? host::TimeText(event.time, *unit) : host::TimeText(event.time);
+            rows.back()[0] = TimeText(event.time, unit);
             last = event.time;
         }
         rows.back()[event.signal + 1] = host::CleanText(*event.value);
@@ -140,8 +140,7 @@ int RunEvents(const EventsOptions& options) {
     if (listing.truncated) {
         WriteMessage("warning", "only the first " + std::to_string(listing.events.size()) +
                                     " events are listed, up to " +
-                                    host::TimeText(listing.events.back().time) +
-                                    "; --max lists more");
+                                    FormatTime(listing.events.back().time) + "; --max lists more");
     }
     return kFine;
 }

@@ -12,7 +12,6 @@
 #include "corv/stimulus/formula_parser.h"
 #include "corv/stimulus/stimulus.h"
 #include "host/named_formula.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -21,7 +20,7 @@ constexpr const char* kName = "formula";  // in messages
 
 struct TextOptions {
     std::string text;
-    std::optional<unsigned> default_unit;
+    std::optional<TimeUnit> default_unit;
     host::ColourMode colour = host::ColourMode::Auto;
     std::optional<int> width;
     bool words = false;
@@ -29,7 +28,7 @@ struct TextOptions {
     bool quiet = false;
 
     int SplitMode() const { return words ? 0 : 1; }
-    unsigned Unit() const { return default_unit.value_or(host::kPicosecond); }
+    TimeUnit Unit() const { return default_unit.value_or(TimeUnit::Picosecond); }
 };
 
 // A formula with what may precede it, as -f takes it.
@@ -40,9 +39,9 @@ struct Operand {
     std::string Prefix() const { return text.substr(0, text.size() - named.formula.size()); }
 
     // Returns the problems with their places in the whole text.
-    std::vector<FormulaProblem> Check(unsigned unit) const {
+    std::vector<Problem> Check(TimeUnit unit) const {
         auto problems = CheckNamedFormula(named, ReadFormulaType(named.name, named.type), unit);
-        for (FormulaProblem& problem : problems) {
+        for (Problem& problem : problems) {
             problem.position += Prefix().size();
         }
         return problems;
@@ -58,7 +57,7 @@ int RunNormal(const TextOptions& options) {
     if (ReportProblems(kName, operand.text, operand.Check(options.Unit()), options.colour)) {
         return kFailed;
     }
-    CStimulus stimulus(options.Unit(), host::kPicosecond);
+    CStimulus stimulus(static_cast<unsigned>(options.Unit()), kPicosecond);
     if (!stimulus.Create(formula.c_str(), 0)) {
         throw Failure("the formula cannot be read");
     }
@@ -85,7 +84,7 @@ int RunCheck(const TextOptions& options) {
 
 int RunSplit(const TextOptions& options) {
     const std::string formula = TextOperand(options.text, kName);
-    const VectorText vector(formula, {{*options.width, options.words}, ""}, host::kPicosecond);
+    const VectorText vector(formula, {{*options.width, options.words}, ""}, TimeUnit::Picosecond);
     if (ReportProblems(kName, formula, vector.problems, options.colour)) {
         return kFailed;
     }

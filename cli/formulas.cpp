@@ -14,11 +14,11 @@
 #include "corv/stimulus/time_unit.h"
 #include "corv/typeinfo/type_info.h"
 #include "corv/typeinfo/vhdl_type.h"
+#include "corv/util/time_text.h"
 #include "corv/util/time_units.h"
 #include "host/bus_formula.h"
 #include "host/named_formula.h"
 #include "host/replay.h"
-#include "host/time_text.h"
 #include "host/value_type.h"
 #include "host/vector_source.h"
 
@@ -28,9 +28,9 @@ namespace {
 // A stimulus takes its start in the default unit, so a start between two of its units cannot be
 // had.
 std::int64_t StartInUnit(std::int64_t at, unsigned unit) {
-    const std::int64_t start = ConvertTime(at, host::kPicosecond, unit);
-    if (ConvertTime(start, unit, host::kPicosecond) != at) {
-        throw Failure("--at: " + host::TimeText(at) + " is not a whole number of " +
+    const std::int64_t start = ConvertTime(at, kPicosecond, unit);
+    if (ConvertTime(start, unit, kPicosecond) != at) {
+        throw Failure("--at: " + FormatTime(at) + " is not a whole number of " +
                       UnitNameFromID(unit) + ", the unit of --default-unit");
     }
     return start;
@@ -43,8 +43,8 @@ host::Radix RadixOf(const std::string& word) {
                            : host::Radix::Hex;
 }
 
-unsigned UnitOf(const FormulaOptions& options) {
-    return options.default_unit.value_or(host::kPicosecond);
+TimeUnit UnitOf(const FormulaOptions& options) {
+    return options.default_unit.value_or(TimeUnit::Picosecond);
 }
 
 // Appends the signal of a formula; returns false if the formula has errors. A counter does not
@@ -52,8 +52,8 @@ unsigned UnitOf(const FormulaOptions& options) {
 // list.
 bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
                 const FormulaType& type, std::vector<NamedSource>& sources) {
-    const unsigned unit = UnitOf(options);
-    const auto problems = CheckNamedFormula(named, type, unit);
+    const auto unit = static_cast<unsigned>(UnitOf(options));
+    const auto problems = CheckNamedFormula(named, type, UnitOf(options));
     if (ReportProblems(named.name, named.formula, problems, options.colour)) {
         return false;
     }
@@ -61,7 +61,7 @@ bool LoadScalar(const FormulaOptions& options, const host::NamedFormula& named,
     if (host::IsCounter(named.formula)) {
         source = host::MakeWholeCounter(named.formula, options.at.value_or(0));
     } else {
-        auto stimulus = std::make_unique<CStimulus>(unit, host::kPicosecond);
+        auto stimulus = std::make_unique<CStimulus>(unit, kPicosecond);
         if (stimulus->Create(named.formula.c_str(), StartInUnit(options.at.value_or(0), unit))) {
             source = std::make_unique<host::StimulusSource>(std::move(stimulus));
         }
@@ -189,7 +189,7 @@ void AddRecordingOptions(CLI::App& command, FormulaOptions& options) {
         ->allow_extra_args(false);
 }
 
-VectorText::VectorText(const std::string& written, const FormulaType& type, unsigned unit)
+VectorText::VectorText(const std::string& written, const FormulaType& type, TimeUnit unit)
     : formula(written) {
     const int width = type.shape.width;
     if (type.shape.words) {
@@ -202,11 +202,11 @@ VectorText::VectorText(const std::string& written, const FormulaType& type, unsi
     }
     const host::BusFormula values(written, bus);
     formula = values.Text();
-    problems = values.Problems(CheckVectorFormula(formula.c_str(), width, 1, unit));
+    problems = values.Check(unit);
 }
 
-std::vector<FormulaProblem> CheckNamedFormula(const host::NamedFormula& named,
-                                              const FormulaType& type, unsigned unit) {
+std::vector<Problem> CheckNamedFormula(const host::NamedFormula& named, const FormulaType& type,
+                                       TimeUnit unit) {
     if (type.shape.width > 0) {
         return VectorText(named.formula, type, unit).problems;
     }
@@ -235,7 +235,7 @@ FormulaType ReadFormulaType(const std::string& name, const std::string& text) {
         return {{width, false}, ""};
     }
     CString description;
-    TypeProblem problem;
+    Problem problem;
     if (!TypeFromVhdl(text.c_str(), description, &problem)) {
         throw Failure("the type of " + name + ", column " + std::to_string(problem.position + 1) +
                       ": " + problem.sentence);
@@ -351,8 +351,8 @@ std::int64_t NaturalEnd(const FormulaOptions& options, const std::vector<NamedSo
 host::TimeWindow ChooseWindow(const FormulaOptions& options, std::int64_t natural_end) {
     const host::TimeWindow window{options.start.value_or(0), options.end.value_or(natural_end)};
     if (window.end <= window.start) {
-        throw Failure("the end " + host::TimeText(window.end) + " is not after the start " +
-                      host::TimeText(window.start));
+        throw Failure("the end " + FormatTime(window.end) + " is not after the start " +
+                      FormatTime(window.start));
     }
     return window;
 }

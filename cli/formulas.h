@@ -23,8 +23,8 @@ struct FormulaOptions {
     std::vector<std::string> formulas, replays, names;
     std::string file;  // a recording
     std::optional<std::int64_t> start, end, at, shift;
-    std::optional<unsigned> default_unit, time_unit;
-    std::optional<unsigned> recording_unit;  // of the recording, if not stated in it
+    std::optional<TimeUnit> default_unit, time_unit;
+    std::optional<TimeUnit> recording_unit;  // of the recording, if not stated in it
     std::optional<host::Radix> radix;
     bool words = false;
     bool expand = false;
@@ -71,15 +71,15 @@ FormulaType ReadFormulaType(const std::string& name, const std::string& text);
 // The formula of a vector as stimuli take it, with values such as X"A5" or 165 as characters, and
 // the problems of the formula that was written.
 struct VectorText {
-    VectorText(const std::string& written, const FormulaType& type, unsigned unit);
+    VectorText(const std::string& written, const FormulaType& type, TimeUnit unit);
 
     std::string formula;
-    std::vector<FormulaProblem> problems;
+    std::vector<Problem> problems;
 };
 
 // Returns the problems of a formula for a signal of its type.
-std::vector<FormulaProblem> CheckNamedFormula(const host::NamedFormula& named,
-                                              const FormulaType& type, unsigned unit);
+std::vector<Problem> CheckNamedFormula(const host::NamedFormula& named, const FormulaType& type,
+                                       TimeUnit unit);
 
 // Returns the window that the user asked for; without an end in the options it ends at
 // `natural_end`. Throws Failure if it is empty.

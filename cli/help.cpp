@@ -6,6 +6,7 @@
 #include "cli/description.h"
 #include "cli/output.h"
 #include "cli/suggestion.h"
+#include "corv/util/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -110,9 +111,10 @@ const std::vector<Section>& CommonSections() {
          "or letter by letter, `01XZ`. Letters of std_logic, exactly as many as the vector has "
          "elements, are always its letters: `1010` is 10 for four elements and the decimal number "
          "for twelve. Bits missing in front are zeros; a value that does not fit is refused.\n"
-         "A time is a number and a unit, `10ns`, `10 ns` or `1.5us`; the units are fs, ps, ns, us, "
-         "ms, sec, min and hr. A number alone counts picoseconds.\n"
-         "Where a formula is expected, `-` reads it from standard input."},
+         "A time is a number and a unit, `10ns`, `10 ns` or `1.5us`; the units are " +
+             Listed(TimeUnitNames()) +
+             ". A number alone counts picoseconds.\n"
+             "Where a formula is expected, `-` reads it from standard input."},
         {"Exit status",
          "0 when the command did its work, also with notes or warnings; 1 when `corv formula "
          "check`, `corv sti` or `corv states` found problems; 2 when the command could not do its "

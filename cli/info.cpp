@@ -10,9 +10,9 @@
 #include "cli/recordings.h"
 #include "corv/stremo/streams.h"
 #include "corv/typeinfo/vhdl_type.h"
+#include "corv/util/time_text.h"
 #include "host/fit_text.h"
 #include "host/signal_trace.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -20,7 +20,7 @@ namespace {
 struct InfoOptions {
     std::string file, output;
     std::vector<std::string> names;
-    std::optional<unsigned> time_unit;
+    std::optional<TimeUnit> time_unit;
     bool json = false;
     bool names_only = false;
 };
@@ -142,7 +142,7 @@ Facts FactsOf(const InfoOptions& options) {
 
 std::string Times(const Facts& facts) {
     return facts.events == 0 ? "no events"
-                             : host::TimeText(facts.first) + " to " + host::TimeText(facts.last);
+                             : FormatTime(facts.first) + " to " + FormatTime(facts.last);
 }
 
 std::string InfoText(const Facts& facts) {

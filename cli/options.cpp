@@ -8,18 +8,24 @@
 #include "cli/description.h"
 #include "cli/suggestion.h"
 #include "corv/util/time_units.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
 
-constexpr const char* kTimeUnits = "fs|ps|ns|us|ms|sec|min|hr";
 constexpr const char* kColourModes = "auto|always|never";
 
 std::vector<std::string> Words(const std::string& words) {
     OptionInfo option;
     option.value = words;
     return option.Choices();
+}
+
+std::string UnitWords() {
+    std::string words;
+    for (const std::string_view unit : TimeUnitNames()) {
+        words.append(words.empty() ? "" : "|").append(unit);
+    }
+    return words;
 }
 
 std::string NotOneOf(const std::string& word, const std::string& words) {
@@ -76,9 +82,10 @@ void AddText(CLI::App& command, const std::string& names, const std::string& val
 void AddTime(CLI::App& command, const std::string& names, std::optional<std::int64_t>& target,
              const std::string& text) {
     AddValue(command, names, "TIME", text, [&target](const std::string& word) {
-        const host::TimeReading reading = host::ReadTime(word);
-        target = reading.time;
-        return reading.problem;
+        Problem problem;
+        target = ParseTime(word, &problem);
+        return target && *target < 0 ? "`" + word + "` is negative; times start at 0"
+                                     : problem.sentence;
     });
 }
 
@@ -96,16 +103,16 @@ void AddNumber(CLI::App& command, const std::string& names, int from, int to,
     });
 }
 
-void AddTimeUnit(CLI::App& command, const std::string& names, std::optional<unsigned>& target,
+void AddTimeUnit(CLI::App& command, const std::string& names, std::optional<TimeUnit>& target,
                  const std::string& text) {
-    AddValue(command, names, kTimeUnits, text, [&target](const std::string& word) {
+    AddValue(command, names, UnitWords(), text, [&target](const std::string& word) {
         const int unit = UnitIDFromName(word.c_str());
-        target = static_cast<unsigned>(std::max(unit, 0));
-        return unit < 0 ? NotOneOf(word, kTimeUnits) : std::string();
+        target = static_cast<TimeUnit>(std::max(unit, 0));
+        return unit < 0 ? NotOneOf(word, UnitWords()) : std::string();
     });
 }
 
-void AddRecordingUnit(CLI::App& command, std::optional<unsigned>& target) {
+void AddRecordingUnit(CLI::App& command, std::optional<TimeUnit>& target) {
     AddTimeUnit(command, "--time-unit", target,
                 "The unit that the times of a GHW file are in; unless given, it is found by the "
                 "type time");
@@ -118,6 +125,10 @@ void AddColour(CLI::App& command, host::ColourMode& target) {
                  target = mode.value_or(host::ColourMode::Auto);
                  return mode ? std::string() : NotOneOf(word, kColourModes);
              });
+}
+
+std::string TimeText(std::int64_t time, std::optional<TimeUnit> unit) {
+    return unit ? FormatTime(time, *unit) : FormatTime(time);
 }
 
 bool WithColour(host::ColourMode asked, int file_descriptor) {

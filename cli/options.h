@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "corv/util/time_text.h"
 #include "host/colour.h"
 
 // The options that several commands share. A value that cannot be used is refused while the
@@ -31,12 +32,18 @@ void AddTime(CLI::App& command, const std::string& names, std::optional<std::int
              const std::string& text);
 void AddNumber(CLI::App& command, const std::string& names, int from, int to,
                std::optional<int>& target, const std::string& text);
-void AddTimeUnit(CLI::App& command, const std::string& names, std::optional<unsigned>& target,
+void AddTimeUnit(CLI::App& command, const std::string& names, std::optional<TimeUnit>& target,
                  const std::string& text);
 // Adds the option for the unit of a GHW file's times, which the file itself states only if it
 // contains the type TIME.
-void AddRecordingUnit(CLI::App& command, std::optional<unsigned>& target);
+void AddRecordingUnit(CLI::App& command, std::optional<TimeUnit>& target);
 void AddColour(CLI::App& command, host::ColourMode& target);
+
+// The unit of whole-number times, for functions that take a unit as a number.
+inline constexpr auto kPicosecond = static_cast<unsigned>(TimeUnit::Picosecond);
+
+// Writes a time in a unit; without one, in the largest unit that needs no fraction.
+std::string TimeText(std::int64_t time, std::optional<TimeUnit> unit);
 
 // Returns whether to write colours to a stream; throws Failure if CORV_COLORS cannot be used.
 bool WithColour(host::ColourMode asked, int file_descriptor);

@@ -31,10 +31,10 @@ std::string TextOperand(const std::string& argument, const std::string& what) {
     return text;
 }
 
-void ProblemList::Add(std::size_t position, std::size_t length, std::string sentence,
-                      FormulaProblem::Severity severity) {
+void CappedProblems::Add(std::size_t position, std::size_t length, std::string sentence,
+                         Problem::Severity severity) {
     if (problems_.size() < kMaxFormulaProblems) {
-        problems_.push_back({position, length, severity, std::move(sentence)});
+        problems_.push_back({position, length, std::move(sentence), severity});
     } else {
         problems_.back().sentence = "there are more problems from here on";
     }
@@ -55,33 +55,32 @@ std::string_view SkipBlanks(std::string_view text) {
 }
 
 std::string DescribeProblems(const std::string& name, const std::string& text,
-                             const std::vector<FormulaProblem>& problems, bool colour) {
+                             const std::vector<Problem>& problems, bool colour) {
     std::string described;
-    for (const FormulaProblem& problem : problems) {
+    for (const Problem& problem : problems) {
         described += host::DescribeProblem(name, text, problem, colour);
     }
     return described;
 }
 
 bool ReportProblems(const std::string& name, const std::string& text,
-                    const std::vector<FormulaProblem>& problems, host::ColourMode colour) {
+                    const std::vector<Problem>& problems, host::ColourMode colour) {
     if (problems.empty()) {
         return false;
     }
     const std::string described =
         DescribeProblems(name, text, problems, WithColour(colour, STDERR_FILENO));
     std::fwrite(described.data(), 1, described.size(), stderr);
-    return std::any_of(problems.begin(), problems.end(), [](const FormulaProblem& problem) {
-        return problem.severity == FormulaProblem::Severity::Error;
+    return std::any_of(problems.begin(), problems.end(), [](const Problem& problem) {
+        return problem.severity == Problem::Severity::Error;
     });
 }
 
-void AppendProblems(Json& document, const std::string& text,
-                    const std::vector<FormulaProblem>& problems) {
+void AppendProblems(Json& document, const std::string& text, const std::vector<Problem>& problems) {
     Json list = Json::array();
-    for (const FormulaProblem& problem : problems) {
+    for (const Problem& problem : problems) {
         const host::TextPlace place = host::PlaceOf(text, problem.position);
-        const bool error = problem.severity == FormulaProblem::Severity::Error;
+        const bool error = problem.severity == Problem::Severity::Error;
         list.push_back({{"severity", error ? "error" : "warning"},
                         {"position", problem.position},
                         {"length", problem.length},

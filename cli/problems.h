@@ -19,16 +19,16 @@ namespace corv::cli {
 std::string TextOperand(const std::string& argument, const std::string& what);
 
 // Collects problems up to the number that is listed, kMaxFormulaProblems.
-class ProblemList {
+class CappedProblems {
 public:
     // Adds what was found in a part of the text; it is a warning unless the severity says
     // otherwise.
     void Add(std::size_t position, std::size_t length, std::string sentence,
-             FormulaProblem::Severity severity = FormulaProblem::Severity::Warning);
-    std::vector<FormulaProblem> Take() { return std::move(problems_); }
+             Problem::Severity severity = Problem::Severity::Warning);
+    std::vector<Problem> Take() { return std::move(problems_); }
 
 private:
-    std::vector<FormulaProblem> problems_;
+    std::vector<Problem> problems_;
 };
 
 // A part of a text between separators: where it begins, and its text.
@@ -43,14 +43,13 @@ std::string_view SkipBlanks(std::string_view text);
 
 // Returns the problems as text, with the name before each place.
 std::string DescribeProblems(const std::string& name, const std::string& text,
-                             const std::vector<FormulaProblem>& problems, bool colour);
+                             const std::vector<Problem>& problems, bool colour);
 
 // Writes the problems to standard error and returns whether there is an error among them.
 bool ReportProblems(const std::string& name, const std::string& text,
-                    const std::vector<FormulaProblem>& problems, host::ColourMode colour);
+                    const std::vector<Problem>& problems, host::ColourMode colour);
 
 // Appends the members "truncated", whether some problems were left out, and "problems", the list.
-void AppendProblems(Json& document, const std::string& text,
-                    const std::vector<FormulaProblem>& problems);
+void AppendProblems(Json& document, const std::string& text, const std::vector<Problem>& problems);
 
 }  // namespace corv::cli

@@ -59,7 +59,7 @@ class RecordCheck {
 public:
     explicit RecordCheck(const std::string& text) : text_(text), parts_(SplitText(text, ':')) {}
 
-    std::vector<FormulaProblem> Run() {
+    std::vector<Problem> Run() {
         std::size_t end = 0;
         for (std::size_t i = 0; i < parts_.size(); ++i) {
             CheckGap(end, parts_[i].position, i);
@@ -123,7 +123,7 @@ private:
             problems_.Add(text_.size(), 0,
                           "the record ends before its " + std::string(kFields[count]) +
                               "; expected " + Alternatives(KnownWords(count)),
-                          FormulaProblem::Severity::Error);
+                          Problem::Severity::Error);
         } else if (count <= kActive) {
             problems_.Add(text_.size(), 0,
                           "the record ends before its " + std::string(kFields[count]) +
@@ -134,12 +134,12 @@ private:
 
     const std::string& text_;
     std::vector<TextPart> parts_;
-    ProblemList problems_;
+    CappedProblems problems_;
 };
 
 }  // namespace
 
-std::vector<FormulaProblem> CheckRecord(const std::string& text) {
+std::vector<Problem> CheckRecord(const std::string& text) {
     return RecordCheck(text).Run();
 }
 

@@ -61,7 +61,7 @@ void AddExpanded(host::NamedSignal signal, bool outermost, std::vector<host::Nam
 }  // namespace
 
 std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
-                                               std::optional<unsigned> time_unit) {
+                                               std::optional<TimeUnit> time_unit) {
     ShowProgressOf("reading " + file_name);
     host::OpenOptions options{time_unit,
                               [&, progress = std::make_shared<Progress>("unpacking " + file_name)](

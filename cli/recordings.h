@@ -15,7 +15,7 @@ namespace corv::cli {
 // Opens a recording and shows the progress of reading it from then on. `time_unit` is the unit of a
 // GHW file's times if the file does not state it. Throws Failure.
 std::unique_ptr<host::Recording> OpenRecording(const std::string& file_name,
-                                               std::optional<unsigned> time_unit = {});
+                                               std::optional<TimeUnit> time_unit = {});
 
 // Returns the signals that match the patterns, each once; without patterns, those of the top level.
 // Throws Failure for a pattern that matches none.

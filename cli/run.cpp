@@ -11,8 +11,8 @@
 #include "cli/output.h"
 #include "cli/output_file.h"
 #include "cli/progress.h"
+#include "corv/util/time_text.h"
 #include "host/recorder.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -34,8 +34,8 @@ void WarnOfMany(const std::vector<NamedSource>& sources, host::TimeWindow window
         std::snprintf(count, sizeof count, "%.2g", events / 1e6);
         WriteMessage("warning", "about " +
                                     std::to_string(std::lround(std::strtod(count, nullptr))) +
-                                    " million changes are written up to " +
-                                    host::TimeText(window.end) + "; -e ends the run earlier");
+                                    " million changes are written up to " + FormatTime(window.end) +
+                                    "; -e ends the run earlier");
     }
 }
 

@@ -2,14 +2,11 @@
 
 #include "cli/state_text.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <optional>
 
 #include "corv/records/stim_state.h"
-#include "corv/util/time_units.h"
-#include "host/time_text.h"
+#include "corv/util/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -22,20 +19,11 @@ std::optional<std::int64_t> TimeOf(const std::string& part) {
 }
 
 std::string WhySkipped(const std::string& part) {
-    const host::TimeReading reading = host::ReadTime(part);
-    return "skipped: " + (reading.time ? "`" + part + "` has blanks in it; write `" +
-                                             host::TimeText(*reading.time) + "`"
-                                       : reading.problem);
-}
-
-// Returns whether the time is finer than whole picoseconds.
-bool HasFraction(const std::string& part) {
-    double number = 0;
-    int unit = -1;
-    TextToTime(part.c_str(), &number, &unit);
-    const double time =
-        ChangeTime(number, unit < 0 ? host::kPicosecond : static_cast<unsigned>(unit), 1);
-    return time != std::trunc(time);
+    Problem problem;
+    const auto time = ParseTime(part, &problem);
+    return "skipped: " + (time
+                              ? "`" + part + "` has blanks in it; write `" + FormatTime(*time) + "`"
+                              : problem.sentence);
 }
 
 }  // namespace
@@ -57,7 +45,7 @@ StateText ReadStates(const std::string& text) {
     return read;
 }
 
-void CheckStates(std::string_view text, std::size_t offset, ProblemList& problems) {
+void CheckStates(std::string_view text, std::size_t offset, CappedProblems& problems) {
     std::optional<std::int64_t> last;
     for (const auto& [position, view] : SplitText(text, ';')) {
         const std::string part(view);
@@ -69,25 +57,19 @@ void CheckStates(std::string_view text, std::size_t offset, ProblemList& problem
             complain(WhySkipped(part));
             continue;
         }
-        if (HasFraction(part)) {
-            complain("a time is a whole number of picoseconds; cut to " + StateTime(*time));
+        if (!ParseTime(part)) {
+            complain("a time is a whole number of picoseconds; cut to " + FormatTime(*time));
         }
         if (last && *time <= *last) {
             complain((*time == *last ? "the time is not later than " : "the time lies before ") +
-                     StateTime(*last) +
+                     FormatTime(*last) +
                      ", which stands in front of it; on and off go by turns in the order of the "
                      "text");
         } else if (*time < 0) {
-            complain("the time lies before 0");
+            complain("the time is negative");
         }
         last = time;
     }
-}
-
-std::string StateTime(std::int64_t time, std::optional<unsigned> unit) {
-    // the least time has no positive counterpart
-    const std::int64_t size = time < 0 ? -std::max(time, -INT64_MAX) : time;
-    return (time < 0 ? "-" : "") + (unit ? host::TimeText(size, *unit) : host::TimeText(size));
 }
 
 Json StatesJson(const std::vector<SwitchTime>& states) {

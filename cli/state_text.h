@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,10 +25,7 @@ StateText ReadStates(const std::string& text);
 
 // Adds what is odd about a state text: times that cannot be read, that do not ascend, or that lose
 // a fraction. `offset` is the place of the state text in the text that the problems refer to.
-void CheckStates(std::string_view text, std::size_t offset, ProblemList& problems);
-
-// Writes a time of either sign in the given unit, or in the largest unit that needs no fraction.
-std::string StateTime(std::int64_t time, std::optional<unsigned> unit = std::nullopt);
+void CheckStates(std::string_view text, std::size_t offset, CappedProblems& problems);
 
 // [{"time":100000,"on":true}, ...]
 Json StatesJson(const std::vector<SwitchTime>& states);

@@ -13,22 +13,22 @@ namespace {
 
 struct StatesOptions {
     std::string text;
-    std::optional<unsigned> time_unit;
+    std::optional<TimeUnit> time_unit;
     host::ColourMode colour = host::ColourMode::Auto;
     bool json = false;
 };
 
-std::string Table(const std::vector<SwitchTime>& states, std::optional<unsigned> unit) {
+std::string Table(const std::vector<SwitchTime>& states, std::optional<TimeUnit> unit) {
     std::size_t width = 4;
     for (const SwitchTime& state : states) {
-        width = std::max(width, StateTime(state.time, unit).size());
+        width = std::max(width, TimeText(state.time, unit).size());
     }
     const auto line = [width](const std::string& time, const char* state) {
         return std::string(width - time.size(), ' ') + time + "  " + state + "\n";
     };
     std::string out = line("time", "state");
     for (const auto& [time, on] : states) {
-        out += line(StateTime(time, unit), on ? "on" : "off");
+        out += line(TimeText(time, unit), on ? "on" : "off");
     }
     return out;
 }
@@ -36,7 +36,7 @@ std::string Table(const std::vector<SwitchTime>& states, std::optional<unsigned>
 int RunStates(const StatesOptions& options) {
     const std::string text = TextOperand(options.text, "state text");
     const StateText read = ReadStates(text);
-    ProblemList list;
+    CappedProblems list;
     CheckStates(text, 0, list);
     const auto problems = list.Take();
     if (options.json) {

@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "cli/command.h"
-#include "cli/frequency.h"
 #include "cli/json.h"
 #include "cli/options.h"
 #include "cli/output.h"
@@ -14,9 +13,8 @@
 #include "corv/records/hot_key_data.h"
 #include "corv/records/sti_parser.h"
 #include "corv/stimulators/clock.h"
-#include "corv/util/time_units.h"
+#include "corv/util/time_text.h"
 #include "host/fit_text.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -44,13 +42,12 @@ std::string ClockMeaning(const char* data) {
     }
     const bool is_period = clock.GetRateType();
     const unsigned unit = clock.GetRateUnit();
-    const bool is_frequency = !is_period && unit < std::size(kFrequencyUnits);
-    const std::string rate = Number(clock.GetRateValue()) + (is_frequency ? kFrequencyUnits[unit]
-                                                             : is_period  ? UnitNameFromID(unit)
-                                                                          : "");
+    const auto names = is_period ? TimeUnitNames() : FrequencyUnitNames();
+    const std::string rate =
+        Number(clock.GetRateValue()).append(unit < names.size() ? names[unit] : "");
     return (is_period ? "period " : "") + rate + ", starts at " + (clock.IsStartLow() ? "0" : "1") +
            ", duty " + std::to_string(clock.GetRateCycle()) + " %" +
-           (clock.GetRateOffset() != 0 ? ", offset " + StateTime(clock.GetRateOffset()) : "");
+           (clock.GetRateOffset() != 0 ? ", offset " + FormatTime(clock.GetRateOffset()) : "");
 }
 
 // Explains the data of a hot key; empty if the data is not of one.
@@ -92,7 +89,7 @@ std::string StatesMeaning(const std::vector<SwitchTime>& states) {
     std::string text;
     for (std::size_t i = 0; i < std::min(states.size(), kMostStates); ++i) {
         text += (i > 0 ? ", " : "") + std::string(states[i].on ? "on at " : "off at ") +
-                StateTime(states[i].time);
+                FormatTime(states[i].time);
     }
     const std::size_t more = states.size() - std::min(states.size(), kMostStates);
     return text + (more > 0 ? " and " + std::to_string(more) + " more" : "");

@@ -27,6 +27,14 @@ std::size_t Distance(std::string_view a, std::string_view b) {
     return cost[a.size()][b.size()];
 }
 
+std::string Joined(std::span<const std::string_view> words, std::string_view last) {
+    std::string list;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        list.append(i == 0 ? "" : i + 1 == words.size() ? last : ", ").append(words[i]);
+    }
+    return list;
+}
+
 }  // namespace
 
 std::size_t NearestWord(std::string_view word, const std::vector<std::string>& known) {
@@ -59,12 +67,11 @@ std::string Suggestion(std::string_view word, const std::vector<std::string>& kn
 }
 
 std::string Alternatives(const std::vector<std::string>& words) {
-    std::string list;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        list += i == 0 ? "" : i + 1 == words.size() ? " or " : ", ";
-        list += words[i];
-    }
-    return list;
+    return Joined(std::vector<std::string_view>(words.begin(), words.end()), " or ");
+}
+
+std::string Listed(std::span<const std::string_view> words) {
+    return Joined(words, " and ");
 }
 
 }  // namespace corv::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,5 +16,8 @@ std::size_t NearestWord(std::string_view word, const std::vector<std::string>& k
 
 // Returns the words as "draw, events or clock".
 std::string Alternatives(const std::vector<std::string>& words);
+
+// "Hz, kHz and MHz".
+std::string Listed(std::span<const std::string_view> words);
 
 }  // namespace corv::cli

@@ -6,8 +6,8 @@
 #include "cli/options.h"
 #include "cli/output.h"
 #include "cli/recordings.h"
+#include "corv/util/time_text.h"
 #include "host/fit_text.h"
-#include "host/time_text.h"
 
 namespace corv::cli {
 namespace {
@@ -32,8 +32,8 @@ int RunValue(const ValueOptions& options) {
     Json values = Json::array();
     const std::int64_t time = *options.time;
     if (const auto end = shown.RecordingEnd(); end && *end < time) {
-        WriteMessage("warning", "the recording ends at " + host::TimeText(*end) +
-                                    "; these are its last values");
+        WriteMessage("warning",
+                     "the recording ends at " + FormatTime(*end) + "; these are its last values");
     }
     auto traces = shown.Events({time, time}, host::Recording::kAllTimes);
     std::size_t width = 0;

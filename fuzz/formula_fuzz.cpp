@@ -66,10 +66,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CStimulus stimulus;
     const bool created = stimulus.Create(text.c_str(), 0) == 1;
     const auto problems = corv::CheckFormula(text.c_str());
-    const bool has_error =
-        std::any_of(problems.begin(), problems.end(), [](const corv::FormulaProblem& p) {
-            return p.severity == corv::FormulaProblem::Severity::Error;
-        });
+    const bool has_error = std::any_of(
+        problems.begin(), problems.end(),
+        [](const corv::Problem& p) { return p.severity == corv::Problem::Severity::Error; });
     Require(created || has_error);
     Walk(stimulus);
     CString once;

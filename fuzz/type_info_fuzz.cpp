@@ -79,7 +79,7 @@ void ReadVhdl(const std::string& text) {
     CString type;
     CString written;
     CString again;
-    corv::TypeProblem problem{0, 0, ""};
+    corv::Problem problem{0, 0, ""};
     if (!corv::TypeFromVhdl(text.c_str(), type, &problem)) {
         Require(!problem.sentence.empty());
         Require(problem.position + problem.length <= std::strlen(text.c_str()));

@@ -4,32 +4,35 @@
 #include <limits>
 #include <string>
 
-#include "host/time_text.h"
+#include "corv/stimulus/time_unit.h"
 
 namespace corv::host {
 namespace {
 
-constexpr unsigned kSecond = 5;
-constexpr unsigned kMinute = 6;
-constexpr unsigned kHour = 7;
 // Labels from here on keep the unit of the step, however long they get.
 constexpr std::int64_t kMostDigits = 1'000'000'000'000'000;
 constexpr std::int64_t kGap = 2;  // characters between two labels
 
-void AddSteps(std::vector<std::int64_t>& steps, unsigned unit,
+constexpr TimeUnit Next(TimeUnit unit) {
+    return static_cast<TimeUnit>(static_cast<unsigned>(unit) + 1);
+}
+
+void AddSteps(std::vector<RoundStep>& steps, TimeUnit unit,
               std::initializer_list<std::int64_t> counts) {
+    const std::int64_t size =
+        ConvertTime(1, static_cast<unsigned>(unit), static_cast<unsigned>(TimeUnit::Picosecond));
     for (const std::int64_t count : counts) {
-        steps.push_back(count * UnitSize(unit));
+        steps.push_back({count * size, unit});
     }
 }
 
-std::string Label(std::int64_t time, unsigned unit) {
-    return time == 0 ? "0" : TimeText(time, unit);
+std::string Label(std::int64_t time, TimeUnit unit) {
+    return time == 0 ? "0" : FormatTime(time, unit);
 }
 
 // Returns the length of the longest label. The last label has the most digits; the one before it
 // may have more decimals.
-std::int64_t LabelWidth(TimeWindow window, std::int64_t step, unsigned unit) {
+std::int64_t LabelWidth(TimeWindow window, std::int64_t step, TimeUnit unit) {
     const std::int64_t last = window.end - window.end % step;
     return static_cast<std::int64_t>(
         std::max(Label(last, unit).size(), Label(last - std::min(step, last), unit).size()));
@@ -37,14 +40,14 @@ std::int64_t LabelWidth(TimeWindow window, std::int64_t step, unsigned unit) {
 
 // Returns the unit in which the labels of the last steps are shortest, from the step's own unit up
 // to seconds.
-unsigned ShortestUnit(TimeWindow window, std::int64_t step) {
-    const unsigned own = WholeUnit(step);
-    const std::int64_t last = window.end - window.end % step;
-    const auto length = [&](unsigned unit) {
-        return Label(last, unit).size() + Label(last - std::min(step, last), unit).size();
+TimeUnit ShortestUnit(TimeWindow window, const RoundStep& step) {
+    const std::int64_t last = window.end - window.end % step.length;
+    const auto length = [&](TimeUnit unit) {
+        return Label(last, unit).size() + Label(last - std::min(step.length, last), unit).size();
     };
-    unsigned best = own;
-    for (unsigned unit = own + 1; unit <= kSecond && last < kMostDigits; ++unit) {
+    TimeUnit best = step.unit;
+    for (TimeUnit unit = Next(best); unit <= TimeUnit::Second && last < kMostDigits;
+         unit = Next(unit)) {
         best = length(unit) < length(best) ? unit : best;
     }
     return best;
@@ -62,28 +65,28 @@ std::int64_t FirstTick(TimeWindow window, std::int64_t step) {
 
 }  // namespace
 
-const std::vector<std::int64_t>& RoundSteps() {
-    static const std::vector<std::int64_t> steps = [] {
-        std::vector<std::int64_t> list;
-        for (unsigned unit = kPicosecond; unit < kSecond; ++unit) {
+const std::vector<RoundStep>& RoundSteps() {
+    static const std::vector<RoundStep> steps = [] {
+        std::vector<RoundStep> list;
+        for (auto unit = TimeUnit::Picosecond; unit < TimeUnit::Second; unit = Next(unit)) {
             AddSteps(list, unit, {1, 2, 5, 10, 20, 50, 100, 200, 500});
         }
-        AddSteps(list, kSecond, {1, 2, 5, 10, 20, 30});
-        AddSteps(list, kMinute, {1, 2, 5, 10, 20, 30});
-        AddSteps(list, kHour, {1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000});
+        AddSteps(list, TimeUnit::Second, {1, 2, 5, 10, 20, 30});
+        AddSteps(list, TimeUnit::Minute, {1, 2, 5, 10, 20, 30});
+        AddSteps(list, TimeUnit::Hour, {1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000});
         return list;
     }();
     return steps;
 }
 
 std::vector<Tick> MakeTicks(const TimeGrid& grid, std::int64_t columns_per_character,
-                            std::optional<unsigned> unit) {
+                            std::optional<TimeUnit> unit) {
     const TimeWindow window = grid.Window();
     std::int64_t step = 0;
-    unsigned step_unit = 0;
-    for (const std::int64_t candidate : RoundSteps()) {
-        step = candidate;
-        step_unit = unit ? *unit : ShortestUnit(window, step);
+    auto step_unit = TimeUnit::Picosecond;
+    for (const RoundStep& candidate : RoundSteps()) {
+        step = candidate.length;
+        step_unit = unit ? *unit : ShortestUnit(window, candidate);
         const std::int64_t need =
             (LabelWidth(window, step, step_unit) + kGap) * columns_per_character;
         if (need < grid.Columns() && grid.First(need) - window.start <= step) {

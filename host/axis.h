@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "corv/util/time_text.h"
 #include "host/picture.h"
 #include "host/time_grid.h"
 
@@ -14,9 +15,14 @@ namespace corv::host {
 // touch, where a character takes `columns_per_character` columns. Labels are in the unit that makes
 // them shortest, or in `unit`.
 std::vector<Tick> MakeTicks(const TimeGrid& grid, std::int64_t columns_per_character,
-                            std::optional<unsigned> unit);
+                            std::optional<TimeUnit> unit);
 
-// Returns the round steps in picoseconds, ascending.
-const std::vector<std::int64_t>& RoundSteps();
+// A step between ticks in picoseconds, a small number of a unit.
+struct RoundStep {
+    std::int64_t length;
+    TimeUnit unit;
+};
+// Returns all of them, ascending.
+const std::vector<RoundStep>& RoundSteps();
 
 }  // namespace corv::host

@@ -5,12 +5,17 @@
 
 #include <algorithm>
 
-#include "host/formula_words.h"
-
 namespace corv::host {
 namespace {
 
-constexpr std::size_t kMostQuoted = 40;  // characters of a word that a sentence quotes
+// Of too many problems the last one says so.
+void Cap(std::vector<Problem>& problems) {
+    if (problems.size() > kMaxFormulaProblems) {
+        problems.resize(kMaxFormulaProblems);
+        problems.back().severity = Problem::Severity::Error;
+        problems.back().sentence = "there are more problems from here on";
+    }
+}
 
 }  // namespace
 
@@ -33,89 +38,58 @@ BusType BusTypeOf(const KTypeInfo& type) {
     return bus;
 }
 
-BusFormula::BusFormula(const std::string& formula, const BusType& type) {
+BusFormula::BusFormula(const std::string& formula, const BusType& type)
+    : formula_(formula), width_(type.width) {
     std::size_t taken = 0;
-    for (const WordPlace place : ValueWords(formula)) {
+    const std::vector<WordPlace> values = ValueWords(formula);
+    has_values_ = !values.empty();
+    for (const WordPlace place : values) {
         const std::string word = formula.substr(place.position, place.length);
         BusValue value = ReadBusValue(word, type);
         const bool refused = value.characters.empty() && !value.problem.empty();
         if (!value.problem.empty()) {
-            problems_.push_back(
-                {place.position, place.length,
-                 refused ? FormulaProblem::Severity::Error : FormulaProblem::Severity::Warning,
-                 value.problem});
+            problems_.push_back({place.position, place.length, value.problem,
+                                 refused ? Problem::Severity::Error : Problem::Severity::Warning});
         }
         if (refused) {
             // any value that fits will do; it only has to cause no further problems
             value.characters.assign(static_cast<std::size_t>(type.width), '0');
         }
-        if (value.characters.empty() || value.characters == word) {
+        if (value.characters.empty()) {
+            unread_.push_back(place);
             continue;
         }
         // a value in quotes or parentheses may contain blanks, so its replacement needs quotes too
         const std::string_view quote = word[0] == '"' || word[0] == '(' ? "\"" : "";
-        std::string characters(quote);
-        characters.append(value.characters).append(quote);
         text_.append(formula, taken, place.position - taken);
+        text_.append(quote).append(value.characters).append(quote);
         taken = place.position + place.length;
-        replaced_.push_back({text_.size(), word, characters.size(), place.position});
-        text_ += characters;
     }
     text_.append(formula, taken);
 }
 
-std::size_t BusFormula::PositionOf(std::size_t at) const {
-    const auto behind =
-        std::upper_bound(replaced_.begin(), replaced_.end(), at,
-                         [](std::size_t place, const Replaced& r) { return place < r.at; });
-    if (behind == replaced_.begin()) {
-        return at;
+// The values are read here, so the library checks the words around them, and what it alone reads: a
+// value, a counter, the compact notation.
+std::vector<Problem> BusFormula::Check(TimeUnit default_unit) const {
+    if (!has_values_) {
+        return CheckVectorFormula(formula_.c_str(), width_, 1, default_unit);
     }
-    const Replaced& last = *(behind - 1);
-    return at < last.at + last.length
-               ? last.position
-               : last.position + last.written.size() + at - last.at - last.length;
-}
-
-// Translates a problem of the converted text back to the formula: its place, and any value that its
-// sentence quotes.
-void BusFormula::MoveBack(FormulaProblem& problem) const {
-    const std::size_t begin = PositionOf(problem.position);
-    const std::size_t end = problem.position + problem.length;
-    for (const Replaced& replaced : replaced_) {
-        const std::string quoted =
-            "`" + text_.substr(replaced.at, std::min(replaced.length, kMostQuoted));
-        if (replaced.at < problem.position || replaced.at >= end) {
-            continue;
+    std::vector<Problem> all = problems_;
+    const auto add = [&](std::vector<Problem> problems, std::size_t offset) {
+        for (Problem& problem : problems) {
+            problem.position += offset;
+            all.push_back(std::move(problem));
         }
-        const std::size_t found = problem.sentence.find(quoted);
-        if (found != std::string::npos) {
-            const std::size_t close = problem.sentence.find('`', found + 1);
-            problem.sentence.replace(found + 1, close - found - 1, replaced.written);
-        }
+    };
+    add(CheckFormula(formula_.c_str(), default_unit), 0);
+    for (const WordPlace value : unread_) {
+        const std::string word = formula_.substr(value.position, value.length);
+        add(CheckVectorFormula(word.c_str(), width_, 1), value.position);
     }
-    const auto inside = std::find_if(replaced_.begin(), replaced_.end(), [&](const Replaced& r) {
-        return r.at < end && end <= r.at + r.length;
-    });
-    problem.length = inside != replaced_.end() ? inside->position + inside->written.size() - begin
-                                               : PositionOf(end) - begin;
-    problem.position = begin;
-}
-
-std::vector<FormulaProblem> BusFormula::Problems(std::vector<FormulaProblem> of_text) const {
-    std::vector<FormulaProblem> all = problems_;
-    for (FormulaProblem& problem : of_text) {
-        MoveBack(problem);
-        all.push_back(std::move(problem));
-    }
-    std::stable_sort(all.begin(), all.end(), [](const FormulaProblem& a, const FormulaProblem& b) {
-        return a.position < b.position;
-    });
-    if (all.size() > kMaxFormulaProblems) {
-        all.resize(kMaxFormulaProblems);
-        all.back().severity = FormulaProblem::Severity::Error;
-        all.back().sentence = "there are more problems from here on";
-    }
+    std::stable_sort(all.begin(), all.end(),
+                     [](const Problem& a, const Problem& b) { return a.position < b.position; });
+    all.erase(std::unique(all.begin(), all.end()), all.end());
+    Cap(all);
     return all;
 }
 

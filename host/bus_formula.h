@@ -7,6 +7,7 @@
 #include "corv/stimulus/check_formula.h"
 #include "corv/typeinfo/type_info.h"
 #include "host/bus_value.h"
+#include "host/formula_words.h"
 
 namespace corv::host {
 
@@ -23,24 +24,17 @@ public:
     // checked.
     const std::string& Text() const { return text_; }
 
-    // Returns what is wrong with the values, together with the problems that a check of Text() has
-    // found, in the order and with the places of the formula as it was written.
-    std::vector<FormulaProblem> Problems(std::vector<FormulaProblem> of_text) const;
+    // Returns what is wrong with the formula as it was written, in the order of the places.
+    // `default_unit` is the unit of times written without one.
+    std::vector<Problem> Check(TimeUnit default_unit) const;
 
 private:
-    struct Replaced {
-        std::size_t at;        // in the text
-        std::string written;   // in the formula as written
-        std::size_t length;    // in the text
-        std::size_t position;  // in the formula
-    };
-
-    void MoveBack(FormulaProblem& problem) const;
-    std::size_t PositionOf(std::size_t at) const;
-
+    std::string formula_;
     std::string text_;
-    std::vector<Replaced> replaced_;
-    std::vector<FormulaProblem> problems_;
+    int width_;
+    bool has_values_;
+    std::vector<WordPlace> unread_;  // values that the library reads
+    std::vector<Problem> problems_;  // of the other values
 };
 
 }  // namespace corv::host

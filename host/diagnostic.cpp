@@ -85,10 +85,10 @@ TextPlace PlaceOf(std::string_view text, std::size_t position) {
             1 + position - begin, text.substr(begin, end - begin)};
 }
 
-std::string DescribeProblem(std::string_view source, std::string_view text,
-                            const FormulaProblem& problem, bool colour) {
+std::string DescribeProblem(std::string_view source, std::string_view text, const Problem& problem,
+                            bool colour) {
     const TextPlace place = PlaceOf(text, problem.position);
-    const bool error = problem.severity == FormulaProblem::Severity::Error;
+    const bool error = problem.severity == Problem::Severity::Error;
     const std::string where = CleanText(source) + ":" + std::to_string(place.line) + ":" +
                               std::to_string(place.column) + ":";
     return Coloured(colour, "1", where) + " " +

@@ -21,7 +21,7 @@ TextPlace PlaceOf(std::string_view text, std::size_t position);
 //     clk:1:8: error: unknown unit `xs`; did you mean `ns`?
 //     0 0, 1 10xs
 //            ^~~~
-std::string DescribeProblem(std::string_view source, std::string_view text,
-                            const FormulaProblem& problem, bool colour);
+std::string DescribeProblem(std::string_view source, std::string_view text, const Problem& problem,
+                            bool colour);
 
 }  // namespace corv::host

@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "corv/typeinfo/type_info.h"
+#include "corv/util/time_text.h"
 #include "host/physical_text.h"
-#include "host/time_text.h"
 #include "host/value_type.h"
 
 namespace corv::host {
@@ -77,7 +77,7 @@ private:
         Bytes bytes{};
         if (text != std::string(1, kNotDriven) && !Read(*leaves_[leaf], literal, bytes) &&
             !Read(*leaves_[leaf], PhysicalNumber(*leaves_[leaf], literal), bytes)) {
-            throw std::runtime_error("`" + text + "`, at " + TimeText(time) +
+            throw std::runtime_error("`" + text + "`, at " + FormatTime(time) +
                                      ", is not a value of the type");
         }
         return (*values_[leaf])[text] = bytes;

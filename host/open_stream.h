@@ -7,12 +7,13 @@
 #include <vector>
 
 #include "corv/stremo/events_stream_read.h"
+#include "corv/util/time_text.h"
 
 namespace corv::host {
 
 // How a recording is opened, as far as the file itself does not decide.
 struct OpenOptions {
-    std::optional<unsigned> time_unit;  // of GHW files: 0 fs to 7 hr (corv/util/time_units.h)
+    std::optional<TimeUnit> time_unit;  // of GHW files
     // Called now and then while a packed file is unpacked for the first time, with the fraction
     // done, 0 to 1.
     std::function<void(double)> progress;

@@ -9,7 +9,7 @@
 #include <limits>
 
 #include "corv/stimulus/time_unit.h"
-#include "corv/util/time_units.h"
+#include "corv/util/time_text.h"
 
 namespace corv::host {
 namespace {
@@ -17,7 +17,6 @@ namespace {
 using Limits = std::numeric_limits<std::int64_t>;
 
 constexpr unsigned kFemtosecond = 0;
-constexpr unsigned kHour = 7;
 
 std::string Lower(std::string_view text) {
     std::string lower(text);
@@ -62,8 +61,11 @@ std::optional<std::int64_t> Times(std::string_view number, std::int64_t size) {
 PhysicalUnits UnitsOfType(std::string_view type_name) {
     const std::string name = Lower(type_name.substr(type_name.rfind('.') + 1));
     PhysicalUnits units;
-    for (unsigned i = kFemtosecond; (name == "time" || name == "delay_length") && i <= kHour; ++i) {
-        units.push_back({UnitNameFromID(i), ConvertTime(1, i, kFemtosecond)});
+    if (name == "time" || name == "delay_length") {
+        for (const std::string_view unit : TimeUnitNames()) {
+            const auto id = static_cast<unsigned>(units.size());
+            units.push_back({std::string(unit), ConvertTime(1, id, kFemtosecond)});
+        }
     }
     return units;
 }

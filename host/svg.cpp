@@ -4,8 +4,8 @@
 #include <array>
 #include <optional>
 
+#include "corv/util/time_text.h"
 #include "host/fit_text.h"
-#include "host/time_text.h"
 
 namespace corv::host {
 namespace {
@@ -169,8 +169,8 @@ private:
         for (const Lane& lane : picture_.lanes) {
             names += (names.empty() ? "" : ", ") + lane.name;
         }
-        return "Waveforms of " + names + " from " + TimeText(window_.start) + " to " +
-               TimeText(window_.end);
+        return "Waveforms of " + names + " from " + FormatTime(window_.start) + " to " +
+               FormatTime(window_.end);
     }
 
     static std::string Colours(bool dark) {

@@ -109,8 +109,8 @@ std::optional<std::string> InferType(const std::set<std::string>& values) {
                : std::nullopt;
 }
 
-std::vector<FormulaProblem> StrayLetters(const std::string& formula) {
-    std::vector<FormulaProblem> stray;
+std::vector<Problem> StrayLetters(const std::string& formula) {
+    std::vector<Problem> stray;
     std::set<std::string> values;
     bool bits = false;
     for (const WordPlace place : ValueWords(formula)) {
@@ -119,14 +119,15 @@ std::vector<FormulaProblem> StrayLetters(const std::string& formula) {
         values.insert(word);
         bits |= letter == "0" || letter == "1";
         if (letter.size() == 1 && !IsLogic(word)) {
-            stray.push_back({place.position, place.length, FormulaProblem::Severity::Warning,
+            stray.push_back({place.position, place.length,
                              "`" + word +
                                  "` is not a value of std_logic, which has U, X, 0, 1, "
-                                 "Z, W, L, H and -"});
+                                 "Z, W, L, H and -",
+                             Problem::Severity::Warning});
         }
     }
     // words without 0 and 1 are probably meant as literals of an enumeration
-    return bits && !InferType(values) ? stray : std::vector<FormulaProblem>();
+    return bits && !InferType(values) ? stray : std::vector<Problem>();
 }
 
 std::string CharacterType(std::string_view characters) {

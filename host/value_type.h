@@ -17,7 +17,7 @@ std::optional<std::string> InferType(const std::set<std::string>& values);
 
 // Returns warnings about single characters that are not values of std_logic, if other values of the
 // formula are 0 or 1 and all of them together have no type: "0 0, Q 5ns".
-std::vector<FormulaProblem> StrayLetters(const std::string& formula);
+std::vector<Problem> StrayLetters(const std::string& formula);
 
 // Returns an enumeration with a literal for each character.
 std::string CharacterType(std::string_view characters);

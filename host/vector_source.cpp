@@ -19,7 +19,7 @@ constexpr int kWords = 0;
 // Returns the elements' formulas. The normal form comes first, since splitting reads times without
 // a unit as picoseconds.
 std::vector<std::string> CutFormula(const VectorFormula& vector) {
-    CStimulus whole(vector.unit, 1);
+    CStimulus whole(static_cast<unsigned>(vector.unit), 1);
     CString normal;
     CStringArray list;
     if (whole.Create(vector.formula.c_str(), 0) != 0) {
@@ -207,7 +207,8 @@ std::vector<std::unique_ptr<Source>> MakeElements(const VectorFormula& vector) {
 }
 
 std::unique_ptr<Source> MakeWholeCounter(const std::string& formula, std::int64_t at) {
-    return MakeCounter({formula, 1, false, 1, at}, CounterSource::Shows::Whole, 0);
+    return MakeCounter({formula, 1, false, TimeUnit::Picosecond, at}, CounterSource::Shows::Whole,
+                       0);
 }
 
 }  // namespace corv::host

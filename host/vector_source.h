@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "corv/util/time_text.h"
 #include "host/source.h"
 
 namespace corv::host {
@@ -13,10 +14,10 @@ namespace corv::host {
 struct VectorFormula {
     std::string formula;
     int width = 1;
-    bool words = false;      // values are split into words instead of characters
-    std::uint32_t unit = 1;  // of times without one
-    std::int64_t at = 0;     // when the stimuli begin, in picoseconds
-    bool typed = false;      // the vector's type is known: an undriven element is kNotDriven
+    bool words = false;                    // values are split into words instead of characters
+    TimeUnit unit = TimeUnit::Picosecond;  // of times without one
+    std::int64_t at = 0;                   // when the stimuli begin, in picoseconds
+    bool typed = false;  // the vector's type is known: an undriven element is kNotDriven
 };
 
 bool IsCounter(std::string_view formula);

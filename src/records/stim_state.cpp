@@ -16,13 +16,6 @@ namespace {
 
 constexpr char kSeparator = ';';
 
-void AppendTime(std::string& out, std::int64_t time) {
-    unsigned unit = corv::util::kBaseUnit;
-    corv::util::ScaleWhole(time, unit);
-    corv::util::AppendNumber(out, time);
-    out += corv::util::kTimeUnits[unit].name;
-}
-
 }  // namespace
 
 struct CStimState::Work {
@@ -109,7 +102,7 @@ unsigned int CStimState::Store(char* buffer, unsigned int size) const noexcept {
     const bool built = corv::platform::Done([&] {
         for (const auto& [time, on] : states_) {
             text.append(text.empty() ? 0 : 1, kSeparator);
-            AppendTime(text, time);
+            corv::util::AppendTime(text, time);
         }
     });
     const std::size_t needed = text.size() + 1;

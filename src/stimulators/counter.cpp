@@ -13,11 +13,10 @@
 #include "util/time_text.h"
 
 using corv::CCounterStimulusInfo;
+using corv::kMaxTime;
 
 namespace {
 
-// The latest time that can be written in a formula.
-constexpr std::int64_t kMaxTime = 9'200'000'000'000'000'000;
 constexpr unsigned kBits = 64;
 constexpr unsigned kWholeBits = 32;  // the bits of a whole value that are reversed
 

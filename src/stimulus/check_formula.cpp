@@ -43,7 +43,7 @@ void CheckKind(std::string_view formula, const CheckedAs& as, ProblemList& probl
     }
 }
 
-std::vector<FormulaProblem> Check(std::string_view formula, const CheckedAs& as) {
+std::vector<Problem> Check(std::string_view formula, const CheckedAs& as) {
     ProblemList problems(formula);
     if (formula.empty()) {
         problems.Error(problems.Whole(),
@@ -58,26 +58,25 @@ std::vector<FormulaProblem> Check(std::string_view formula, const CheckedAs& as)
     return problems.Take();
 }
 
-std::vector<FormulaProblem> CheckGuarded(const char* formula, const CheckedAs& as) noexcept {
-    std::vector<FormulaProblem> problems;
+std::vector<Problem> CheckGuarded(const char* formula, const CheckedAs& as) noexcept {
+    std::vector<Problem> problems;
     if (!platform::Done([&] { problems = Check(formula ? formula : "", as); })) {
         // this sentence is short enough for std::string not to allocate memory
-        platform::Done([&] {
-            problems.push_back({0, 0, FormulaProblem::Severity::Error, "out of memory"});
-        });
+        platform::Done([&] { problems.push_back({0, 0, "out of memory"}); });
     }
     return problems;
 }
 
 }  // namespace
 
-std::vector<FormulaProblem> CheckFormula(const char* formula, std::uint32_t default_unit) noexcept {
-    return CheckGuarded(formula, {default_unit, std::nullopt});
+std::vector<Problem> CheckFormula(const char* formula, TimeUnit default_unit) noexcept {
+    return CheckGuarded(formula, {static_cast<unsigned>(default_unit), std::nullopt});
 }
 
-std::vector<FormulaProblem> CheckVectorFormula(const char* formula, int width, int split_mode,
-                                               std::uint32_t default_unit) noexcept {
-    return CheckGuarded(formula, {default_unit, stimulus::VectorShape{width, split_mode}});
+std::vector<Problem> CheckVectorFormula(const char* formula, int width, int split_mode,
+                                        TimeUnit default_unit) noexcept {
+    return CheckGuarded(
+        formula, {static_cast<unsigned>(default_unit), stimulus::VectorShape{width, split_mode}});
 }
 
 }  // namespace corv

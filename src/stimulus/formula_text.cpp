@@ -23,7 +23,8 @@ constexpr bool IsSeparator(char c) noexcept {
     return IsBlank(c) || c == ',';
 }
 
-constexpr double kMostFemtoseconds = 9.2e18;  // as many as fit into 64 bits
+// As many as fit into 64 bits.
+constexpr auto kMostFemtoseconds = static_cast<double>(kMaxTime);
 
 // Reads femtoseconds that are too many for 64 bits by dropping their last three digits, which makes
 // them picoseconds.

@@ -36,7 +36,7 @@ constexpr std::array<FaultRow, 13> kFaults{{
     {VeskFault::NotHexadecimal,
      "the text in brackets is not a hexadecimal number; the value is left out"},
     {VeskFault::TooLong,
-     "the duration of this value is past the range of 9.2e18 ps; the value is left out"},
+     "the duration of this value is past the range of 9.2e18ps; the value is left out"},
     {VeskFault::GroupDropped, "this group can't be read and is left out"},
     {VeskFault::GroupWithoutCount,
      "the group that ends here has no repeat count and contributes nothing; write one, such as "
@@ -45,7 +45,7 @@ constexpr std::array<FaultRow, 13> kFaults{{
      "this character can't be a value, since it would begin a quoted word or end an element"},
     {VeskFault::NoLength,
      "this value lasts 0; write the value and then its duration, such as `110NS` for 1 during "
-     "10 ns"},
+     "10ns"},
 }};
 static_assert([] {
     for (std::size_t i = 0; i < kFaults.size(); ++i) {
@@ -120,7 +120,7 @@ void CheckNotation(std::string_view formula, const CheckedAs& as, ProblemList& p
                        "the notation unrolls to more than 16777216 values; lower its "
                        "repeat counts");
     } else if (!notation.FitsRange()) {
-        problems.Error(place, "the notation runs past the range of 9.2e18 ps");
+        problems.Error(place, "the notation runs past the range of 9.2e18ps");
     } else if (!problems.HasErrors() && !notation.StartsWithValue()) {
         problems.Error(place, "the notation begins with a group that holds no value");
     } else if (as.vector) {

@@ -11,10 +11,10 @@
 #include "stimulus/formula_text.h"
 #include "stimulus/misspelt_repeat.h"
 #include "stimulus/odd_words.h"
-#include "stimulus/unit_suggestion.h"
 #include "util/quote.h"
 #include "util/suggest.h"
 #include "util/time_text.h"
+#include "util/unit_suggestion.h"
 
 namespace corv::stimulus {
 namespace {
@@ -23,15 +23,10 @@ using util::DidYouMean;
 using util::Quote;
 using Place = ProblemList::Place;
 
-constexpr std::int64_t kMaxTime = 9'200'000'000'000'000'000;
-
+// Like FormatTime, but the whole check fails if memory runs out.
 std::string TimeText(std::int64_t picoseconds) {
-    unsigned unit = util::kBaseUnit;
-    util::ScaleWhole(picoseconds, unit);
     std::string out;
-    util::AppendNumber(out, picoseconds);
-    out += ' ';
-    out += util::kTimeUnits[unit].name;
+    util::AppendTime(out, picoseconds);
     return out;
 }
 
@@ -207,11 +202,11 @@ bool OrdinaryChecker::CheckTime(const FormulaItem& item, const FormulaTime& time
     } else if (picoseconds > kMaxTime || picoseconds < -kMaxTime) {
         problems_.Error(place, "the time " + Quote(item.time) + ", which counts in " +
                                    std::string(util::kTimeUnits[time.time.unit].name) +
-                                   ", is past the range of 9.2e18 ps");
+                                   ", is past the range of 9.2e18ps");
     } else if (time.fraction_cut) {
         problems_.Warn(place, "the time " + Quote(item.time) + " is cut to " +
                                   TimeText(picoseconds) +
-                                  "; write a fraction with its unit, no finer than 1 ps");
+                                  "; write a fraction with its unit, no finer than 1ps");
         return true;
     } else {
         return true;
@@ -231,21 +226,14 @@ void OrdinaryChecker::CheckUnreadable(const FormulaItem& item) {
     } else if (IsParameter(text)) {
         problems_.Error(place, Quote(text) + " stands where the time of " + Quote(item.value) +
                                    " is expected; write that time before it");
-    } else if (unit.size() == text.size()) {
-        problems_.Error(
-            place, Quote(text) +
-                       (item.is_repeat ? " is not a time" : " is not a time, and counts as 0") +
-                       "; write a number with an optional unit, such as `10ns`");
-    } else if (unit.empty() || util::FindTimeUnit(unit) >= 0) {
-        problems_.Error(place, item.unit.empty() || unit.empty()
-                                   ? "the time " + Quote(text) +
-                                         " is past the range of 9.2e18 ps, and counts as 0"
-                                   : "the time " + Quote(text) + " has two units");
+    } else if (!item.unit.empty() && util::FindTimeUnit(unit) >= 0) {
+        problems_.Error(place, "the time " + Quote(text) + " has two units");
     } else {
-        problems_.Error(problems_.PlaceOf(unit),
-                        "unknown unit " + Quote(unit) +
-                            DidYouMean(NearestUnit(unit),
-                                       "; the units are fs, ps, ns, us, ms, sec, min and hr"));
+        // an unknown unit is shown alone, anything else with the time that it spoils
+        const util::TimeComplaint complaint = util::ComplainOfTime(text);
+        const bool whole = complaint.place.size() == text.size();
+        problems_.Error(whole ? place : problems_.PlaceOf(complaint.place),
+                        complaint.reason + (whole ? ", and counts as 0" : "") + complaint.remedy);
     }
 }
 
@@ -299,7 +287,7 @@ std::string OrdinaryChecker::TimelessRemedy() const {
             return "; did you mean " + Quote(std::string(number) + "." + std::string(value)) +
                    ", with a decimal point?";
         }
-        if (const std::string_view unit = NearestUnit(value); !unit.empty()) {
+        if (const std::string_view unit = util::NearestUnit(value); !unit.empty()) {
             return DidYouMean(unit, {});
         }
     }

@@ -6,15 +6,14 @@
 namespace corv::stimulus {
 namespace {
 
-void SortByPlace(std::vector<FormulaProblem>& problems) {
-    std::stable_sort(
-        problems.begin(), problems.end(),
-        [](const FormulaProblem& a, const FormulaProblem& b) { return a.position < b.position; });
+void SortByPlace(std::vector<Problem>& problems) {
+    std::stable_sort(problems.begin(), problems.end(),
+                     [](const Problem& a, const Problem& b) { return a.position < b.position; });
 }
 
 }  // namespace
 
-std::vector<FormulaProblem> ProblemList::Take() {
+std::vector<Problem> ProblemList::Take() {
     SortByPlace(warnings_);
     Problems all = std::move(errors_);
     const std::size_t errors = all.size();
@@ -26,10 +25,9 @@ std::vector<FormulaProblem> ProblemList::Take() {
     all.resize(kMaxFormulaProblems - 1);
     SortByPlace(all);
     const std::size_t from = all.back().position;
-    all.push_back({from, formula_.size() - from,
-                   errors >= kMaxFormulaProblems ? FormulaProblem::Severity::Error
-                                                 : FormulaProblem::Severity::Warning,
-                   "there are more problems than are listed"});
+    all.push_back(
+        {from, formula_.size() - from, "there are more problems than are listed",
+         errors >= kMaxFormulaProblems ? Problem::Severity::Error : Problem::Severity::Warning});
     return all;
 }
 

@@ -31,26 +31,26 @@ public:
     Place Whole() const noexcept { return {0, formula_.size()}; }
 
     void Error(Place place, std::string sentence) {
-        Add(errors_, place, FormulaProblem::Severity::Error, std::move(sentence));
+        Add(errors_, place, Problem::Severity::Error, std::move(sentence));
     }
     void Warn(Place place, std::string sentence) {
-        Add(warnings_, place, FormulaProblem::Severity::Warning, std::move(sentence));
+        Add(warnings_, place, Problem::Severity::Warning, std::move(sentence));
     }
     bool HasErrors() const noexcept { return !errors_.empty(); }
 
     // Returns the problems in the order of the text. If there are more than kMaxFormulaProblems,
     // errors are kept first, and the last problem says that there are more; it is an error if
     // errors were left out.
-    std::vector<FormulaProblem> Take();
+    std::vector<Problem> Take();
 
 private:
-    using Problems = std::vector<FormulaProblem>;
+    using Problems = std::vector<Problem>;
 
     // One more than can be listed is kept, to know that there are more.
-    static void Add(Problems& problems, Place place, FormulaProblem::Severity severity,
+    static void Add(Problems& problems, Place place, Problem::Severity severity,
                     std::string sentence) {
         if (problems.size() <= kMaxFormulaProblems) {
-            problems.push_back({place.position, place.length, severity, std::move(sentence)});
+            problems.push_back({place.position, place.length, std::move(sentence), severity});
         }
     }
 

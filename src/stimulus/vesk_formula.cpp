@@ -19,26 +19,17 @@
 
 namespace {
 
+using corv::kMaxTime;
 using corv::platform::IsDigit;
 using corv::platform::IsSpace;
+using corv::util::AppendTime;
 using corv::util::kBaseUnit;
 using corv::util::kNotationUnit;
-
-// The latest time that can be written in a formula.
-constexpr std::int64_t kMaxTime = 9'200'000'000'000'000'000;
 
 std::string UpperCase(std::string_view text) {
     std::string out(text);
     std::transform(out.begin(), out.end(), out.begin(), corv::platform::Upper);
     return out;
-}
-
-// Appends a time in the largest unit in which it is whole: "10ns".
-void AppendTime(std::string& out, std::int64_t time) {
-    unsigned unit = kBaseUnit;
-    corv::util::ScaleWhole(time, unit);
-    corv::util::AppendNumber(out, time);
-    out += corv::util::kTimeUnits[unit].name;
 }
 
 std::size_t SkipDigits(std::string_view text, std::size_t at) noexcept {

@@ -17,7 +17,7 @@ inline std::string_view Span(std::string_view first, std::string_view last) noex
 // false.
 class VhdlCursor {
 public:
-    VhdlCursor(std::string_view text, TypeProblem& problem)
+    VhdlCursor(std::string_view text, Problem& problem)
         : text_(text), words_(text), problem_(problem) {}
 
     std::string_view Text() const noexcept { return text_; }
@@ -35,7 +35,7 @@ public:
 private:
     std::string_view text_;
     VhdlWords words_;
-    TypeProblem& problem_;
+    Problem& problem_;
 };
 
 }  // namespace corv::typeinfo

@@ -76,7 +76,7 @@ bool AppendTypeText(std::string& out, const VhdlType& type) {
     return appended && out.size() <= typeinfo::kMaxTextLength;
 }
 
-bool FromVhdl(std::string_view text, CString& type, TypeProblem& problem) {
+bool FromVhdl(std::string_view text, CString& type, Problem& problem) {
     typeinfo::VhdlTypes types = typeinfo::ReadVhdlType(text);
     if (!types.whole) {
         problem = std::move(types.problem);
@@ -93,9 +93,9 @@ bool FromVhdl(std::string_view text, CString& type, TypeProblem& problem) {
 
 }  // namespace
 
-bool TypeFromVhdl(const char* text, CString& type, TypeProblem* problem) noexcept {
+bool TypeFromVhdl(const char* text, CString& type, Problem* problem) noexcept {
     // this sentence is short enough for std::string not to allocate memory
-    TypeProblem found{0, 0, "out of memory"};
+    Problem found{0, 0, "out of memory"};
     const bool read =
         platform::Guarded(false, [&] { return FromVhdl(text ? text : "", type, found); });
     if (!read && problem) {

@@ -48,7 +48,7 @@ struct VhdlType {
 struct VhdlTypes {
     std::deque<VhdlType> types;
     const VhdlType* whole = nullptr;  // null if the text cannot be read
-    TypeProblem problem{};            // why not
+    Problem problem{};                // why not
 };
 
 // The reader, in vhdl_type_text.cpp.

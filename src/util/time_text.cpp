@@ -2,165 +2,112 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 
-#include "corv/util/time_units.h"
-#include "platform/ascii.h"
+#include "platform/guard.h"
+#include "util/quote.h"
 #include "util/saturate.h"
+#include "util/suggest.h"
+#include "util/unit_suggestion.h"
+#include "util/words.h"
 
 namespace corv::util {
 namespace {
 
-constexpr double kMaxBaseUnits = 9.2e18;
-// The largest whole number of each unit from the base unit on, so that no time exceeds
-// kMaxBaseUnits picoseconds. That limit is a little below 2^63, where doubles would round up to it.
-constexpr auto kMaxWhole = [] {
-    std::array<std::int64_t, kTimeUnits.size()> limits{};
-    for (unsigned unit = kBaseUnit; unit < limits.size(); ++unit) {
-        limits[unit] = 9'200'000'000'000'000'000 / UnitRatio(kBaseUnit, unit);
-    }
-    return limits;
-}();
-constexpr std::size_t kExactDigits = 18;  // every number with this many digits fits into 63 bits
+constexpr int kMostDecimals = 15;
+constexpr std::string_view kBlanks = " \t\r\n";
 
-// The number of a time text, split into its pieces.
-struct NumberText {
-    bool negative = false;
-    std::string_view whole;     // digits before the point, without leading zeros
-    std::string_view fraction;  // digits after it, without trailing zeros
-    std::string_view rest;      // what follows the number
-    std::string_view digits;    // the number as written, without its sign
-};
-
-std::string_view TakeDigits(std::string_view& text) noexcept {
-    const auto end = std::find_if_not(text.begin(), text.end(), platform::IsDigit);
-    const auto count = static_cast<std::size_t>(end - text.begin());
-    const std::string_view digits = text.substr(0, count);
-    text.remove_prefix(count);
-    return digits;
-}
-
-std::optional<NumberText> SplitNumber(std::string_view text) noexcept {
-    NumberText out;
-    if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
-        out.negative = text[0] == '-';
-        text.remove_prefix(1);
-    }
-    const std::string_view start = text;
-    out.whole = TakeDigits(text);
-    if (!text.empty() && text[0] == '.') {
-        text.remove_prefix(1);
-        out.fraction = TakeDigits(text);
-    }
-    if (out.whole.empty() && out.fraction.empty()) {
-        return std::nullopt;
-    }
-    out.rest = text;
-    out.digits = start.substr(0, start.size() - text.size());
-    out.whole.remove_prefix(std::min(out.whole.find_first_not_of('0'), out.whole.size()));
-    out.fraction = out.fraction.substr(0, out.fraction.find_last_not_of('0') + 1);
-    return out;
-}
-
-std::int64_t DigitsToInt(std::string_view digits) noexcept {
-    std::int64_t number = 0;
-    for (const char c : digits) {
-        number = number * 10 + (c - '0');
-    }
-    return number;
-}
-
-std::int64_t PowerOfTen(std::size_t exponent) noexcept {
-    std::int64_t power = 1;
-    while (exponent-- > 0) {
-        power *= 10;
-    }
-    return power;
-}
-
-// Reads a number with few digits. It is kept as whole + part / scale, which loses nothing, and
-// moved to smaller units until it is whole or in the smallest unit. Returns nullopt if a step would
-// leave 64 bits.
-std::optional<TimeReading> ReadExact(const NumberText& text, int unit) noexcept {
-    std::int64_t whole = DigitsToInt(text.whole);
-    std::int64_t part = DigitsToInt(text.fraction);
-    const std::int64_t scale = PowerOfTen(text.fraction.size());
-    for (; part != 0 && unit > 0; --unit) {
-        const std::int64_t step = kTimeUnits[static_cast<unsigned>(unit) - 1].per_next;
-        if (part > Int64Limits::max() / step || whole > (Int64Limits::max() - step) / step) {
+// Returns the part of a unit that the digits after the point are, nullopt if it is not whole. From
+// the last digit on each step is a tenth of a whole number, or the sum is not whole either.
+std::optional<std::int64_t> PartOf(std::string_view fraction, std::int64_t size) noexcept {
+    std::int64_t part = 0;
+    for (std::size_t i = fraction.size(); i-- > 0;) {
+        part += (fraction[i] - '0') * size;
+        if (part % 10 != 0) {
             return std::nullopt;
         }
-        whole = whole * step + part * step / scale;
-        part = part * step % scale;
+        part /= 10;
     }
-    const double number =
-        static_cast<double>(whole) + static_cast<double>(part) / static_cast<double>(scale);
-    return TimeReading{text.negative ? -number : number, text.negative ? -whole : whole, unit};
+    return part;
 }
 
-// Reads any other number as a double. These have more digits than a time in 64 bits can use, so
-// rounding them changes nothing visible.
-std::optional<TimeReading> ReadRounded(const NumberText& text, int unit) noexcept {
-    double number = 0;
-    const char* end = text.digits.data() + text.digits.size();
-    const auto read = std::from_chars(text.digits.data(), end, number, std::chars_format::fixed);
-    if (read.ec != std::errc()) {
-        if (!text.whole.empty()) {
-            return std::nullopt;  // too large for a double
-        }
-        number = 0;  // too small for one
-    }
-    for (; number != std::trunc(number) && unit > 0; --unit) {
-        number *= static_cast<double>(kTimeUnits[static_cast<unsigned>(unit) - 1].per_next);
-    }
-    number = text.negative ? -number : number;
-    return TimeReading{number, ToInt64(number), unit};
+std::int64_t SaturatedDigits(std::string_view digits) noexcept {
+    std::int64_t number = 0;
+    const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return read.ec == std::errc::result_out_of_range ? Int64Limits::max() : number;
 }
 
-bool InRange(const TimeReading& time) noexcept {
-    const unsigned unit = time.unit < 0 ? kBaseUnit : static_cast<unsigned>(time.unit);
+// Returns nullopt for a time that is not whole, and the end of 64 bits for one past them.
+std::optional<std::int64_t> WholePicoseconds(NumberText number, unsigned unit) noexcept {
+    constexpr std::string_view kThousand = "000";
     if (unit < kBaseUnit) {
-        return std::abs(time.number) <= kMaxBaseUnits * static_cast<double>(UnitRatio(unit, 1));
+        if (!number.fraction.empty() ||
+            !(number.whole.empty() || number.whole.ends_with(kThousand))) {
+            return std::nullopt;
+        }
+        number.whole.remove_suffix(std::min(number.whole.size(), kThousand.size()));
+        unit = kBaseUnit;
     }
-    return time.whole <= kMaxWhole[unit] && time.whole >= -kMaxWhole[unit];
-}
-
-// Returns whether the digits fit into 64 bits and can be read exactly. A fraction of the smallest
-// unit, or without a unit, cannot become whole and is read as a double. Three digits of room are
-// needed for the factor 1000 to the next unit.
-bool IsExact(const NumberText& text, int unit) noexcept {
-    if (!text.fraction.empty()) {
-        return unit > 0 && text.whole.size() <= kExactDigits &&
-               text.fraction.size() <= kExactDigits - 3;
-    }
-    return text.whole.size() <= kExactDigits ||
-           (text.whole.size() == kExactDigits + 1 && text.whole <= "9223372036854775807");
-}
-
-// Reads a text of a few digits and nothing else, which most times are: skipping the decimal
-// arithmetic for them makes reading formulas noticeably faster.
-std::optional<std::int64_t> PlainDigits(std::string_view text) noexcept {
-    if (text.empty() || text.size() > kExactDigits ||
-        !std::all_of(text.begin(), text.end(), platform::IsDigit)) {
+    const std::int64_t size = UnitRatio(kBaseUnit, unit);
+    const auto part = PartOf(number.fraction, size);
+    if (!part) {
         return std::nullopt;
     }
-    return DigitsToInt(text);
+    const std::int64_t whole = SaturatedDigits(number.whole);
+    const std::int64_t time = SaturatingAdd(SaturatingMultiply(whole, size), *part);
+    return number.negative ? -time : time;
 }
 
-std::optional<TimeReading> ReadPlain(std::int64_t number, int unit) noexcept {
-    const TimeReading out{static_cast<double>(number), number, unit};
-    return InRange(out) ? std::optional(out) : std::nullopt;
+// Returns what is wrong with a time that is part of a text.
+Problem Describe(std::string_view text, std::string_view time, bool is_whole) {
+    TimeComplaint complaint =
+        is_whole ? ComplainOfTime(time)
+                 : TimeComplaint{time, Quote(time) + " is not a whole number of picoseconds",
+                                 "; write a time no finer than 1ps"};
+    const std::size_t position =
+        time.empty() ? 0 : static_cast<std::size_t>(complaint.place.data() - text.data());
+    return {position, complaint.place.size(), complaint.reason + complaint.remedy};
 }
 
-std::optional<TimeReading> ReadNumber(const NumberText& number, int unit) noexcept {
-    std::optional<TimeReading> out;
-    if (IsExact(number, unit)) {
-        out = ReadExact(number, unit);
+// Returns the largest unit, from ps on, in which the time is whole.
+unsigned LargestUnit(std::int64_t time) noexcept {
+    unsigned unit = kBaseUnit;
+    while (time != 0 && kTimeUnits[unit].per_next != 0 && time % kTimeUnits[unit].per_next == 0) {
+        time /= kTimeUnits[unit++].per_next;
     }
-    if (!out) {
-        out = ReadRounded(number, unit);
+    return unit;
+}
+
+void AppendDecimal(std::string& out, std::uint64_t time, std::uint64_t size) {
+    AppendNumber(out, time / size);
+    std::uint64_t rest = time % size;
+    for (int decimals = 0; rest != 0 && decimals < kMostDecimals; ++decimals) {
+        out += decimals == 0 ? "." : "";
+        rest *= 10;
+        out += static_cast<char>('0' + rest / size);
+        rest %= size;
     }
-    return out && InRange(*out) ? out : std::nullopt;
+}
+
+std::string TimeInUnit(std::int64_t time, unsigned unit) {
+    const auto bits = static_cast<std::uint64_t>(time);
+    std::string out(time < 0 ? "-" : "");
+    if (unit < kBaseUnit) {
+        AppendNumber(out, time < 0 ? 0 - bits : bits);
+        out += time == 0 ? "" : "000";
+    } else {
+        AppendDecimal(out, time < 0 ? 0 - bits : bits,
+                      static_cast<std::uint64_t>(UnitRatio(kBaseUnit, unit)));
+    }
+    return out.append(kTimeUnits[unit].name);
+}
+
+// "fs, ps, ... and hr".
+std::string ListOfUnits() {
+    std::string list(kTimeUnits.front().name);
+    for (std::size_t i = 1; i < kTimeUnits.size(); ++i) {
+        list.append(i + 1 < kTimeUnits.size() ? ", " : " and ").append(kTimeUnits[i].name);
+    }
+    return list;
 }
 
 template <class T>
@@ -171,49 +118,23 @@ void AppendAny(std::string& out, T value) {
 
 }  // namespace
 
-int FindTimeUnit(std::string_view name) noexcept {
-    const auto row = std::find_if(
-        kTimeUnits.begin(), kTimeUnits.end(),
-        [name](const TimeUnitRow& unit) { return platform::EqualNoCase(unit.name, name); });
-    return row == kTimeUnits.end() ? -1 : static_cast<int>(row - kTimeUnits.begin());
+TimeComplaint ComplainOfTime(std::string_view text) {
+    const std::string_view unit = SkipFront(text.substr(NumberLength(text)), kBlanks);
+    if (unit.size() == text.size()) {
+        return {text, text.empty() ? "there is no time" : Quote(text) + " is not a time",
+                "; write a number with an optional unit, such as `10ns`"};
+    }
+    if (!unit.empty() && FindTimeUnit(unit) < 0) {
+        return {unit, "unknown unit " + Quote(unit),
+                DidYouMean(NearestUnit(unit), "; the units are " + ListOfUnits())};
+    }
+    return {text, "the time " + Quote(text) + " is past the range of 9.2e18ps", {}};
 }
 
-std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit) noexcept {
-    if (const auto digits = PlainDigits(text); digits && unit.empty()) {
-        return ReadPlain(*digits, -1);
-    }
-    const std::optional<NumberText> number = SplitNumber(text);
-    if (!number || (!number->rest.empty() && !unit.empty())) {
-        return std::nullopt;
-    }
-    const std::string_view name = number->rest.empty() ? unit : number->rest;
-    const int id = name.empty() ? -1 : FindTimeUnit(name);
-    return id < 0 && !name.empty() ? std::nullopt : ReadNumber(*number, id);
-}
-
-std::optional<TimeReading> ReadTimeIn(std::string_view text, int unit) noexcept {
-    if (const auto digits = PlainDigits(text)) {
-        return ReadPlain(*digits, unit);
-    }
-    const std::optional<NumberText> number = SplitNumber(text);
-    return number && number->rest.empty() ? ReadNumber(*number, unit) : std::nullopt;
-}
-
-std::size_t NumberLength(std::string_view text) noexcept {
-    const std::optional<NumberText> number = SplitNumber(text);
-    return number ? text.size() - number->rest.size() : 0;
-}
-
-void ScaleWhole(std::int64_t& value, unsigned& unit) noexcept {
-    constexpr unsigned kSecond = 5;
-    while (value != 0 && unit < kSecond && value % 1000 == 0) {
-        value /= 1000;
-        ++unit;
-    }
-    while (value != 0 && unit >= kSecond && unit + 1 < kTimeUnits.size() && value % 60 == 0) {
-        value /= 60;
-        ++unit;
-    }
+void AppendTime(std::string& out, std::int64_t picoseconds) {
+    const unsigned unit = LargestUnit(picoseconds);
+    AppendNumber(out, picoseconds / UnitRatio(kBaseUnit, unit));
+    out += kTimeUnits[unit].name;
 }
 
 void AppendNumber(std::string& out, std::int64_t value) {
@@ -224,3 +145,58 @@ void AppendNumber(std::string& out, std::uint64_t value) {
 }
 
 }  // namespace corv::util
+
+namespace corv {
+
+std::span<const std::string_view> TimeUnitNames() noexcept {
+    static constexpr auto kNames = [] {
+        std::array<std::string_view, util::kTimeUnits.size()> names;
+        std::transform(util::kTimeUnits.begin(), util::kTimeUnits.end(), names.begin(),
+                       [](const util::TimeUnitRow& unit) { return unit.name; });
+        return names;
+    }();
+    return kNames;
+}
+
+std::span<const std::string_view> FrequencyUnitNames() noexcept {
+    return util::kFrequencyUnits;
+}
+
+std::string FormatTime(std::int64_t picoseconds) noexcept {
+    return platform::Guarded(std::string(), [&] {
+        std::string out;
+        util::AppendTime(out, picoseconds);
+        return out;
+    });
+}
+
+std::string FormatTime(std::int64_t picoseconds, TimeUnit unit) noexcept {
+    const auto id = static_cast<unsigned>(unit);
+    return platform::Guarded(std::string(), [&] {
+        return id < util::kTimeUnits.size() ? util::TimeInUnit(picoseconds, id) : std::string();
+    });
+}
+
+std::optional<std::int64_t> ParseTime(std::string_view text, Problem* problem) noexcept {
+    const std::string_view time = util::TrimEnds(text, util::kBlanks);
+    const auto number = util::SplitNumber(time);
+    const std::string_view name =
+        number ? util::SkipFront(number->rest, util::kBlanks) : std::string_view();
+    const int unit = name.empty() ? static_cast<int>(util::kBaseUnit) : util::FindTimeUnit(name);
+    const bool is_read = number && unit >= 0;
+    const auto picoseconds =
+        is_read ? util::WholePicoseconds(*number, static_cast<unsigned>(unit)) : std::nullopt;
+    if (picoseconds && *picoseconds <= kMaxTime && *picoseconds >= -kMaxTime) {
+        return picoseconds;
+    }
+    if (problem) {
+        // this sentence is short enough for std::string not to allocate memory
+        Problem found{0, 0, "out of memory"};
+        const bool is_whole = !is_read || picoseconds;
+        platform::Done([&] { found = util::Describe(text, time, is_whole); });
+        *problem = std::move(found);
+    }
+    return std::nullopt;
+}
+
+}  // namespace corv

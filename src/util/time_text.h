@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "corv/util/time_text.h"
+
 // The table of units, and reading and writing of times as views of a text. Everything here is
 // exact: a time is a whole number of some unit, and fractions are resolved in decimal arithmetic.
 namespace corv::util {
@@ -13,21 +15,28 @@ namespace corv::util {
 struct TimeUnitRow {
     std::string_view name;  // zero-terminated
     std::int64_t per_next;  // how many make the next larger unit, 0 for the largest
+    int guess;  // of two units that a misspelt one may have meant the lower is suggested
 };
 
-inline constexpr std::array<TimeUnitRow, 8> kTimeUnits{{
-    {"fs", 1000},
-    {"ps", 1000},
-    {"ns", 1000},
-    {"us", 1000},
-    {"ms", 1000},
-    {"sec", 60},
-    {"min", 60},
-    {"hr", 0},
-}};
+// In the order of TimeUnit.
+inline constexpr auto kTimeUnits = std::to_array<TimeUnitRow>({
+    {"fs", 1000, 4},
+    {"ps", 1000, 1},
+    {"ns", 1000, 0},
+    {"us", 1000, 2},
+    {"ms", 1000, 3},
+    {"sec", 60, 5},
+    {"min", 60, 6},
+    {"hr", 0, 7},
+});
+static_assert(kTimeUnits.size() == static_cast<std::size_t>(TimeUnit::Hour) + 1,
+              "a row for each TimeUnit");
 
-inline constexpr unsigned kBaseUnit = 1;      // ps
-inline constexpr unsigned kNotationUnit = 2;  // ns
+// By identifier; each is a thousand of the one before.
+inline constexpr std::array<std::string_view, 5> kFrequencyUnits{"Hz", "kHz", "MHz", "GHz", "THz"};
+
+inline constexpr auto kBaseUnit = static_cast<unsigned>(TimeUnit::Picosecond);
+inline constexpr auto kNotationUnit = static_cast<unsigned>(TimeUnit::Nanosecond);
 
 // Every unit in femtoseconds.
 inline constexpr auto kFemtoseconds = [] {
@@ -55,6 +64,16 @@ struct TimeReading {
     int unit = -1;
 };
 
+// What keeps a text from being a time.
+struct TimeComplaint {
+    std::string_view place;  // in the text
+    std::string reason;      // "`abc` is not a time"
+    std::string remedy;      // "; write ...", or empty
+};
+
+// Complains about a text that ReadTime does not read, alone or followed by a unit.
+TimeComplaint ComplainOfTime(std::string_view text);
+
 // Reads a number and the unit directly after it. The unit may also be passed as a second text,
 // which then counts as following the first. Returns nullopt if the text is not a time.
 std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit = {}) noexcept;
@@ -62,12 +81,24 @@ std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit
 // Reads a number alone, which is in the given unit (-1 for none).
 std::optional<TimeReading> ReadTimeIn(std::string_view number, int unit) noexcept;
 
+// The number of a time text, split into its pieces.
+struct NumberText {
+    bool negative = false;
+    std::string_view whole;     // digits before the point, without leading zeros
+    std::string_view fraction;  // digits after it, without trailing zeros
+    std::string_view rest;      // what follows the number
+    std::string_view digits;    // the number as written, without its sign
+};
+
+// Splits the number off the front of a text; nullopt if there is none.
+std::optional<NumberText> SplitNumber(std::string_view text) noexcept;
+
 // Returns how much of a text is a number in the form of times: a sign, digits, a point, digits.
 // Returns 0 if the text does not begin with one.
 std::size_t NumberLength(std::string_view text) noexcept;
 
-// Converts a whole number to the largest unit in which it is still whole. 0 keeps its unit.
-void ScaleWhole(std::int64_t& value, unsigned& unit) noexcept;
+// Appends what FormatTime returns.
+void AppendTime(std::string& out, std::int64_t picoseconds);
 
 // Appends the number in decimal.
 void AppendNumber(std::string& out, std::int64_t value);

@@ -7,6 +7,7 @@
 
 namespace {
 
+using corv::util::kFrequencyUnits;
 using corv::util::kTimeUnits;
 using corv::util::UnitRatio;
 
@@ -14,7 +15,6 @@ using corv::util::UnitRatio;
 // from the front, how many hertz make a frequency unit.
 constexpr double kThousands[] = {1, 1e3, 1e6, 1e9, 1e12, 1e15};
 constexpr unsigned kSecond = 5;
-constexpr unsigned kFrequencyUnits = 5;
 
 bool IsWhole(double value) noexcept {
     return std::isfinite(value) && value == std::trunc(value);
@@ -86,7 +86,8 @@ void ScaleNumber(double* value, int* unit) noexcept {
 }
 
 double PeriodFromFreq(double frequency, unsigned frequency_unit, unsigned time_unit) noexcept {
-    if (!(frequency > 0) || frequency_unit >= kFrequencyUnits || time_unit >= kTimeUnits.size()) {
+    if (!(frequency > 0) || frequency_unit >= kFrequencyUnits.size() ||
+        time_unit >= kTimeUnits.size()) {
         return 0;
     }
     if (time_unit > kSecond) {

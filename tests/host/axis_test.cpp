@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "host/time_text.h"
+#include "corv/util/time_text.h"
 #include "tests/support/random_formula.h"
 
 namespace corv::host {
@@ -45,10 +45,11 @@ TEST(TimeGrid, HoldsTheWholeRangeOfTimes) {
 }
 
 TEST(Axis, StepsAreRound) {
-    for (const std::int64_t step : RoundSteps()) {
-        const std::string text = TimeText(step, WholeUnit(step));
+    for (const RoundStep& step : RoundSteps()) {
+        const std::string text = FormatTime(step.length, step.unit);
+        EXPECT_EQ(text, FormatTime(step.length));
         const std::string digits = text.substr(0, text.find_first_not_of("0123456789"));
-        const bool clock = WholeUnit(step) >= 5 && digits == "30";
+        const bool clock = step.unit >= TimeUnit::Second && digits == "30";
         EXPECT_TRUE(clock || digits.find_first_not_of('0', 1) == std::string::npos) << text;
         EXPECT_TRUE(clock || std::string("125").find(digits[0]) != std::string::npos) << text;
     }
@@ -91,20 +92,21 @@ TEST(Axis, LabelsStandApartAndAreDense) {
         const TimeGrid grid({start, start + span},
                             scale * (30 + static_cast<std::int64_t>(random.Below(120))));
         const std::vector<Tick> ticks = MakeTicks(grid, scale, std::nullopt);
-        SCOPED_TRACE(TimeText(start) + " + " + TimeText(span));
+        SCOPED_TRACE(FormatTime(start) + " + " + FormatTime(span));
         EXPECT_TRUE(Fits(grid, ticks, scale));
         two_or_more += ticks.size() > 1;
         for (std::size_t k = 0; k < ticks.size(); ++k) {
             EXPECT_GE(ticks[k].time, start);
             EXPECT_LT(ticks[k].time, start + span);
-            EXPECT_EQ(ticks[k].label == "0" ? 0 : ReadTime(ticks[k].label).time, ticks[k].time);
+            EXPECT_EQ(ParseTime(ticks[k].label), ticks[k].time);
         }
         if (ticks.size() < 2) {
             continue;
         }
         // Evenly apart by a round step; five times as many would not fit.
         const std::int64_t step = ticks[1].time - ticks[0].time;
-        EXPECT_NE(std::find(RoundSteps().begin(), RoundSteps().end(), step), RoundSteps().end());
+        EXPECT_TRUE(std::any_of(RoundSteps().begin(), RoundSteps().end(),
+                                [step](const RoundStep& round) { return round.length == step; }));
         EXPECT_EQ(ticks[0].time % step, 0);
         EXPECT_LT(ticks[0].time - start, step);
         EXPECT_EQ(ticks.size(),

@@ -102,14 +102,14 @@ TEST(BusFormula, KeepsThePlacesOfTheFormula) {
     const std::string formula = "X\"A5\" 0, 5 10xs, 300 20, X\"5\" 30 -r 40";
     const BusFormula bus(formula, TypeOf("8"));
     EXPECT_EQ(bus.Text(), "10100101 0, 00000101 10xs, 00000000 20, 00000101 30 -r 40");
-    const auto problems = bus.Problems(CheckVectorFormula(bus.Text().c_str(), 8, 1));
+    const auto problems = bus.Check(TimeUnit::Picosecond);
     std::string places;
-    for (const FormulaProblem& problem : problems) {
+    for (const Problem& problem : problems) {
         places += formula.substr(problem.position, problem.length) + "|";
     }
     EXPECT_EQ(places, "xs|300|X\"5\"|");
     const BusFormula early("0 0, X\"A5\"", TypeOf("8"));
-    const auto timeless = early.Problems(CheckVectorFormula(early.Text().c_str(), 8, 1));
+    const auto timeless = early.Check(TimeUnit::Picosecond);
     ASSERT_EQ(timeless.size(), 1U);
     EXPECT_EQ(timeless[0].sentence.substr(0, 17), "the value `X\"A5\"`");
 }

@@ -75,7 +75,7 @@ TEST(BusText, NumbersHaveTheSignAndThePointOfTheirType) {
 }
 
 TEST(VectorSource, JoinsItsElements) {
-    const VectorFormula vector{"\"01XZ\" 0, 16#F 10 -r 20", 4, false, 2, 5000};
+    const VectorFormula vector{"\"01XZ\" 0, 16#F 10 -r 20", 4, false, TimeUnit::Nanosecond, 5000};
     const auto bus = MakeVector(vector);
     ASSERT_TRUE(bus);
     EXPECT_TRUE(bus->IsBus());
@@ -84,14 +84,14 @@ TEST(VectorSource, JoinsItsElements) {
     const auto elements = MakeElements(vector);
     ASSERT_EQ(elements.size(), 4U);
     EXPECT_EQ(List(*elements[3], {0, 20000}), "none: 5000='Z' 15000=1");
-    const auto words = MakeVector({"(red,green) 0, blue 5", 2, true, 1, 0});
+    const auto words = MakeVector({"(red,green) 0, blue 5", 2, true, TimeUnit::Picosecond, 0});
     ASSERT_TRUE(words);
     EXPECT_EQ(List(*words, {0, 9}), "none: 0=red\x1fgreen 5=blue\x1fgreen");
-    EXPECT_FALSE(MakeVector({"\"01X\" 0", 4, false, 1, 0}));
+    EXPECT_FALSE(MakeVector({"\"01X\" 0", 4, false, TimeUnit::Picosecond, 0}));
 }
 
 TEST(VectorSource, WalksCountersForwardFromAnyQuestion) {
-    const auto bus = MakeVector({CounterText(2, "0"), 3, false, 1, 30});
+    const auto bus = MakeVector({CounterText(2, "0"), 3, false, TimeUnit::Picosecond, 30});
     ASSERT_TRUE(bus);
     EXPECT_EQ(List(*bus, {0, 70}), "none: 30=000 40=001 50=011 60=010 70=110");
     EXPECT_EQ(List(*bus, {45, 60}), "001: 50=011 60=010");
@@ -111,7 +111,7 @@ TEST(VectorSource, WalksCountersForwardFromAnyQuestion) {
     ASSERT_TRUE(whole);
     EXPECT_EQ(List(*whole, {0, 20}), "none: 0=10#7 10=10#8 20=10#9");
     EXPECT_FALSE(MakeWholeCounter(CounterText(2, "7"), 0));
-    EXPECT_FALSE(MakeVector({CounterText(1, "x"), 4, false, 1, 0}));
+    EXPECT_FALSE(MakeVector({CounterText(1, "x"), 4, false, TimeUnit::Picosecond, 0}));
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ TEST(Allocation, CheckFormula) {
     ASSERT_GT(expected, 3U);
     const auto check = [&] { return CheckFormula(formula.c_str()); };
     FailEveryAllocation([] {}, check,
-                        [&](const std::vector<FormulaProblem>& problems) {
+                        [&](const std::vector<Problem>& problems) {
                             EXPECT_TRUE(problems.empty() ||  // no memory for the list itself
                                         problems.size() == expected ||
                                         problems.back().sentence == "out of memory");

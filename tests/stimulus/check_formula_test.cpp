@@ -36,11 +36,11 @@ x 0 y , 1 10                   | 4  | 5  | E | `y`
 0 0, 1 10 -r 0                 | 10 | 4  | E | 0
 0 0, 1 10 -r 0 ns              | 10 | 7  | E | 0
 0 0, 1 10 -r                   | 10 | 2  | E | -r
-0 0, 1 10 -r -40               | 10 | 6  | E | 40 ps
-0 0, 1 10, 0 20 -r 15          | 11 | 4  | W | 15 ps
-0 0, 1 50 -r 40                | 5  | 4  | W | 40 ps
-0 0, 1 20, X 40 -r 40          | 11 | 4  | W | 40 ps
-0 20, 1 10                     | 6  | 4  | W | 20 ps
+0 0, 1 10 -r -40               | 10 | 6  | E | 40ps
+0 0, 1 10, 0 20 -r 15          | 11 | 4  | W | 15ps
+0 0, 1 50 -r 40                | 5  | 4  | W | 40ps
+0 0, 1 20, X 40 -r 40          | 11 | 4  | W | 40ps
+0 20, 1 10                     | 6  | 4  | W | 20ps
 0 9200000000000000000, 1 0     | 23 | 3  | W | starts at
 0 10, 1 10                     | 6  | 4  | W | `0`
 0 @10, 1 @10                   | 7  | 5  | W | `0`
@@ -65,9 +65,9 @@ clk=0 0, 1 5ns                 | 0  | 4  | W | `clk=`
 bus:8=X 0                      | 0  | 6  | W | `bus:8=`
 0 0,\r\n1 10\r\n           | 4  | 1  | E | carriage return
 0 0, 1 10               | 5  | 5  | E | non-breaking
-1 10000000000000000001fs       | 2  | 22 | W | 10000 sec
+1 10000000000000000001fs       | 2  | 22 | W | 10000sec
 0 0 -r 5, 1 1 -r 6             | 4  | 4  | W | _
-0 10, 1 @5ps, X 20             | 6  | 6  | W | 5 ps
+0 10, 1 @5ps, X 20             | 6  | 6  | W | 5ps
 0 0, 1 1.5                     | 7  | 3  | W | 1.5
 /custom a, b                   | 8  | 1  | E | no such file
 x \Counter                     | 0  | 2  | E | counter
@@ -105,15 +105,15 @@ std::string Unescape(std::string text) {
 TEST(CheckFormula, OneProblem) {
     for (const auto& row : Table(kTable)) {
         SCOPED_TRACE(row[0]);
-        const auto problems = CheckFormula(Unescape(row[0]).c_str(), 1);
+        const auto problems = CheckFormula(Unescape(row[0]).c_str());
         EXPECT_EQ(problems.size(), 1U) << (problems.empty() ? "" : problems[0].sentence);
         if (problems.empty()) {
             continue;
         }
-        const FormulaProblem& problem = problems[0];
+        const Problem& problem = problems[0];
         EXPECT_EQ(static_cast<std::int64_t>(problem.position), Int(row[1]));
         EXPECT_EQ(static_cast<std::int64_t>(problem.length), Int(row[2]));
-        EXPECT_EQ(problem.severity == FormulaProblem::Severity::Error ? "E" : "W", row[3]);
+        EXPECT_EQ(problem.severity == Problem::Severity::Error ? "E" : "W", row[3]);
         EXPECT_FALSE(problem.sentence.empty());
         EXPECT_NE(problem.sentence.find(row[4]), std::string::npos) << problem.sentence;
     }
@@ -138,8 +138,8 @@ TEST(CheckFormula, OrderUnitAndLimit) {
     for (std::size_t i = 1; i < problems.size(); ++i) {
         EXPECT_LE(problems[i - 1].position, problems[i].position);
     }
-    EXPECT_TRUE(CheckFormula("0 0, 1 90 -r 10ns", 1).empty());
-    EXPECT_EQ(CheckFormula("0 0, 1 90 -r 10ns", 2).size(), 1U);  // 90 ns
+    EXPECT_TRUE(CheckFormula("0 0, 1 90 -r 10ns").empty());
+    EXPECT_EQ(CheckFormula("0 0, 1 90 -r 10ns", TimeUnit::Nanosecond).size(), 1U);  // 90 ns
     EXPECT_EQ(CheckFormula(nullptr).size(), 1U);
 }
 
@@ -153,8 +153,8 @@ std::string Repeat(const std::string& text, int times) {
 
 // Of too many problems the errors are kept, and the last line is an error only for more of these.
 TEST(CheckFormula, TooManyProblems) {
-    const auto error = FormulaProblem::Severity::Error;
-    const auto warning = FormulaProblem::Severity::Warning;
+    const auto error = Problem::Severity::Error;
+    const auto warning = Problem::Severity::Warning;
     for (const auto& [formula, last, errors] : {std::tuple(Repeat("0 5xs, ", 5'000), error, 100),
                                                 {Repeat("0 0.5, ", 5'000), warning, 0},
                                                 {Repeat("-r 5,", 100'000), warning, 1},
@@ -164,7 +164,7 @@ TEST(CheckFormula, TooManyProblems) {
         ASSERT_EQ(problems.size(), kMaxFormulaProblems);
         EXPECT_EQ(problems.back().severity, last);
         EXPECT_EQ(std::count_if(problems.begin(), problems.end(),
-                                [&](const FormulaProblem& p) { return p.severity == error; }),
+                                [&](const Problem& p) { return p.severity == error; }),
                   errors);
         EXPECT_TRUE(
             std::is_sorted(problems.begin(), problems.end(),
@@ -172,7 +172,7 @@ TEST(CheckFormula, TooManyProblems) {
     }
     const std::string deep = "/vesk " + Repeat("(", 300) + "010NS" + Repeat(")2", 300) + " 010NS";
     EXPECT_EQ(CheckFormula(deep.c_str()).size(), 1U);
-    for (const FormulaProblem& problem :
+    for (const Problem& problem :
          CheckFormula(("0 0, 1 10" + std::string(39, 'x') + "\u00e9").c_str())) {
         EXPECT_NE(problem.sentence.find("x...`"), std::string::npos) << problem.sentence;
     }

@@ -13,11 +13,11 @@
 namespace corv::test {
 namespace {
 
-using Problems = std::vector<FormulaProblem>;
+using Problems = std::vector<Problem>;
 
 bool HasErrors(const Problems& problems) {
-    return std::any_of(problems.begin(), problems.end(), [](const FormulaProblem& problem) {
-        return problem.severity == FormulaProblem::Severity::Error;
+    return std::any_of(problems.begin(), problems.end(), [](const Problem& problem) {
+        return problem.severity == Problem::Severity::Error;
     });
 }
 
@@ -83,7 +83,7 @@ TEST(CheckVectorFormula, OneProblem) {
         EXPECT_EQ(problems[0].position, begin);
         EXPECT_EQ(problems[0].length, end - begin);
         const bool warning = row[2].starts_with("W:");
-        EXPECT_EQ(problems[0].severity == FormulaProblem::Severity::Warning, warning);
+        EXPECT_EQ(problems[0].severity == Problem::Severity::Warning, warning);
         EXPECT_NE(problems[0].sentence.find(row[2].substr(warning ? 2 : 0)), std::string::npos)
             << problems[0].sentence;
     }
@@ -109,8 +109,10 @@ TEST(CheckVectorFormula, CleanFormulas) {
         "\\counter\\TYPE\\4\\DIR\\1\\RADIX\\8\\START\\7\\INC\\0\\PERIOD\\5\\REV\\0";
     ASSERT_EQ(RegisterCounter(counter, 4, 1), 0);
     EXPECT_TRUE(CheckFormula("\\Counter\\wire\\3\\handle\\0").empty());
-    EXPECT_TRUE(CheckVectorFormula("(a,b) 0, (c,d) 5, (a,b) 9 -r 10ns", 2, 0, 2).size() == 0);
-    EXPECT_EQ(CheckVectorFormula("11 0, 01 20 -r 10ns", 2, 1, 2).size(), 1U);  // 20 ns
+    EXPECT_TRUE(CheckVectorFormula("(a,b) 0, (c,d) 5, (a,b) 9 -r 10ns", 2, 0, TimeUnit::Nanosecond)
+                    .size() == 0);
+    EXPECT_EQ(CheckVectorFormula("11 0, 01 20 -r 10ns", 2, 1, TimeUnit::Nanosecond).size(),
+              1U);  // 20 ns
     EXPECT_TRUE(HasErrors(CheckVectorFormula(nullptr, 4, 1)));
     EXPECT_TRUE(HasErrors(CheckVectorFormula("16#F 0", kMaxVectorWidth + 1, 1)));
     EXPECT_TRUE(HasErrors(CheckVectorFormula("/vesk (010NS110NS)700000", 64, 1)));

@@ -72,7 +72,7 @@ TEST(CleanFormulas, ShownInThePages) {
     }
     EXPECT_GE(formulas.size(), 8U);
     for (const std::string& formula : formulas) {
-        for (const FormulaProblem& problem : CheckFormula(formula.c_str())) {
+        for (const Problem& problem : CheckFormula(formula.c_str())) {
             ADD_FAILURE() << formula << ": " << problem.sentence;
         }
     }
@@ -106,7 +106,7 @@ TEST(CleanFormulas, OfWellFormedPieces) {
     for (std::uint32_t seed = 1; seed <= 20'000; ++seed) {
         Random random(seed);
         const std::string formula = RandomClean(random);
-        for (const FormulaProblem& problem : CheckFormula(formula.c_str())) {
+        for (const Problem& problem : CheckFormula(formula.c_str())) {
             ADD_FAILURE() << "seed " << seed << ": " << formula << ": " << problem.sentence;
         }
     }

@@ -135,7 +135,7 @@ TEST_F(CustomNames, ProblemsAreToldWhereTheyStand) {
         EXPECT_EQ(formula.substr(problems[0].position, problems[0].length), in_place(row.place));
         EXPECT_NE(problems[0].sentence.find(row.told), std::string::npos) << problems[0].sentence;
         CStimulus stimulus;
-        const bool refused = problems[0].severity == FormulaProblem::Severity::Error;
+        const bool refused = problems[0].severity == Problem::Severity::Error;
         EXPECT_TRUE(row.vector || (stimulus.Create(formula.c_str(), 0) == 0) == refused) << formula;
     }
     EXPECT_TRUE(CheckVectorFormula(("/custom " + file.path + ",t.bus").c_str(), 2, 1).empty());

@@ -116,12 +116,12 @@ void ExpectDefined(const std::string& formula, std::uint32_t seed) {
         ASSERT_EQ(created, model.Create(formula, 0) ? 1 : 0);
         ASSERT_NO_FATAL_FAILURE(ExpectSame(stimulus, model, 0, random));
     }
-    const std::vector<FormulaProblem> problems = CheckFormula(formula.c_str());
+    const std::vector<Problem> problems = CheckFormula(formula.c_str());
     bool has_error = false;
-    for (const FormulaProblem& problem : problems) {
+    for (const Problem& problem : problems) {
         ASSERT_LE(problem.position + problem.length, formula.size());
         ASSERT_FALSE(problem.sentence.empty());
-        has_error |= problem.severity == FormulaProblem::Severity::Error;
+        has_error |= problem.severity == Problem::Severity::Error;
     }
     ASSERT_TRUE(created == 1 || has_error);
     ASSERT_LE(problems.size(), kMaxFormulaProblems);

@@ -123,7 +123,7 @@ TEST(TypeAllocation, Vhdl) {
     CString type;
     ASSERT_TRUE(TypeFromVhdl(vhdl, type));
     const CString good = type;
-    TypeProblem problem{0, 0, ""};
+    Problem problem{0, 0, ""};
     FailEveryAllocation([&] { type = CString("untouched"); },
                         [&] { return TypeFromVhdl(vhdl, type, &problem); },
                         [&](bool read) {

@@ -20,7 +20,7 @@ const std::string kBit = "e#3#bitc2 01";
 
 std::string FromVhdl(const std::string& text) {
     CString type("untouched");
-    TypeProblem problem{77, 77, "none"};
+    Problem problem{77, 77, "none"};
     if (!TypeFromVhdl(text.c_str(), type, &problem)) {
         EXPECT_STREQ(type, "untouched");
         return "at " + std::to_string(problem.position) + ": " + problem.sentence;
@@ -205,7 +205,7 @@ TEST(VhdlType, Problems) {
     rows.push_back({"(a, \\open\n\\)", "4", "1", "no closing `\\`"});
     for (const auto& row : rows) {
         CString type("untouched");
-        TypeProblem problem{77, 77, ""};
+        Problem problem{77, 77, ""};
         ASSERT_FALSE(TypeFromVhdl(row[0].c_str(), type, &problem)) << row[0];
         EXPECT_STREQ(type, "untouched");
         EXPECT_EQ(std::to_string(problem.position), row[1]) << row[0] << ": " << problem.sentence;
@@ -340,7 +340,7 @@ TEST(VhdlType, MutatedTexts) {
         for (int i = 0; i < 4000; ++i) {
             const std::string mutated = Mutate(random, text.substr(0, random.Below(text.size())));
             CString type;
-            TypeProblem problem{0, 0, ""};
+            Problem problem{0, 0, ""};
             if (TypeFromVhdl(mutated.c_str(), type, &problem)) {
                 const std::string written = ToVhdl(static_cast<const char*>(type));
                 ASSERT_EQ(ToVhdl(FromVhdl(written)), written) << mutated;

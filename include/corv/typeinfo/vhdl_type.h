@@ -1,19 +1,13 @@
 #pragma once
 
-#include <cstddef>
-#include <string>
-
 #include "corv/platform/cstring.h"
 #include "corv/platform/export.h"
+#include "corv/util/problem.h"
 
 namespace corv {
 
 // Why a text cannot be read as a type.
-struct TypeProblem {
-    std::size_t position;  // of the first byte, from 0
-    std::size_t length;    // in bytes; 0 points at the end of the text
-    std::string sentence;  // what is wrong and what would be right, without a full stop
-};
+using TypeProblem = Problem;
 
 // Makes a type-description string from a VHDL subtype indication:
 //
@@ -44,8 +38,7 @@ struct TypeProblem {
 //
 //     corv::TypeFromVhdl("std_logc", type, &problem);
 //         // position 0, length 8: "unknown type `std_logc`; did you mean `std_logic`?"
-CORV_API bool TypeFromVhdl(const char* text, CString& type,
-                           TypeProblem* problem = nullptr) noexcept;
+CORV_API bool TypeFromVhdl(const char* text, CString& type, Problem* problem = nullptr) noexcept;
 
 // Writes a type as a VHDL subtype indication that TypeFromVhdl reads. Types with the names above
 // are written by name, all others are written out; an unconstrained array that is written out has

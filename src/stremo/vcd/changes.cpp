@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstring>
 
+#include "corv/util/time_text.h"
+
 namespace corv::vcd {
 
 using recording::AllElements;
@@ -76,7 +78,7 @@ bool Changes::Read(const Byte* end, const Passed& passed) {
     }
     if (off_ != nullptr) {
         notes_.Add(static_cast<std::size_t>(off_ - file_.data()),
-                   "nothing is recorded from " + std::to_string(off_time_) + " ps on");
+                   "nothing is recorded from " + FormatTime(off_time_) + " on");
     }
     if (zeros_ > 0) {
         notes_.Add(first_zero_,
@@ -136,8 +138,8 @@ void Changes::BeginBlock(std::string_view word, const Byte* at) {
         off_time_ = builder_.time();
     } else if (off_ != nullptr && (word == "$dumpon" || word == "$dumpportson")) {
         notes_.Add(static_cast<std::size_t>(off_ - file_.data()),
-                   "nothing is recorded from " + std::to_string(off_time_) + " ps to " +
-                       std::to_string(builder_.time()) + " ps");
+                   "nothing is recorded from " + FormatTime(off_time_) + " to " +
+                       FormatTime(builder_.time()));
         off_ = nullptr;
     }
 }

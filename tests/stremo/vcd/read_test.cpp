@@ -164,8 +164,8 @@ TEST(VcdChanges, AreToldWithWhatWasRepaired) {
         #0 b11010 "               | line 3, column 4: the value `11010` has more digits
         #0 r1 !                   | line 3, column 4: the value `1` does not fit the type
         #0 r1e999 $               | the value `1e999` passes the range of real numbers
-        #0 $dumpoff x! $end #7 $dumpon 0! $end #8 | line 3, column 4: nothing is recorded from 0 ps to 7 ps
-        #0 $dumpoff x! $end       | line 3, column 4: nothing is recorded from 0 ps on
+        #0 $dumpoff x! $end #7 $dumpon 0! $end #8 | line 3, column 4: nothing is recorded from 0ps to 7ps
+        #0 $dumpoff x! $end       | line 3, column 4: nothing is recorded from 0ps on
         #0 $dumpall 0!            | line 3, column 4: a block of values has no $end
         @                         | line 3, column 1: `@` makes no sense here
         #0 0! b1                  | line 3, column 7: the file ends in the middle of a word

@@ -1,12 +1,12 @@
-#include "stimulus/unit_suggestion.h"
+#include "util/unit_suggestion.h"
 
-#include <algorithm>
 #include <array>
 
 #include "platform/ascii.h"
 #include "util/suggest.h"
+#include "util/time_text.h"
 
-namespace corv::stimulus {
+namespace corv::util {
 namespace {
 
 struct Alias {
@@ -32,9 +32,6 @@ constexpr std::array<Alias, 15> kAliases{{
     {"hour", "hr"},
 }};
 
-// The likeliest first.
-constexpr std::array<std::string_view, 8> kUnits{"ns", "ps", "us", "ms", "fs", "sec", "min", "hr"};
-
 }  // namespace
 
 std::string_view NearestUnit(std::string_view word) noexcept {
@@ -43,10 +40,14 @@ std::string_view NearestUnit(std::string_view word) noexcept {
             return alias.unit;
         }
     }
-    const auto near = std::find_if(kUnits.begin(), kUnits.end(), [word](std::string_view unit) {
-        return util::EditDistance(word, unit) <= 1;
-    });
-    return near == kUnits.end() || word.size() < 2 ? std::string_view() : *near;
+    const TimeUnitRow* nearest = nullptr;
+    for (const TimeUnitRow& unit : kTimeUnits) {
+        if (word.size() > 1 && EditDistance(word, unit.name) <= 1 &&
+            (!nearest || unit.guess < nearest->guess)) {
+            nearest = &unit;
+        }
+    }
+    return nearest ? nearest->name : std::string_view();
 }
 
-}  // namespace corv::stimulus
+}  // namespace corv::util
