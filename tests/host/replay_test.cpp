@@ -1,19 +1,6 @@
 #include "host/replay.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <array>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <memory>
-#include <set>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "corv/stimulus/stimulus.h"
 #include "corv/stremo/streams.h"
@@ -23,7 +10,7 @@
 #include "host/signal_name.h"
 #include "host/signal_trace.h"
 #include "host/value_type.h"
-#include "tests/support/paths.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

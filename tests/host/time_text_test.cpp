@@ -1,11 +1,8 @@
 #include "host/time_text.h"
 
-#include <gtest/gtest.h>
-
 #include "corv/stimulus/time_unit.h"
 #include "corv/util/time_units.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {
