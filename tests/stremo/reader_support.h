@@ -1,7 +1,7 @@
 #pragma once
 
 #include "corv/signals/hierarchy_separator.h"
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 #include "tests/support/recorded.h"
 #include "tests/support/test.h"
 
