@@ -2,13 +2,7 @@
 // behind them is reached too. The events that are read on, the values at a place and the answers
 // about single signals must agree.
 
-#include <algorithm>
 #include <bit>
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "corv/stremo/streams.h"
 #include "recording_fuzz.h"
@@ -23,18 +17,6 @@ namespace recording = corv::recording;
 namespace platform = corv::platform;
 using corv::fuzz::Require;
 using Content = std::vector<unsigned char>;
-
-class OneFile final : public platform::Files {
-public:
-    explicit OneFile(Content content) : content_(std::move(content)) {}
-    Opened<platform::FileContent> Open(const std::string&) override {
-        return {std::make_unique<corv::fuzz::HeldContent>(content_), nullptr};
-    }
-    Opened<platform::FileOutput> Create(const std::string&) override { return {}; }
-
-private:
-    Content content_;
-};
 
 // ---- reading ----
 
@@ -60,13 +42,7 @@ bool Walk(stremo::IEventsStreamRead& reader) {
 }
 
 void AskSignal(recording::SignalReader& reader, int handle) {
-    bool has_members = false;
-    int members = 0;
-    CString name;
-    int mode = 0;
-    std::int64_t latest = 0;
-    reader.GetSignalInfo(handle, has_members, members, name, mode, latest);
-    Require(reader.GetTypeString(handle) != nullptr);
+    const corv::test::SignalInfo info(reader, handle);
     reader.GetSignalProperty(handle, "VBus");
     const auto cursor = reader.OpenSignal(handle);
     if (cursor == nullptr) {
@@ -100,13 +76,13 @@ void AskTree(recording::SignalReader& reader, int handle, int& budget) {
 }
 
 void Read(Content content) {
-    OneFile files(std::move(content));
-    auto opened = recording::OpenRecording(files, "any.evt");
-    if (opened == nullptr) {
+    corv::test::MemoryFiles files;
+    files["any.evt"] = std::move(content);
+    const auto reader = corv::test::ReaderOf(recording::OpenRecording(files, "any.evt"));
+    if (reader == nullptr) {
         Require(*corv::LastStreamError() != '\0');
         return;
     }
-    const auto reader = recording::MakeReader(std::move(opened));
     Walk(*reader);
     int budget = 12;
     for (int i = 0; i < std::min(reader->GetSignalCount(), 6); ++i) {

@@ -1,13 +1,6 @@
 // Any bytes as a GHW file. What is read must keep order, have types that can be parsed and values
 // that fit them; a signal read alone must have the events that it has among all.
 
-#include <cstdint>
-#include <iterator>
-#include <map>
-#include <memory>
-#include <vector>
-
-#include "corv/typeinfo/type_info.h"
 #include "recording_fuzz.h"
 #include "stremo/ghw/recording.h"
 
@@ -15,9 +8,9 @@ namespace {
 
 using corv::fuzz::Open;
 using corv::fuzz::Require;
-using corv::fuzz::SignalInfo;
 using corv::recording::OpenGhw;
 using corv::recording::SignalReader;
+using corv::test::SignalInfo;
 
 struct Event {
     std::int64_t time;

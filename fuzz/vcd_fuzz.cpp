@@ -1,13 +1,6 @@
 // Any bytes as a VCD file. What is read must keep order and stay within what was declared; written
 // and read again it must be the same signals with the same events.
 
-#include <cstdint>
-#include <map>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "recording_fuzz.h"
 #include "stremo/vcd/recording.h"
 #include "stremo/vcd/writer.h"
@@ -16,35 +9,8 @@ namespace {
 
 using corv::fuzz::Open;
 using corv::fuzz::Require;
-using corv::platform::Bytes;
 using corv::recording::OpenVcd;
 using corv::recording::SignalReader;
-
-// One file in memory.
-class MemoryFile final : public corv::platform::Files {
-public:
-    Opened<corv::platform::FileContent> Open(const std::string&) override { return {}; }
-    Opened<corv::platform::FileOutput> Create(const std::string&) override {
-        bytes.clear();
-        return {std::make_unique<Output>(bytes), nullptr};
-    }
-
-    std::vector<unsigned char> bytes;
-
-private:
-    class Output final : public corv::platform::FileOutput {
-    public:
-        explicit Output(std::vector<unsigned char>& bytes) : bytes_(bytes) {}
-        const char* Append(Bytes part) noexcept override {
-            bytes_.insert(bytes_.end(), part.begin(), part.end());
-            return nullptr;
-        }
-        const char* Close() noexcept override { return nullptr; }
-
-    private:
-        std::vector<unsigned char>& bytes_;
-    };
-};
 
 // The last value of each scalar at each time.
 using Events = std::map<std::pair<std::int64_t, int>, std::uint64_t>;
@@ -60,7 +26,7 @@ Events ReadAll(SignalReader& reader) {
 // Whether the reader has signals that a VCD file can't be written with: arrays without elements.
 bool HasEmptyArrays(SignalReader& reader) {
     for (int i = 0; i < reader.GetSignalCount(); ++i) {
-        const corv::fuzz::SignalInfo info(reader, reader.GetSignalHandle(i));
+        const corv::test::SignalInfo info(reader, reader.GetSignalHandle(i));
         if (info.composite && info.members == 0) {
             return true;
         }
@@ -79,15 +45,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     ReadAll(*reader);
-    MemoryFile file;
-    Require(corv::vcd::WriteVcd(*reader, file, "out.vcd", {}));
-    const std::unique_ptr<SignalReader> written = Open(OpenVcd, file.bytes);
+    corv::test::MemoryFiles files;
+    Require(corv::vcd::WriteVcd(*reader, files, "out.vcd", {}));
+    const std::unique_ptr<SignalReader> written = Open(OpenVcd, files["out.vcd"]);
     Require(written != nullptr);
     const Events events = ReadAll(*written);
-    MemoryFile again;
-    Require(corv::vcd::WriteVcd(*written, again, "out.vcd", {}));
+    Require(corv::vcd::WriteVcd(*written, files, "again.vcd", {}));
     // names may have been repaired the first time, no more the second
-    const std::unique_ptr<SignalReader> rewritten = Open(OpenVcd, again.bytes);
+    const std::unique_ptr<SignalReader> rewritten = Open(OpenVcd, files["again.vcd"]);
     Require(rewritten != nullptr && !HasEmptyArrays(*rewritten));
     Require(ReadAll(*rewritten) == events);
     return 0;

@@ -8,31 +8,16 @@
 //
 // With CORV_UPDATE_TRANSCRIPTS set, the files are rewritten with what the commands print.
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "tests/support/paths.h"
+#include "tests/support/test.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 const fs::path kFolder = fs::path(corv::test::TestFolder()) / "cli";
-
-std::string ReadFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // Every line with a mark in front; a last line that was not ended shows as such.
 std::string Marked(std::string_view mark, const std::string& text) {
@@ -79,7 +64,7 @@ protected:
                                  out + "' 2>'" + err + "' </dev/null";
         const int status = std::system(line.c_str());
         const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return Marked("|", ReadFile(out)) + Marked("!", ReadFile(err)) +
+        return Marked("|", corv::test::FileText(out)) + Marked("!", corv::test::FileText(err)) +
                (code == 0 ? "" : "= " + std::to_string(code) + "\n");
     }
 
@@ -89,7 +74,7 @@ private:
 
 TEST_P(Transcript, PrintsWhatItSays) {
     const fs::path path = kFolder / (GetParam() + ".transcript");
-    const std::string expected = ReadFile(path);
+    const std::string expected = corv::test::FileText(path);
     std::istringstream lines(expected);
     std::string actual;
     int commands = 0;

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "corv/containers/signal_container.h"
 #include "corv/frame/com_ptr.h"
 #include "tests/support/fake_signal.h"
+#include "tests/support/test.h"
 
 // Trees of fake signals, written as text: "a s((0) (1)(.x .y)) b" are a leaf, a composite signal of
 // a leaf and a composite one, and a leaf. A name ends at a blank or at "(" that is not its first

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "corv/stremo/events_stream_write.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 

@@ -1,17 +1,7 @@
 #include "corv/containers/handle_manager.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <iterator>
-#include <limits>
-#include <map>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "tests/support/failing_alloc.h"
 #include "tests/support/fake_signal.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -42,21 +32,6 @@ Lists Contents(IHandleManager& manager) {
         lists[h] = SignalsOf(manager, h);
     }
     return lists;
-}
-
-TEST(HandleManager, NewAndEmpty) {
-    const ManagerPtr manager = NewManager();
-    EXPECT_EQ(manager->GetNextHandle(), -1);
-    EXPECT_EQ(manager->GetNextSignal(), nullptr);
-    const FakePtr signal = NewLeaf("a", 0);
-    EXPECT_EQ(manager->AddSignal(signal.get()), S_OK);
-    EXPECT_EQ(manager->GetNextHandle(), -1) << "no enumeration has begun";
-    EXPECT_EQ(manager->GetNextSignal(), nullptr);
-    manager->RemoveAll();
-    manager->RemoveAll();
-    EXPECT_EQ(manager->GetFirstHandle(), -1);
-    EXPECT_EQ(manager->GetFirstSignal(0), nullptr);
-    EXPECT_EQ(manager->RemoveHandle(0), E_FAIL);
 }
 
 TEST(HandleManager, RefusesAndSkips) {
@@ -186,14 +161,9 @@ TEST(HandleManager, OutOfMemoryChangesNothing) {
                 EXPECT_EQ(SignalsOf(*manager, 7).size(), count + 1);
             });
     }
-    IHandleManager* untouched = nullptr;
-    EXPECT_GT(FailEveryAllocation([&] { return CreateHandleManager(&untouched); },
-                                  [&](HRESULT result) {
-                                      EXPECT_EQ(result, E_OUTOFMEMORY);
-                                      EXPECT_EQ(untouched, nullptr);
-                                  }),
-              0);
-    untouched->Release();
+    ManagerPtr made;
+    FailsUnchanged([&] { made = {}; }, [&] { return CreateHandleManager(made.Out()); },
+                   E_OUTOFMEMORY, [&] { return !made; });
 }
 
 }  // namespace

@@ -1,11 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <utility>
-
 #include "corv/signals/byte_stream.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 

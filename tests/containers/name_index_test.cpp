@@ -1,15 +1,8 @@
 #include "containers/name_index.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "platform/ascii.h"
 #include "tests/containers/container_support.h"
-#include "tests/support/failing_alloc.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -135,6 +128,23 @@ TEST(NameIndex, RandomChangesAgainstAModel) {
         }
         lists.AddForeign();
     }
+}
+
+// What takes the place of a signal without a name has an empty one.
+TEST(NameIndex, FollowsAReplacement) {
+    const ContainerPtr container = NewContainer();
+    SignalPtr nameless;
+    ASSERT_EQ(CreateSignal(nullptr, nullptr, nameless.Out()), S_OK);
+    container->Add(nameless.get());
+    for (int i = 0; i < 200; ++i) {
+        container->Add(NewSignal("x" + std::to_string(i)).get());
+    }
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Find(*container, ""), nullptr);
+    }
+    const SignalPtr other = NewSignal("other");
+    ASSERT_EQ(container->Replace(nameless.get(), other.get()), S_OK);
+    EXPECT_EQ(Find(*container, ""), other.get());
 }
 
 }  // namespace

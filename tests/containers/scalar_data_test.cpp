@@ -1,20 +1,10 @@
 #include "corv/containers/scalar_data.h"
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <cstring>
-#include <map>
-#include <random>
-#include <set>
-#include <string>
-
 #include "corv/containers/scalar_data_container.h"
 #include "corv/containers/signal_data.h"
 #include "corv/frame/com_ptr.h"
 #include "corv/typeinfo/vhdl_type.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,16 +1,8 @@
 // What handle managers list while signals come, change and go.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <limits>
-#include <random>
-#include <set>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "tests/containers/container_support.h"
+
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -181,33 +173,6 @@ TEST(SignalLives, NoManagerListsWhatIsGone) {
             lives.Step();
             ASSERT_TRUE(lives.AreListed()) << "seed " << seed << " step " << step;
         }
-    }
-}
-
-// The handles that are listed after the signal that was listed under 5 has gone.
-TEST(SignalLives, ChangesBetweenComingAndGoing) {
-    ManagerPtr manager;
-    CreateHandleManager(manager.Out());
-    using Change = void (*)(ISignal&, ISignalContainer&);
-    const Change changes[] = {
-        [](ISignal& s, ISignalContainer&) { s.SetTypeInfo(kTypes[2]); },
-        [](ISignal& s, ISignalContainer&) { s.SetHandle(-1); },
-        [](ISignal& s, ISignalContainer&) { s.SetHandle(7); },
-        [](ISignal& s, ISignalContainer&) { s.SetProperty("Handle", "7"); },
-        [](ISignal&, ISignalContainer& owner) { owner.SetHandleManager(nullptr); },
-    };
-    for (const Change change : changes) {
-        const ContainerPtr container = NewContainer(manager.get());
-        SignalPtr signal;
-        ASSERT_EQ(container->NewSignal(kTypes[0], signal.Out()), S_OK);
-        signal->SetHandle(5);
-        ASSERT_EQ(container->Add(signal.get()), S_OK);
-        change(*signal, *container);
-        EXPECT_EQ(manager->GetFirstHandle(), 5);
-        container->Remove(signal.get());
-        signal = {};
-        EXPECT_EQ(manager->GetFirstHandle(), -1);
-        EXPECT_EQ(manager->GetFirstSignal(5), nullptr);
     }
 }
 

@@ -1,21 +1,12 @@
 // Saving and loading as far as the containers do it.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <limits>
-#include <set>
-#include <string>
-#include <vector>
-
 #include "corv/stremo/streams.h"
 #include "signals/loads.h"
 #include "tests/containers/container_support.h"
 #include "tests/containers/fake_reader.h"
 #include "tests/containers/fake_writer.h"
 #include "tests/containers/memory_stream.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,18 +1,9 @@
+#include "tests/support/test.h"
 #include "corv/cpp/recording.h"
-
-#include <gtest/gtest.h>
-
-#include <map>
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "corv/cpp/save_signals.h"
 #include "tests/cpp/support.h"
 #include "tests/support/other_programs.h"
-#include "tests/support/paths.h"
-#include "tests/support/table.h"
 
 namespace corv::test {
 namespace {

@@ -1,10 +1,5 @@
+#include "tests/support/test.h"
 #include "corv/cpp/signal.h"
-
-#include <gtest/gtest.h>
-
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "tests/cpp/support.h"
 

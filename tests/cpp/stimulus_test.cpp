@@ -1,14 +1,9 @@
+#include "tests/support/test.h"
 #include "corv/cpp/stimulus.h"
 
-#include <gtest/gtest.h>
-
 #include <ranges>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "tests/cpp/support.h"
-#include "tests/support/table.h"
 
 namespace corv::test {
 namespace {

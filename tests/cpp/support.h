@@ -1,8 +1,6 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
+#include "tests/support/test.h"
 #include "corv/cpp/error.h"
 
 namespace corv::test {

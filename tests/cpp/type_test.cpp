@@ -1,13 +1,7 @@
+#include "tests/support/test.h"
 #include "corv/cpp/type.h"
 
-#include <gtest/gtest.h>
-
-#include <span>
-#include <string>
-#include <vector>
-
 #include "tests/cpp/support.h"
-#include "tests/support/table.h"
 
 namespace corv::test {
 namespace {

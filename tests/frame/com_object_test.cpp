@@ -1,11 +1,7 @@
 #include "frame/com_object.h"
 
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-
 #include "corv/frame/interface_ids.h"
-#include "tests/support/failing_alloc.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,15 +1,9 @@
 // The interfaces as a host sees them that knows nothing of C++: identifiers as bytes, operations as
 // numbered slots of a table.
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <vector>
-
 #include "corv/frame/interface_ids.h"
 #include "corv/waves/signal_wave.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,11 +1,6 @@
 #include "frame/plain_object.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <memory>
-
-#include "tests/support/failing_alloc.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

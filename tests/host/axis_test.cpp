@@ -1,11 +1,7 @@
 #include "host/axis.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-
 #include "corv/util/time_text.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

@@ -1,14 +1,9 @@
 #include "host/bus_formula.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-
 #include "corv/typeinfo/vhdl_type.h"
 #include "host/bus_text.h"
 #include "host/formula_words.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

@@ -1,12 +1,7 @@
 #include "host/driven_signal.h"
 
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
-
 #include "host/value_type.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

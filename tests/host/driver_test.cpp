@@ -1,14 +1,7 @@
 #include "host/driver.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <memory>
-#include <string>
-#include <utility>
-
 #include "host/named_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

@@ -1,14 +1,9 @@
 #include "host/packed_source.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
+
 #include <unistd.h>
 #include <zlib.h>
-
-#include <cstdio>
-#include <fstream>
-#include <random>
-#include <sstream>
-#include <string>
 
 namespace corv::host {
 namespace {
@@ -35,10 +30,6 @@ void Pack(const std::string& text) {
     gzclose(file);
 }
 
-std::string FileBytes() {
-    std::ifstream file(FileName(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 void WriteFile(const std::string& bytes) {
     std::ofstream(FileName(), std::ios::binary) << bytes;
 }
@@ -74,7 +65,7 @@ TEST_F(PackedSource, ReadsAnyPart) {
     EXPECT_EQ(packed.problem, "");
     EXPECT_GT(done, 0.5);
     ExpectHolds(*packed.source, first + second);
-    std::istringstream pipe(FileBytes());
+    std::istringstream pipe(test::FileText(FileName()));
     const PackedStream kept = KeepPacked(pipe);
     EXPECT_EQ(kept.problem, "");
     ExpectHolds(*kept.source, first + second);
@@ -94,7 +85,7 @@ TEST_F(PackedSource, UnpacksAsFarAsTheFileIsWhole) {
     WriteFile("");
     const std::string text = SomeText(6'000'000, 4);
     Pack(text);
-    const std::string whole = FileBytes();
+    const std::string whole = test::FileText(FileName());
     WriteFile(whole.substr(0, whole.size() * 9 / 10));
     const PackedStream cut = OpenPacked(FileName(), {});
     EXPECT_EQ(cut.problem, "the packed file is cut: what can be unpacked is read");

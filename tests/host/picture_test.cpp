@@ -1,14 +1,11 @@
 #include "host/picture.h"
 
-#include <gtest/gtest.h>
-
 #include "corv/stimulus/stimulus.h"
 #include "host/driver.h"
 #include "host/fit_text.h"
 #include "host/source.h"
 #include "host/terminal.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

@@ -1,18 +1,9 @@
 #include "host/recorder.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <memory>
-#include <optional>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "corv/typeinfo/vhdl_type.h"
 #include "host/recording.h"
 #include "tests/support/other_programs.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

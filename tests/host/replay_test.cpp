@@ -1,19 +1,6 @@
 #include "host/replay.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <array>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <memory>
-#include <set>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "corv/stimulus/stimulus.h"
 #include "corv/stremo/streams.h"
@@ -23,7 +10,8 @@
 #include "host/signal_name.h"
 #include "host/signal_trace.h"
 #include "host/value_type.h"
-#include "tests/support/paths.h"
+#include "tests/support/recorded.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {
@@ -39,24 +27,15 @@ std::string FullName(ISignal& signal) {
 // What a recording holds, read event by event with every signal of interest.
 class Recorded {
 public:
-    explicit Recorded(const std::string& file) {
-        const OpenedStream stream = OpenStream(file);
-        while (true) {
-            const int handle = stream.reader->Next();
-            if (handle == -1) {
-                break;
-            }
-            std::array<unsigned char, 16> value{};
-            EXPECT_TRUE(stream.reader->ReadValue(value.data()));
-            events_[handle].emplace_back(*stream.reader->GetCurrentTime(), value);
-        }
+    explicit Recorded(const std::string& file) : all_(*OpenStream(file).reader) {
+        EXPECT_TRUE(all_.is_sound);
     }
 
     // The times of the events of some leaves, and the text that one has at a time.
     std::set<std::int64_t> Times(const std::vector<ISignal*>& leaves) const {
         std::set<std::int64_t> times;
         for (ISignal* const leaf : leaves) {
-            for (const auto& [time, value] : Of(*leaf)) {
+            for (const auto& [time, value] : Of(*leaf).events) {
                 times.insert(time);
             }
         }
@@ -64,16 +43,13 @@ public:
     }
     // The last value at or before the time; there is none before the first event.
     std::string Text(ISignal& leaf, std::int64_t time) const {
-        const Events& events = Of(leaf);
-        const auto after =
-            std::upper_bound(events.begin(), events.end(), time,
-                             [](std::int64_t at, const auto& event) { return at < event.first; });
-        if (after == events.begin()) {
-            return std::string(1, kNotDriven);
+        const test::RecordedSignal& signal = Of(leaf);
+        std::optional<std::uint64_t> last;
+        for (const auto& [at, value] : signal.events) {
+            last = at <= time ? value : last;
         }
-        const KTypeInfo type{CString(leaf.GetTypeInfo())};
-        return std::string(
-            WithoutQuotes(type.GetValueString((after - 1)->second.data(), 10, 0, -1).View()));
+        return last ? std::string(WithoutQuotes(signal.Text(*last, 0)))
+                    : std::string(1, kNotDriven);
     }
     std::string Joined(const std::vector<ISignal*>& leaves, std::int64_t time) const {
         std::string joined;
@@ -84,13 +60,13 @@ public:
     }
 
 private:
-    using Events = std::vector<std::pair<std::int64_t, std::array<unsigned char, 16>>>;
-    const Events& Of(ISignal& leaf) const {
-        static const Events none;
-        const auto found = events_.find(leaf.GetHandle());
-        return found != events_.end() ? found->second : none;
+    const test::RecordedSignal& Of(ISignal& leaf) const {
+        return *std::find_if(all_.signals.begin(), all_.signals.end(),
+                             [&](const test::RecordedSignal& signal) {
+                                 return !signal.info.composite && signal.handle == leaf.GetHandle();
+                             });
     }
-    std::map<int, Events> events_;
+    test::Recorded all_;
 };
 
 // The questions that are worth asking: at each event, just before it and just behind it.

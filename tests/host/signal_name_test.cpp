@@ -1,14 +1,9 @@
 #include "host/signal_name.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-
 #include "corv/typeinfo/vhdl_type.h"
 #include "host/name_pattern.h"
 #include "host/signal_trace.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

@@ -1,17 +1,9 @@
 #include "host/value_writer.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <limits>
-
 #include "corv/frame/com_ptr.h"
 #include "corv/typeinfo/vhdl_type.h"
 #include "host/signal_trace.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

@@ -1,14 +1,8 @@
 #include "host/vector_source.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-
-#include <random>
-
 #include "host/bus_text.h"
 #include "host/driver.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::host {
 namespace {

@@ -1,9 +1,8 @@
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 #include "corv/library/library.h"
 #include "corv/signals/hierarchy_separator.h"
-#include "tests/support/paths.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

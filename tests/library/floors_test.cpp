@@ -1,14 +1,6 @@
 // The sources keep to the floors that CONTRIBUTING.md lists.
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <string>
-#include <vector>
-
-#include "tests/support/paths.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,14 +1,10 @@
 // The shared library attaches itself when it is loaded and detaches when it is unloaded.
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <malloc.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <string>
-
-#include "tests/support/paths.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,8 +1,5 @@
+#include "tests/support/test.h"
 #include "corv/version.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace corv::test {
 namespace {

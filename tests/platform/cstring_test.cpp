@@ -1,15 +1,9 @@
 #include "corv/platform/cstring.h"
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <cstdint>
-#include <cstring>
 #include <new>
-#include <string>
 
 #include "corv/platform/cstring_array.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

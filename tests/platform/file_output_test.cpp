@@ -1,12 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-
 #include "platform/files.h"
 #include "tests/support/other_programs.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -15,11 +9,6 @@ namespace fs = std::filesystem;
 
 std::string Text(platform::Bytes bytes) {
     return {bytes.begin(), bytes.end()};
-}
-
-std::string Text(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 // Writes one character; why it could not be done.
@@ -45,11 +34,11 @@ TEST(FileOutput, LeavesReadersWhatTheyHave) {
         ASSERT_NE(reader.file, nullptr);
         EXPECT_EQ(Write(output, '2'), "");
         EXPECT_EQ(Text(reader.file->BringPart(0, 10)), "1");
-        EXPECT_EQ(Text(output), "2");
+        EXPECT_EQ(FileText(output), "2");
         EXPECT_EQ(fs::status(output).permissions(), fs::perms(0640));
     }
     EXPECT_TRUE(fs::is_symlink(folder.Path("link")));
-    EXPECT_EQ(Text(folder.Path("d/target")), "2");
+    EXPECT_EQ(FileText(folder.Path("d/target")), "2");
 }
 
 TEST(FileOutput, SaysWhyThereIsNone) {

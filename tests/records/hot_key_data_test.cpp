@@ -1,11 +1,6 @@
 #include "corv/records/hot_key_data.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "tests/support/failing_alloc.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -55,15 +50,12 @@ TEST(HotKeyData, ReadsAnyText) {
 TEST(HotKeyData, FailsWithoutMemory) {
     const std::string data = "1/" + std::string(100, 'x');
     CString text;
-    FailEveryAllocation([&] { text = "old"; },
-                        [&] { return ParseHotKeyData(data.c_str(), nullptr, text); },
-                        [&](bool result) { EXPECT_FALSE(result || !text.IsEmpty()); });
-    FailEveryAllocation([&] { text = "old"; },
-                        [&] {
-                            MergeHotKeyData(1, data.c_str(), text);
-                            return 0;
-                        },
-                        [&](int) { EXPECT_TRUE(text.IsEmpty()); });
+    const auto prepare = [&] { text = "old"; };
+    const auto show = [&] { return text; };
+    FailsLeaving(
+        prepare, [&] { return ParseHotKeyData(data.c_str(), nullptr, text); }, false, show, "");
+    FailsLeaving(
+        prepare, [&] { return MergeHotKeyData(1, data.c_str(), text), 0; }, 0, show, "");
 }
 
 }  // namespace

@@ -1,13 +1,6 @@
 #include "corv/records/sti_parser.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cctype>
-#include <string>
-
-#include "tests/support/failing_alloc.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -67,25 +60,19 @@ TEST(StiParser, ReadsTheFieldsThatAreThere) {
 }
 
 TEST(StiParser, BuildsRecordsOfKnownNumbers) {
-    const struct {
-        int number;
-        const char* name;
-    } strengths[] = {{512, "Default"}, {1, "Override"}, {8, "Deposit"}, {16, "Drive"},
-                     {0, nullptr},     {4, nullptr},    {-1, nullptr},  {-512, nullptr}};
-    for (const auto& [strength, name] : strengths) {
-        for (const int type : {-1, 0, 1, 2, 1 << 30}) {
-            CStiParser parser;
-            parser.Init("a:b:Drive");
-            const std::string before = Show(parser);
-            const bool good = name != nullptr && (type == 0 || type == 1);
-            EXPECT_EQ(parser.Init("CLK", type, strength, "data", nullptr, type == 1, nullptr),
-                      good);
-            EXPECT_EQ(Show(parser),
-                      !good ? before
-                            : std::string("CLK,") + (type == 0 ? "FRM," : "KEY,") + name +
-                                  ",data,," + std::to_string(type) + ",, " + std::to_string(type) +
-                                  " " + std::to_string(strength) + " " + std::to_string(type));
-        }
+    for (const auto& row : Table(R"(
+        0 512 | CLK,FRM,Default,data,,0,, 0 512 0 ;; 1 1 | CLK,KEY,Override,data,,1,, 1 1 1
+        0 8 | CLK,FRM,Deposit,data,,0,, 0 8 0 ;; 1 16 | CLK,KEY,Drive,data,,1,, 1 16 1
+        -1 1 ;; 2 1 ;; 1073741824 8 ;; 0 0 ;; 1 4 ;; 1 -1 ;; 0 -512)")) {
+        const auto numbers = Split(row[0], ' ');
+        CStiParser parser;
+        parser.Init("a:b:Drive");
+        const std::string before = Show(parser);
+        const int type = static_cast<int>(Int(numbers[0]));
+        EXPECT_EQ(parser.Init("CLK", type, static_cast<int>(Int(numbers[1])), "data", nullptr,
+                              type == 1, nullptr),
+                  row.size() > 1);
+        EXPECT_EQ(Show(parser), row.size() > 1 ? row[1] : before) << row[0];
     }
 }
 
@@ -181,27 +168,22 @@ TEST(StiParser, Names) {
 
 TEST(StiParser, FailsWithoutMemory) {
     CStiParser parser;
-    const auto prepare = [&] { parser.Init("VAL", 0, 16, "data", "info", true, "states"); };
-    prepare();
-    const std::string before = Show(parser);
+    CString text;
+    const auto prepare = [&] {
+        parser.Init("VAL", 0, 16, "data", "info", true, "states");
+        text = "old";
+    };
     FailEveryAllocation(
         prepare, [&] { return parser.Init("CLK:KEY:Drive:a:b:1:c"); },
         [&](bool result) {
             EXPECT_FALSE(result);
             EXPECT_EQ(Show(parser), kEmpty);
         });
-    FailEveryAllocation(
-        prepare, [&] { return parser.Init("CLK", 1, 1, "a", "b", false, "c"); },
-        [&](bool result) {
-            EXPECT_FALSE(result);
-            EXPECT_EQ(Show(parser), before);
-        });
-    CString text;
-    FailEveryAllocation([&] { text = "old"; }, [&] { return parser.MergeStimInfo(text); },
-                        [&](bool result) {
-                            EXPECT_FALSE(result);
-                            EXPECT_TRUE(text.IsEmpty());
-                        });
+    const auto show = [&] { return Show(parser) + std::string(text); };
+    FailsUnchanged(
+        prepare, [&] { return parser.Init("CLK", 1, 1, "a", "b", false, "c"); }, false, show);
+    FailsLeaving(
+        prepare, [&] { return parser.MergeStimInfo(text); }, false, [&] { return text; }, "");
 }
 
 }  // namespace

@@ -1,16 +1,6 @@
 #include "corv/records/stim_state.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <map>
-#include <random>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "tests/support/failing_alloc.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -128,22 +118,6 @@ TEST(StimState, AddsAsAPlainMapDoes) {
     }
 }
 
-TEST(StimState, AscendingTimesReadBack) {
-    std::mt19937_64 random(12);
-    for (int round = 0; round < 200; ++round) {
-        CStimState states;
-        std::int64_t time = 0;
-        for (bool on = true; random() % 12 != 0; on = !on) {
-            time += 1 + static_cast<std::int64_t>(random() % 5) *
-                            (random() % 2 == 0 ? 1000 : 60'000'000'000'000);
-            states.Add(time, on);
-        }
-        CStimState read;
-        EXPECT_TRUE(read.Create(Stored(states).c_str()));
-        EXPECT_EQ(Show(read), Show(states));
-    }
-}
-
 TEST(StimState, CopiesWalkOnTheirOwn) {
     CStimState states;
     ASSERT_TRUE(states.Create("10;20;30"));
@@ -178,11 +152,15 @@ TEST(StimState, FailsWithoutMemory) {
             const std::string text = Show(states);
             EXPECT_EQ(std::string("10+ 20- 30+ 40- 50+").substr(0, text.size()), text);
         });
-    ASSERT_TRUE(states.Create("60;70"));
-    FailEveryAllocation([] {}, [&] { return states.Store(nullptr, 0); },
-                        [](unsigned result) { EXPECT_EQ(result, 0U); });
-    FailEveryAllocation([] {}, [&] { return CStimState(states); },
-                        [](CStimState copy) { EXPECT_EQ(copy.FirstState(), -1); });
+    const auto fill = [&] {
+        prepare();
+        states.Create("30;40;50;60;70");
+    };
+    const auto show = [&] { return Show(states); };
+    FailsUnchanged(
+        fill, [&] { return states.Store(nullptr, 0); }, 0U, show);
+    FailsUnchanged(
+        fill, [&] { return CStimState(states).FirstState(); }, -1, show);
 }
 
 }  // namespace

@@ -1,22 +1,11 @@
 // The merged events of a bus's leaves against a merge as plainly as it can be written.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cstdint>
-#include <limits>
-#include <optional>
-#include <string>
-#include <vector>
-
-#include "corv/frame/com_ptr.h"
 #include "corv/signals/bus_event_iterator.h"
+#include "corv/frame/com_ptr.h"
 #include "corv/signals/signal.h"
 #include "tests/signals/foreign_wave.h"
 #include "tests/signals/signal_support.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/test.h"
 #include "tests/waves/naive_wave.h"
 
 namespace corv::test {

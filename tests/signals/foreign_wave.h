@@ -1,12 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <utility>
-
 #include "corv/frame/com_ptr.h"
 #include "corv/frame/interface_ids.h"
 #include "corv/waves/signal_wave.h"
 #include "frame/com_object.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 

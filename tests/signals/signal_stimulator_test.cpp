@@ -1,10 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "tests/signals/signal_support.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/support/table.h"
+
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,12 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
-
 #include "corv/frame/com_ptr.h"
 #include "corv/signals/signal.h"
+#include "tests/support/test.h"
 
 // Signals for tests.
 namespace corv::test {

@@ -1,15 +1,8 @@
 #include "corv/signals/signal.h"
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <string>
-#include <vector>
-
 #include "corv/frame/com_ptr.h"
 #include "tests/signals/signal_support.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -45,6 +38,9 @@ TEST(Signal, HandleAndItsProperty) {
     const SignalPtr signal = MakeSignal("");
     signal->SetHandle(5);
     EXPECT_STREQ(signal->GetProperty("HANDLE"), "5");
+    signal->SetHandle(6);
+    EXPECT_STREQ(signal->GetProperty("Handle"), "6");
+    signal->SetHandle(5);
     signal->SetProperty("handle", "12");
     EXPECT_EQ(signal->GetHandle(), 5);
     EXPECT_STREQ(signal->GetProperty("Handle"), "12");
@@ -215,28 +211,6 @@ TEST(Signal, WaveOutlivesItsSignal) {
     }
     EXPECT_EQ(wave->AddEvent(1, 0, nullptr, 0), S_OK);
     EXPECT_EQ(References(*wave), 1U);
-}
-
-TEST(Signal, ValueTextFlagReachesAllMembers) {
-    const SignalPtr bus = MakeSignal(kTwoBits);
-    bus->SetValueTextFlag(true);
-    SetBits(*bus, "10");
-    EXPECT_STREQ(bus->GetValueText(), "\"10\"");
-    EXPECT_STREQ(MemberAt(*bus, 0).GetValueText(), "'1'");
-}
-
-// Name, text and key of megabytes.
-TEST(Signal, LongTexts) {
-    const SignalPtr signal = MakeSignal("");
-    const std::string text(std::size_t{8} << 20, 'n');
-    signal->SetName(text.c_str());
-    signal->SetProperty(text.c_str(), text.c_str());
-    signal->SetStimulatorInfo(3, 1, text.c_str());
-    EXPECT_EQ(signal->GetName(), text);
-    EXPECT_EQ(signal->GetProperty(text.c_str()), text);
-    EXPECT_EQ(signal->GetProperty("Stimulator Clock"), text);
-    signal->SetTypeInfo(text.c_str());
-    EXPECT_EQ(signal->GetTypeInfo(), nullptr);
 }
 
 }  // namespace

@@ -1,16 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "corv/library/library.h"
 #include "corv/signals/signal.h"
 #include "signals/type_cache.h"
 #include "tests/signals/signal_support.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/typeinfo/random_type.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -177,78 +169,6 @@ TEST(SignalType, ChangesOfType) {
     EXPECT_EQ(References(*member), 1U);
     EXPECT_EQ(signal->GetSubSignals(), nullptr);
     EXPECT_EQ(signal->GetWaveValueSize(), 8U);
-}
-
-// The members against what the random type is known to be made of.
-struct Expected {
-    static void Check(ISignal& signal, const KnownType& type) {
-        if (type.IsScalar()) {
-            ASSERT_NE(signal.GetWave(), nullptr);
-            ASSERT_EQ(signal.GetSubSignals(), nullptr);
-            return;
-        }
-        ASSERT_EQ(signal.GetWave(), nullptr);
-        ASSERT_EQ(signal.GetTypeInfo(), Describe(type));
-        std::vector<std::string> names;
-        if (type.kind == KTypeInfo::KindRecord) {
-            for (const std::string& field : type.field_names) {
-                names.push_back("." + field);
-            }
-        } else {
-            AddNames(type, 0, "", names);
-        }
-        ASSERT_EQ(signal.GetSubSignals()->GetCount(), static_cast<int>(names.size()));
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            ISignal& member = MemberAt(signal, i);
-            ASSERT_EQ(member.GetName(), names[i]);
-            ASSERT_NO_FATAL_FAILURE(
-                Check(member, type.parts[type.kind == KTypeInfo::KindRecord ? i : 0]));
-        }
-    }
-
-    static void AddNames(const KnownType& type, std::size_t dimension, const std::string& indices,
-                         std::vector<std::string>& names) {
-        if (dimension == type.ranges.size()) {
-            names.push_back("(" + indices + ")");
-            return;
-        }
-        const TArrayRange& range = type.ranges[dimension];
-        const int step = range.left < range.right ? 1 : -1;
-        for (int i = range.left;; i += step) {
-            AddNames(type, dimension + 1, indices + (dimension > 0 ? "," : "") + std::to_string(i),
-                     names);
-            if (i == range.right) {
-                break;
-            }
-        }
-    }
-};
-
-std::int64_t Members(const KnownType& type) {
-    std::int64_t count = 1;
-    for (const KnownType& part : type.parts) {
-        count += Members(part) * (type.kind == KTypeInfo::KindArray ? type.Elements() : 1);
-    }
-    return count;
-}
-
-TEST(SignalType, RandomTypes) {
-    int built = 0;
-    for (std::uint32_t seed = 1; seed <= 400; ++seed) {
-        SCOPED_TRACE(testing::Message() << "seed " << seed);
-        Random random(seed);
-        const KnownType type = RandomType(random, 3, true);
-        const bool small = Members(type) < 5000;
-        if (!small) {
-            continue;
-        }
-        SignalPtr signal;
-        if (SUCCEEDED(CreateSignal(Describe(type).c_str(), nullptr, signal.Out()))) {
-            ++built;
-            ASSERT_NO_FATAL_FAILURE(Expected::Check(*signal, type));
-        }
-    }
-    EXPECT_GT(built, 200);
 }
 
 // Whatever request fails, nothing is lost and the old structure stays.

@@ -1,16 +1,6 @@
 #include "corv/stimulators/clock.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "corv/stimulus/stimulus.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -127,20 +117,6 @@ TEST(Clock, Formulas) {
         EXPECT_TRUE(Make(extreme).GenerateFormula(text, 1, nullptr));
         EXPECT_FALSE(text.IsEmpty());
     }
-}
-
-TEST(Clock, FormulaDrivesAStimulus) {
-    CString text;
-    CStimulus stimulus;
-    ASSERT_TRUE(Make("100 2 0 250 25 1").GenerateFormula(text, 1, nullptr));
-    ASSERT_EQ(stimulus.Create(text, 1000), 1);
-    std::int64_t time = -1;
-    for (const std::int64_t expected : {1250, 3750, 11'250, 13'750}) {
-        time = stimulus.GetNextEventTime(time);
-        EXPECT_EQ(time, expected);
-    }
-    ASSERT_EQ(stimulus.GetValue(3750, text), 1);
-    EXPECT_STREQ(text, "1");
 }
 
 }  // namespace

@@ -1,15 +1,6 @@
 #include "corv/stimulators/counter_stimulus_info.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-#include <optional>
-#include <string>
-
-#include "tests/support/failing_alloc.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -177,12 +168,9 @@ TEST(CounterStimulusInfo, OutOfMemory) {
     char out[300];
     // What is made with less memory than it wants has no formula; never half of one.
     const auto expect_none = [&](auto make) {
-        FailEveryAllocation([&] { std::strcpy(out, "old"); },
-                            [&] { return make().GenerateFormula(out, sizeof out); },
-                            [&](bool written) {
-                                EXPECT_FALSE(written);
-                                EXPECT_STREQ(out, "old");
-                            });
+        FailsUnchanged([&] { std::strcpy(out, "old"); },
+                       [&] { return make().GenerateFormula(out, sizeof out); }, false,
+                       [&] { return std::string(out); });
         EXPECT_STREQ(out, formula);
     };
     expect_none([&] { return Info(full); });
@@ -193,9 +181,8 @@ TEST(CounterStimulusInfo, OutOfMemory) {
     });
     std::optional<Info> changed;
     const auto expect_old = [&](auto change) {
-        FailEveryAllocation([&] { changed.emplace(MakeBefore()); },
-                            [&] { return change(*changed), 0; },
-                            [&](int) { EXPECT_EQ(Show(*changed), kBefore); });
+        FailsUnchanged([&] { changed.emplace(MakeBefore()); }, [&] { return change(*changed), 0; },
+                       0, [&] { return Show(*changed); });
         EXPECT_NE(Show(*changed), kBefore);
     };
     expect_old([&](Info& info) { info = full; });

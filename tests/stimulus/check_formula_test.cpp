@@ -1,14 +1,9 @@
 #include "corv/stimulus/check_formula.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
 #include <tuple>
-#include <utility>
 
 #include "corv/stimulus/stimulus.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

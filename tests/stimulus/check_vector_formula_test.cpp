@@ -1,14 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "corv/stimulators/counter.h"
 #include "corv/stimulus/check_formula.h"
 #include "corv/stimulus/formula_parser.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,30 +1,14 @@
 // No well-formed formula is complained about: neither the examples that the project itself shows,
 // nor any that is put together from well-formed pieces.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <vector>
-
 #include "corv/stimulus/check_formula.h"
 #include "corv/stimulus/stimulus.h"
-#include "tests/support/paths.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Read(const fs::path& path) {
-    std::ostringstream out;
-    out << std::ifstream(path).rdbuf();
-    return out.str();
-}
 
 // What stands between two marks of a line, empty without them.
 std::string Between(const std::string& line, const std::string& before, const std::string& after,
@@ -67,7 +51,7 @@ TEST(CleanFormulas, ShownInThePages) {
     const fs::path root = fs::path(TestFolder()).parent_path();
     std::vector<std::string> formulas;
     for (const char* page : {"README.md", "docs/json.md"}) {
-        const auto shown = ShownFormulas(Read(root / page));
+        const auto shown = ShownFormulas(FileText(root / page));
         formulas.insert(formulas.end(), shown.begin(), shown.end());
     }
     EXPECT_GE(formulas.size(), 8U);

@@ -1,12 +1,4 @@
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "corv/stimulus/check_formula.h"
 #include "corv/stimulus/custom_stimulus.h"
@@ -14,6 +6,7 @@
 #include "corv/stimulus/stimulus.h"
 #include "corv/stremo/events_stream_write.h"
 #include "tests/support/foreign_reader.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,18 +1,6 @@
 #include "corv/stimulus/custom_stimulus.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <cctype>
-#include <cstdint>
-#include <cstdio>
-#include <filesystem>
-#include <map>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "corv/library/library.h"
 #include "corv/stimulus/check_formula.h"
@@ -23,7 +11,7 @@
 #include "corv/stremo/events_stream_write.h"
 #include "corv/stremo/streams.h"
 #include "tests/support/foreign_reader.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,17 +1,10 @@
 // The examples of docs/formats/formulas.md.
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <fstream>
-#include <string>
-#include <vector>
-
 #include "corv/stimulators/counter.h"
 #include "corv/stimulus/check_formula.h"
 #include "corv/stimulus/formula_parser.h"
 #include "corv/stimulus/stimulus.h"
-#include "tests/support/paths.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,18 +1,8 @@
 #include "corv/stimulus/formula_parser.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <map>
-#include <string>
-#include <vector>
-
 #include "corv/stimulators/counter.h"
 #include "corv/stimulus/stimulus.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,8 +1,6 @@
 #include "corv/stimulus/gate_level.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
+#include "tests/support/test.h"
 
 namespace {
 

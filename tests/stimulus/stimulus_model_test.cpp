@@ -1,18 +1,9 @@
 // Random formulas, and damaged ones, against the naive model: every answer must be the same.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <limits>
-#include <string>
-#include <vector>
-
 #include "corv/stimulus/check_formula.h"
 #include "corv/stimulus/stimulus.h"
 #include "tests/support/naive_stimulus.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

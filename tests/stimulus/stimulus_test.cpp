@@ -1,13 +1,7 @@
 #include "corv/stimulus/stimulus.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <limits>
-#include <string>
-
 #include "corv/stimulus/stim_iterator.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -94,35 +88,21 @@ TEST(Stimulus, LastTimeHasNoNextEvent) {
 }
 
 TEST(Stimulus, RefusedFormulas) {
-    for (const char* formula : {"",
-                                " ",
-                                " \t\n",
-                                ",",
-                                ",0 0",
-                                "-r 40",
-                                "-r",
-                                "0 -5",
-                                "0 0, 1 -10ns",
-                                "0 @-1",
-                                "1 -1hr",
-                                "/vesk",
-                                "/vesk ",
-                                "/vesk (010NS)",
-                                "/vesk (010NS) 110NS",
-                                "/vesk (010NS",
-                                "/vesk 0 1",
-                                "/vesk [1F",
-                                "/vesk 1.",
-                                "/custom a.evt, sig",
-                                "/CUSTOM",
-                                "x \\Counter",
-                                "0 0 /custom"}) {
+    std::vector<std::string> formulas{" ", " \t\n", "/vesk "};
+    for (const auto& row : Table(R"(
+        _ ;; , ;; ,0 0 ;; -r 40 ;; -r ;; 0 -5 ;; 0 0, 1 -10ns ;; 0 @-1 ;; 1 -1hr ;; /vesk
+        /vesk (010NS) ;; /vesk (010NS) 110NS ;; /vesk (010NS ;; /vesk 0 1 ;; /vesk [1F
+        /vesk 1. ;; /custom a.evt, sig ;; /CUSTOM ;; x \Counter ;; 0 0 /custom)")) {
+        formulas.push_back(row[0]);
+    }
+    for (const std::string& text : formulas) {
+        const char* const formula = text.c_str();
         CStimulus stimulus;
         CString value("old");
         ASSERT_EQ(stimulus.Create("1 0, 0 5 -r 10", 0), 1);
         EXPECT_EQ(stimulus.Create(formula, 0), 0) << formula;
         EXPECT_FALSE(stimulus.IsCustom()) << formula;
-        EXPECT_EQ(stimulus.GetRepeatRate(), formula == std::string("-r 40") ? 40 : 0) << formula;
+        EXPECT_EQ(stimulus.GetRepeatRate(), text == "-r 40" ? 40 : 0) << formula;
         ASSERT_EQ(stimulus.Create("1 0", 0), 1) << formula;
         EXPECT_EQ(stimulus.GetValue(0, value), 1);
         EXPECT_STREQ(value, "1");

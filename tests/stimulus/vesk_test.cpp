@@ -1,16 +1,8 @@
 #include "corv/stimulus/vesk.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "stimulus/vesk_formula.h"
 #include "tests/support/naive_time.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

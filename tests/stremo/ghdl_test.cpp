@@ -1,17 +1,6 @@
 // Designs that are simulated when the tests run: both recordings of one run must tell the same, and
 // the same still when they are written and read again or replayed.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <map>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "corv/stimulus/stimulus.h"
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/streams.h"
@@ -19,8 +8,7 @@
 #include "corv/typeinfo/type_info.h"
 #include "tests/stremo/reader_support.h"
 #include "tests/support/other_programs.h"
-#include "tests/support/paths.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -30,12 +18,25 @@ using Reader = std::unique_ptr<stremo::IEventsStreamRead>;
 // ---- what a recording says ----
 
 // A scalar, or a text as a whole.
-struct Recorded {
-    std::string name;  // as the recording has it
-    std::int64_t latest = -1;
+struct Recording : SeenSignal {
+    void Take(const RecordedSignal& signal, std::int64_t time,
+              const std::vector<std::optional<std::uint64_t>>& values) {
+        std::string text;
+        for (const auto& value : values) {
+            text += is_text ? static_cast<char>(value.value_or(' ')) : '?';
+        }
+        text =
+            is_text ? text.substr(0, text.find_last_not_of(" \0") + 1) : signal.Text(*values[0], 0);
+        Add(time, text);
+        if (numbers.size() < changes.size()) {
+            const bool is_literal = signal.kind->GetKind() == KTypeInfo::KindEnum;
+            numbers.push_back(is_literal ? static_cast<double>(*values[0])
+                                         : std::strtod(text.c_str(), nullptr));
+        }
+    }
+
     bool is_text = false;
     bool is_character = false;
-    std::vector<std::pair<std::int64_t, std::string>> changes;  // one for each time
     std::vector<double> numbers;  // of each change: the position of a literal, or the value
 };
 
@@ -54,100 +55,27 @@ std::string CommonName(const std::string& name) {
 }
 
 // All signals of a recording by their common names.
-class Recording {
-public:
-    explicit Recording(stremo::IEventsStreamRead& reader) : reader_(reader) {
-        for (int i = 0; i < reader.GetSignalCount(); ++i) {
-            Add(reader.GetSignalHandle(i), "", nullptr);
-        }
-        const std::int64_t start = 0;
-        EXPECT_TRUE(reader.Seek(&start)) << LastStreamError();
-        for (int handle; (handle = reader.Next()) != -1;) {
-            unsigned char bytes[16] = {};
-            EXPECT_TRUE(reader.ReadValue(bytes));
-            for (const Place& place : by_handle_[handle]) {
-                Take(place, *reader.GetCurrentTime(), bytes);
-            }
-        }
-    }
-
-    std::map<std::string, Recorded> signals;
-
-private:
-    struct Place {
-        Recorded* signal;
-        const KTypeInfo* type;
-        std::size_t character;  // of a text
-    };
-
-    static bool IsCharacter(const KTypeInfo& type) {
-        return type.GetTypeIdentifier() == CString("character");
-    }
-    const KTypeInfo& TypeOf(const std::string& text) {
-        std::unique_ptr<KTypeInfo>& type = types_[text];
-        type = type != nullptr ? std::move(type) : std::make_unique<KTypeInfo>(CString(text));
-        return *type;
-    }
-
-    Recorded* Signal(const std::string& name, std::int64_t latest) {
-        Recorded& signal = signals[CommonName(name)];
-        signal.name = name;
-        signal.latest = latest;
-        return &signal;
-    }
-
-    void Add(int handle, const std::string& above, Recorded* text, std::size_t index = 0) {
-        const SignalInfo info(reader_, handle);
-        const std::string name = above + info.name;
-        const KTypeInfo& type = TypeOf(info.type);
-        if (!info.composite) {
-            Recorded* const signal = Signal(name, info.latest);
-            signal->is_character = IsCharacter(type);
-            by_handle_[handle].push_back({signal, &type, 0});
-            if (text != nullptr) {
-                by_handle_[handle].push_back({text, &type, index});
-            }
-            return;
-        }
+std::map<std::string, Recording> Read(stremo::IEventsStreamRead& reader) {
+    const Recorded recorded = AllOf(reader);
+    std::map<std::string, Recording> all;
+    for (std::size_t i = 0; i < recorded.signals.size(); ++i) {
+        const RecordedSignal& signal = recorded.signals[i];
         const bool is_text =
-            type.GetKind() == KTypeInfo::KindArray && IsCharacter(type.GetArrayElementKTypeInfo());
-        Recorded* const whole = is_text ? Signal(name, info.latest) : nullptr;
-        if (is_text) {
-            whole->is_text = true;
-            texts_[whole].assign(static_cast<std::size_t>(info.members), ' ');
+            signal.info.composite && signal.kind->GetKind() == KTypeInfo::KindArray &&
+            signal.kind->GetArrayElementKTypeInfo().GetTypeIdentifier() == CString("character");
+        if (signal.info.composite && !is_text) {
+            continue;
         }
-        for (int i = 0; i < info.members; ++i) {
-            Add(reader_.GetSubSignalHandle(handle, i), name, whole, static_cast<std::size_t>(i));
-        }
+        Recording& seen = all[CommonName(signal.path)];
+        seen = {{signal.path, "", {}, signal.handle, signal.info.latest},
+                is_text,
+                signal.IsCharacter(),
+                {}};
+        recorded.ForEachMoment(
+            i, [&](std::int64_t time, const auto& values) { seen.Take(signal, time, values); });
     }
-
-    void Take(const Place& place, std::int64_t time, const unsigned char* bytes) {
-        Recorded& signal = *place.signal;
-        std::string value(place.type->GetValueString(bytes, 10, 0, -1).View());
-        double number = std::strtod(value.c_str(), nullptr);
-        if (place.type->GetKind() == KTypeInfo::KindEnum) {
-            number = bytes[0];
-        }
-        if (signal.is_text) {
-            std::string& text = texts_[&signal];
-            text[place.character] = static_cast<char>(bytes[0]);
-            value = text.substr(0, text.find_last_not_of(" \0") + 1);
-        }
-        if (!signal.changes.empty() && signal.changes.back().first == time) {
-            signal.changes.pop_back();
-            signal.numbers.pop_back();
-        }
-        if (signal.changes.empty() || signal.changes.back().second != value) {
-            signal.changes.emplace_back(time, value);
-            signal.numbers.push_back(number);
-        }
-    }
-
-    stremo::IEventsStreamRead& reader_;
-    std::map<int, std::vector<Place>> by_handle_;
-    std::map<std::string, std::unique_ptr<KTypeInfo>> types_;
-    std::map<Recorded*, std::string> texts_;
-};
+    return all;
+}
 
 // ---- simulating ----
 
@@ -190,7 +118,7 @@ protected:
 
 // Values in the form that all formats know: literals without apostrophes, characters as they are,
 // of boolean the digits.
-std::vector<std::pair<std::int64_t, std::string>> CommonChanges(const Recorded& signal) {
+std::vector<std::pair<std::int64_t, std::string>> CommonChanges(const Recording& signal) {
     auto changes = signal.changes;
     for (std::size_t i = 0; i < changes.size(); ++i) {
         std::string& value = changes[i].second;
@@ -212,24 +140,24 @@ TEST_P(GhdlDesigns, AreRecordedAlike) {
     const Reader ghw_reader = Open(kGhw);
     const Reader vcd_reader = Open(kVcd);
     ASSERT_TRUE(ghw_reader != nullptr && vcd_reader != nullptr);
-    Recording ghw(*ghw_reader);
-    Recording vcd(*vcd_reader);
+    auto ghw = Read(*ghw_reader);
+    auto vcd = Read(*vcd_reader);
     std::size_t common = 0;
-    for (const auto& [name, signal] : vcd.signals) {
+    for (const auto& [name, signal] : vcd) {
         // generates that count literals have no names there
         if (name.find("|?|") == std::string::npos) {
-            ASSERT_TRUE(ghw.signals.contains(name)) << name;
-            EXPECT_EQ(ghw.signals[name].name, signal.name);
-            EXPECT_EQ(CommonChanges(ghw.signals[name]), CommonChanges(signal)) << name;
-            EXPECT_EQ(ghw.signals[name].latest, signal.latest) << name;
+            ASSERT_TRUE(ghw.contains(name)) << name;
+            EXPECT_EQ(ghw[name].name, signal.name);
+            EXPECT_EQ(CommonChanges(ghw[name]), CommonChanges(signal)) << name;
+            EXPECT_EQ(ghw[name].latest, signal.latest) << name;
             ++common;
         }
     }
     EXPECT_GE(common, GetParam().signals);
     for (const auto& row : Table(GetParam().mirrors)) {
         const std::string scope = GetParam().name + std::string(".");
-        const Recorded& signal = ghw.signals[CommonName(scope + row[0])];
-        const Recorded& mirror = vcd.signals[CommonName(scope + row[2])];
+        const Recording& signal = ghw[CommonName(scope + row[0])];
+        const Recording& mirror = vcd[CommonName(scope + row[2])];
         EXPECT_GT(signal.changes.size(), 1U) << row[0];
         ASSERT_EQ(signal.changes.size(), mirror.changes.size()) << row[0];
         for (std::size_t i = 0; i < signal.changes.size(); ++i) {
@@ -244,18 +172,18 @@ TEST_P(GhdlDesigns, AreWrittenWithoutLoss) {
     for (const char* const file : {kGhw, kVcd}) {
         const Reader reader = Open(file);
         ASSERT_NE(reader, nullptr);
-        const Recording before(*reader);
+        const auto before = Read(*reader);
         VcdOptions options;
         options.raw_names = true;
         ASSERT_TRUE(WriteVcd(*reader, folder_.Path("again.vcd").c_str(), options))
             << LastStreamError();
         const Reader again = Open("again.vcd");
         ASSERT_NE(again, nullptr);
-        Recording after(*again);
+        auto after = Read(*again);
         EXPECT_TRUE(GetStreamNotes(*again).empty());
-        for (const auto& [name, signal] : before.signals) {
-            ASSERT_TRUE(after.signals.contains(name)) << name;
-            EXPECT_EQ(CommonChanges(after.signals[name]), CommonChanges(signal)) << name;
+        for (const auto& [name, signal] : before) {
+            ASSERT_TRUE(after.contains(name)) << name;
+            EXPECT_EQ(CommonChanges(after[name]), CommonChanges(signal)) << name;
         }
     }
 }
@@ -263,11 +191,11 @@ TEST_P(GhdlDesigns, AreWrittenWithoutLoss) {
 TEST_P(GhdlDesigns, DriveStimuli) {
     const Reader reader = Open(kGhw);
     ASSERT_NE(reader, nullptr);
-    const Recording recording(*reader);
+    const auto recording = Read(*reader);
     const std::string path = folder_.Path(kGhw);
     ASSERT_TRUE(
         stremo::RegisterStream("ghdl", [path] { return stremo::CreateStreamRead(path.c_str()); }));
-    for (const auto& [name, signal] : recording.signals) {
+    for (const auto& [name, signal] : recording) {
         if (signal.is_text) {
             continue;
         }

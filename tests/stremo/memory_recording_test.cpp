@@ -17,22 +17,6 @@ using recording::ForElements;
 using recording::kNone;
 using recording::SignalTable;
 
-class MadeRecording final : public recording::Recording {
-public:
-    MadeRecording(SignalTable signals, std::unique_ptr<recording::BlockStore> blocks)
-        : Recording("made"), blocks_(std::move(blocks)) {
-        signals_ = std::move(signals);
-    }
-    const char* FormatName() const noexcept override { return "made"; }
-    std::unique_ptr<recording::BlockStore> OpenBlocks(std::span<const std::uint32_t>) override {
-        return std::move(blocks_);
-    }
-    bool KnowsLatestTimes() const noexcept override { return false; }
-
-private:
-    std::unique_ptr<recording::BlockStore> blocks_;
-};
-
 // Scalars and vectors of 1 to 80 elements; handles are given out by the table.
 SignalTable MakeSignals(RandomModel& random) {
     SignalTable signals;
@@ -130,11 +114,7 @@ void Check(std::uint32_t seed, EventOrder order) {
         const auto cursor = recording::OwnReader(reader.get())->OpenSignal(read[any].handle);
         EXPECT_EQ(cursor->NextTime(read[any].time),
                   TimeAfter(read, read[any].handle, read[any].time));
-        bool has_members = false;
-        int members = 0;
-        CString name;
-        std::int64_t latest = 0;
-        reader->GetSignalInfo(read[any].handle, has_members, members, name, members, latest);
+        const std::int64_t latest = SignalInfo(*reader, read[any].handle).latest;
         EXPECT_EQ(latest, cursor->LastTime());
         EXPECT_EQ(TimeAfter(read, read[any].handle, latest - 1), latest);
         EXPECT_EQ(TimeAfter(read, read[any].handle, latest), -1);

@@ -2,12 +2,8 @@
 
 #include "corv/stremo/stream_overview.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <set>
-
 #include "tests/stremo/recording_model.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,53 +1,63 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "corv/platform/cstring.h"
-#include "corv/stremo/events_stream_read.h"
-#include "corv/typeinfo/type_info.h"
-#include "platform/files.h"
-#include "stremo/recording_reader.h"
-#include "stremo/signal_cursor.h"
+#include "corv/signals/hierarchy_separator.h"
+#include "corv/stremo/streams.h"
+#include "tests/support/recorded.h"
+#include "tests/support/test.h"
 
 // What the tests of all formats read with.
 namespace corv::test {
 
-class HeldContent final : public platform::FileContent {
-public:
-    // Bytes in a block of their own, so that reading past the end is found.
-    explicit HeldContent(const std::string& bytes) : bytes_(bytes.begin(), bytes.end()) {}
-    platform::Bytes bytes() const noexcept override { return bytes_; }
+// A signal as a test sees it.
+struct SeenSignal {
+    // Of several changes at one time the last counts, and only when it is one.
+    void Add(std::int64_t time, const std::string& value) {
+        if (changes.empty() || changes.back().second != value) {
+            changes.emplace_back(time, value);
+        }
+    }
+    bool operator==(const SeenSignal&) const = default;
 
-private:
-    std::vector<unsigned char> bytes_;
+    std::string name;
+    std::string type;
+    std::vector<std::pair<std::int64_t, std::string>> changes{};
+    int handle = -1;
+    std::int64_t latest = -1;
 };
-
-// A reader of what was opened; null for null.
-inline std::unique_ptr<recording::SignalReader> ReaderOf(
-    std::unique_ptr<recording::Recording> opened) {
-    return opened != nullptr ? recording::MakeReader(std::move(opened)) : nullptr;
+inline void PrintTo(const SeenSignal& signal, std::ostream* out) {
+    *out << signal.name << " " << signal.type;
+    for (const auto& [time, value] : signal.changes) {
+        *out << " | " << time << " " << value;
+    }
 }
 
-// What a reader says of a signal, whose type must be one.
-struct SignalInfo {
-    SignalInfo(stremo::IEventsStreamRead& reader, int handle) {
-        CString text;
-        int mode = 0;
-        reader.GetSignalInfo(handle, composite, members, text, mode, latest);
-        name = text.View();
-        type = reader.GetTypeString(handle);
-    }
+// A name with dots between its scopes.
+inline std::string Dotted(std::string name) {
+    std::replace(name.begin(), name.end(), HierarchySeparator(), '.');
+    return name;
+}
 
-    bool composite = false;
-    int members = 0;
-    std::string name;
-    std::int64_t latest = 0;
-    std::string type;
-};
+// "a: 0 1, 5 0; v: 0 0101", signals without changes left out.
+inline std::string ChangeText(const std::vector<SeenSignal>& signals) {
+    std::string text;
+    for (const SeenSignal& signal : signals) {
+        std::string list;
+        for (const auto& [time, value] : signal.changes) {
+            list += (list.empty() ? "" : ", ") + std::to_string(time) + " " + value;
+        }
+        text += list.empty() ? "" : (text.empty() ? "" : "; ") + signal.name + ": " + list;
+    }
+    return text;
+}
+
+// All signals and events of a reader, whose types must be ones.
+inline Recorded AllOf(stremo::IEventsStreamRead& reader) {
+    const Recorded recorded(reader);
+    EXPECT_TRUE(recorded.is_sound) << LastStreamError();
+    for (const RecordedSignal& signal : recorded.signals) {
+        EXPECT_NE(signal.kind->GetKind(), KTypeInfo::KindNone) << signal.info.type;
+    }
+    return recorded;
+}
 
 }  // namespace corv::test

@@ -1,17 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <cstring>
-#include <map>
-#include <memory>
-#include <optional>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/events_stream_write.h"
 #include "corv/stremo/streams.h"
@@ -19,7 +7,8 @@
 #include "stremo/format.h"
 #include "stremo/recording_reader.h"
 #include "stremo/signal_cursor.h"
-#include "tests/stremo/memory_files.h"
+#include "tests/support/recorded.h"
+#include "tests/support/test.h"
 
 // A recording in its plainest form, random ones, and what a reader must say of them.
 namespace corv::test {
@@ -50,6 +39,23 @@ struct Model {
 inline void PrintTo(const ModelEvent& event, std::ostream* out) {
     *out << event.time << " " << event.handle << "=" << event.value;
 }
+
+// A recording of signals and blocks that a test has made.
+class MadeRecording final : public recording::Recording {
+public:
+    MadeRecording(recording::SignalTable signals, std::unique_ptr<recording::BlockStore> blocks)
+        : Recording("made"), blocks_(std::move(blocks)) {
+        signals_ = std::move(signals);
+    }
+    const char* FormatName() const noexcept override { return "made"; }
+    std::unique_ptr<recording::BlockStore> OpenBlocks(std::span<const std::uint32_t>) override {
+        return std::move(blocks_);
+    }
+    bool KnowsLatestTimes() const noexcept override { return false; }
+
+private:
+    std::unique_ptr<recording::BlockStore> blocks_;
+};
 
 // ---- random recordings ----
 
@@ -138,8 +144,7 @@ inline Writer Write(MemoryFiles& files, std::size_t block_changes = 0) {
     return recording::MakeEventFileWriter("run.evt", std::move(created.file), block_changes);
 }
 inline Reader Read(MemoryFiles& files) {
-    auto opened = recording::OpenRecording(files, "run.evt");
-    return opened != nullptr ? recording::MakeReader(std::move(opened)) : nullptr;
+    return ReaderOf(recording::OpenRecording(files, "run.evt"));
 }
 
 inline bool WriteSignal(IEventsStreamWrite& writer, const ModelSignal& signal, int index) {

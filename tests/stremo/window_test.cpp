@@ -1,21 +1,14 @@
 // Recordings of which only a part is in memory, and that are cut while they are read.
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <string>
-#include <vector>
 
 #include "corv/stremo/events_stream_write.h"
 #include "platform/windowed_content.h"
 #include "stremo/event_file/event_file.h"
 #include "stremo/event_file/writer.h"
 #include "tests/stremo/ghw/support.h"
-#include "tests/stremo/memory_files.h"
 #include "tests/stremo/vcd/support.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -46,41 +39,34 @@ using Open = std::unique_ptr<recording::Recording> (*)(const std::string&,
                                                        std::unique_ptr<platform::FileContent>);
 
 // What stands for all events of a recording, and its notes; why not when it can't be read.
-std::string AllOf(std::unique_ptr<recording::Recording> opened) {
+std::string SumOf(std::unique_ptr<recording::Recording> opened) {
     const auto reader = ReaderOf(std::move(opened));
-    const std::int64_t start = 0;
-    if (reader == nullptr || !reader->Seek(&start)) {
-        return LastStreamError();
-    }
     std::uint64_t sum = 0;
     int events = 0;
-    for (int handle; (handle = reader->Next()) != -1;) {
-        std::uint64_t value[2] = {};
-        reader->ReadValue(value);
-        for (const std::uint64_t number : {static_cast<std::uint64_t>(*reader->GetCurrentTime()),
-                                           static_cast<std::uint64_t>(handle), value[0]}) {
+    const auto add = [&](std::int64_t time, int handle, std::uint64_t value) {
+        for (const std::uint64_t number :
+             {static_cast<std::uint64_t>(time), static_cast<std::uint64_t>(handle), value}) {
             sum = (sum ^ number) * 0x9E3779B97F4A7C15U;
         }
         ++events;
+    };
+    if (reader == nullptr || !ForEachEvent(*reader, add) || *LastStreamError() != '\0') {
+        return LastStreamError();
     }
-    std::string all = std::to_string(events) + " events " + std::to_string(sum) + '\n';
-    for (int i = 0; i < reader->NoteCount(); ++i) {
-        all += std::string(reader->Note(i)) + '\n';
-    }
-    return *LastStreamError() != '\0' ? LastStreamError() : all;
+    return std::to_string(events) + " events " + std::to_string(sum) + NoteText(*reader);
 }
 
 // What is read in windows is what is read at once; wherever the file is cut meanwhile, an error
 // comes of it.
 void ExpectTheSame(Open open, const std::string& bytes) {
-    const std::string whole = AllOf(open("f", std::make_unique<HeldContent>(bytes)));
+    const std::string whole = SumOf(open("f", std::make_unique<HeldContent>(bytes)));
     ASSERT_NE(whole.find(" events "), std::string::npos) << whole;
     std::size_t left = static_cast<std::size_t>(-1);
-    EXPECT_EQ(AllOf(open("f", Windowed(bytes, left))), whole);
+    EXPECT_EQ(SumOf(open("f", Windowed(bytes, left))), whole);
     const std::size_t most = static_cast<std::size_t>(-1) - left;
     for (std::size_t bytes_left = 0; bytes_left < most; bytes_left += most / 2 + 1) {
         left = bytes_left;
-        EXPECT_EQ(AllOf(open("f", Windowed(bytes, left))), std::string("f: ") + kCut) << bytes_left;
+        EXPECT_EQ(SumOf(open("f", Windowed(bytes, left))), std::string("f: ") + kCut) << bytes_left;
     }
 }
 

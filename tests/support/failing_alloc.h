@@ -52,4 +52,20 @@ void FailEveryAllocation(Prepare prepare, Action action, Check check) {
     }
 }
 
+// The same for an action that then answers `failure` and leaves what `show` says as `left`.
+template <class Prepare, class Action, class Result, class Show, class Left>
+void FailsLeaving(Prepare prepare, Action action, Result failure, Show show, const Left& left) {
+    FailEveryAllocation(prepare, action, [&](const auto& result) {
+        EXPECT_EQ(result, failure);
+        EXPECT_EQ(show(), left);
+    });
+}
+
+// The same for one that leaves it as it was.
+template <class Prepare, class Action, class Result, class Show>
+void FailsUnchanged(Prepare prepare, Action action, Result failure, Show show) {
+    prepare();
+    FailsLeaving(prepare, action, failure, show, show());
+}
+
 }  // namespace corv::test

@@ -1,13 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <memory>
-#include <string>
-
 #include "corv/stremo/events_stream_read.h"
 #include "corv/stremo/streams.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 

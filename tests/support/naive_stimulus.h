@@ -1,13 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <limits>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "tests/support/naive_time.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 

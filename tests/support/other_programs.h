@@ -1,12 +1,8 @@
 #pragma once
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <random>
-#include <string>
 #include <system_error>
+
+#include "tests/support/test.h"
 
 // Tests that run other programs, which may not be installed.
 namespace corv::test {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <sstream>
 #include <string>
@@ -38,6 +40,13 @@ inline std::vector<std::vector<std::string>> Table(std::string text) {
 
 inline std::int64_t Int(const std::string& text) {
     return std::stoll(text);
+}
+
+// Whether a text has that part; a failing test prints it.
+inline testing::AssertionResult Says(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos
+               ? testing::AssertionSuccess()
+               : testing::AssertionFailure() << '"' << part << "\" is not in: " << text;
 }
 
 }  // namespace corv::test

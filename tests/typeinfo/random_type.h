@@ -1,15 +1,8 @@
 #pragma once
 
-#include <algorithm>
-#include <cstdint>
-#include <functional>
-#include <limits>
-#include <string>
-#include <vector>
-
 #include "corv/typeinfo/type_builders.h"
 #include "corv/typeinfo/type_info.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 

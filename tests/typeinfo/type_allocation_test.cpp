@@ -1,15 +1,11 @@
 // Every request for memory fails once: the operation gives its failure, and the object still works.
 
-#include <gtest/gtest.h>
-
 #include <new>
-#include <string>
-#include <vector>
 
 #include "corv/typeinfo/type_builders.h"
 #include "corv/typeinfo/type_info.h"
 #include "corv/typeinfo/vhdl_type.h"
-#include "tests/support/failing_alloc.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -20,8 +16,8 @@ const CString kRecord(
     "another_field_with_a_name e#1#xs2 a_literal_with_a_long_name b ");
 
 TEST(TypeAllocation, ReadingAndChecking) {
-    FailEveryAllocation([] {}, [] { return KTypeInfo(kRecord).GetKind(); },
-                        [](KTypeInfo::EKind kind) { EXPECT_EQ(kind, KTypeInfo::KindNone); });
+    FailsUnchanged([] {}, [] { return KTypeInfo(kRecord).GetKind(); }, KTypeInfo::KindNone,
+                   [] { return 0; });
     EXPECT_EQ(FailEveryAllocation([] { return KTypeInfo::CheckTypeInfo(kRecord); }, [](bool) {}),
               0);
 }
@@ -80,11 +76,7 @@ TEST(TypeAllocation, Builders) {
         [&] { return CreateEnumTypeInfo("a long enumeration name", characters, 2, buffer, &size); },
     };
     for (const auto& build : builders) {
-        FailEveryAllocation([&] { buffer[0] = '?'; }, build,
-                            [&](HRESULT result) {
-                                EXPECT_EQ(result, E_OUTOFMEMORY);
-                                EXPECT_EQ(buffer[0], '?');
-                            });
+        FailsUnchanged([&] { buffer[0] = '?'; }, build, E_OUTOFMEMORY, [&] { return buffer[0]; });
         EXPECT_NE(buffer[0], '?');
     }
     EXPECT_EQ(
@@ -124,30 +116,24 @@ TEST(TypeAllocation, Vhdl) {
     ASSERT_TRUE(TypeFromVhdl(vhdl, type));
     const CString good = type;
     Problem problem{0, 0, ""};
-    FailEveryAllocation([&] { type = CString("untouched"); },
-                        [&] { return TypeFromVhdl(vhdl, type, &problem); },
-                        [&](bool read) {
-                            EXPECT_FALSE(read);
-                            EXPECT_STREQ(type, "untouched");
-                            EXPECT_EQ(problem.sentence, "out of memory");
-                        });
+    const auto prepare = [&] {
+        type = "untouched";
+        problem.sentence = "old";
+    };
+    const auto show = [&] { return std::string(type) + ": " + problem.sentence; };
+    FailsLeaving(
+        prepare, [&] { return TypeFromVhdl(vhdl, type, &problem); }, false, show,
+        "untouched: out of memory");
     EXPECT_EQ(type, good);
 
     CString text;
-    FailEveryAllocation([&] { text = CString("untouched"); },
-                        [&] { return TypeToVhdl(good, text); },
-                        [&](bool written) {
-                            EXPECT_FALSE(written);
-                            EXPECT_STREQ(text, "untouched");
-                        });
+    FailsUnchanged([&] { text = "untouched"; }, [&] { return TypeToVhdl(good, text); }, false,
+                   [&] { return text; });
     EXPECT_STREQ(text.Left(6), "record");
 
-    FailEveryAllocation([] {},
-                        [&] { return TypeFromVhdl("a_type_without_a_meaning", text, &problem); },
-                        [&](bool read) {
-                            EXPECT_FALSE(read);
-                            EXPECT_EQ(problem.sentence, "out of memory");
-                        });
+    FailsLeaving(
+        prepare, [&] { return TypeFromVhdl("a_type_without_a_meaning", type, &problem); }, false,
+        show, "untouched: out of memory");
     EXPECT_NE(problem.sentence.find("unknown type"), std::string::npos);
 }
 

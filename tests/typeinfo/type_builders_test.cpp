@@ -1,13 +1,7 @@
 #include "corv/typeinfo/type_builders.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "corv/typeinfo/type_info.h"
+#include "tests/support/test.h"
 #include "tests/typeinfo/random_type.h"
 #include "typeinfo/named_types.h"
 

@@ -1,12 +1,6 @@
 #include "corv/typeinfo/type_info.h"
 
-#include <gtest/gtest.h>
-
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "tests/support/failing_alloc.h"
+#include "tests/support/test.h"
 #include "tests/typeinfo/random_type.h"
 #include "typeinfo/named_types.h"
 

@@ -1,17 +1,9 @@
 // The texts of values, from and to stored bytes.
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstring>
-#include <limits>
-#include <string>
-#include <vector>
-
 #include "corv/typeinfo/type_info.h"
-#include "tests/support/table.h"
 #include "tests/typeinfo/random_type.h"
 #include "typeinfo/named_types.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

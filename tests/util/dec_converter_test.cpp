@@ -1,13 +1,6 @@
 #include "corv/util/dec_converter.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
-#include <utility>
-
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,11 +1,6 @@
 #include "corv/util/extended_id.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,10 +1,6 @@
 #include "corv/util/text.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

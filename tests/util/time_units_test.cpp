@@ -1,16 +1,8 @@
 #include "corv/util/time_units.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <string>
-
 #include "corv/stimulus/time_unit.h"
 #include "tests/support/naive_time.h"
-#include "tests/support/random_formula.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -2,15 +2,7 @@
 
 #include "waves/event_list.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <vector>
-
-#include "tests/support/failing_alloc.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/test.h"
 #include "waves/wave_event.h"
 
 namespace corv::test {
@@ -146,41 +138,6 @@ TEST(EventList, RandomOperationsWithFailures) {
         list.Retire();
     }
     SmallRange::failing = nullptr;
-}
-
-// Counts how often events are copied.
-struct CopiedEvent {
-    explicit CopiedEvent(std::int64_t at) : time(at) {}
-    CopiedEvent(const CopiedEvent& other) : time(other.time) { ++copies; }
-
-    std::int64_t time;
-    static inline std::size_t copies = 0;
-};
-using CopiedEvents = waves::EventList<CopiedEvent>;
-
-CopiedEvents SomeEvents(std::size_t count) {
-    CopiedEvents events;
-    for (std::size_t i = 0; i < count; ++i) {
-        EXPECT_TRUE(!events.full() || events.MakeRoom());
-        events.Append(static_cast<std::int64_t>(i));
-    }
-    return events;
-}
-
-// Growing copies each event twice at most, on average; putting others in front copies each once: in
-// the room that is there, in a range that is extended and in a new place.
-TEST(EventList, CopiesFewEvents) {
-    for (std::size_t count = 1; count < 100'000; count = count * 5 / 2 + 1) {
-        for (const std::size_t added : {std::size_t{1}, count / 3 + 1, 4 * count}) {
-            CopiedEvent::copies = 0;
-            CopiedEvents events = SomeEvents(count);
-            const CopiedEvents reversed = SomeEvents(added);
-            EXPECT_LE(CopiedEvent::copies, 2 * (count + added));
-            CopiedEvent::copies = 0;
-            ASSERT_TRUE(events.Prepend(reversed));
-            EXPECT_EQ(CopiedEvent::copies, count + added);
-        }
-    }
 }
 
 // Adding and asking in turn copies each event some sixteen times at most, however long the list;

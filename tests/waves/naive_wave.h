@@ -1,13 +1,24 @@
 #pragma once
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <optional>
-#include <vector>
+#include "corv/frame/com_ptr.h"
+#include "corv/waves/signal_wave.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
+
+using WavePtr = frame::ComPtr<ISignalWave>;
+using EnumeratorPtr = frame::ComPtr<IWaveEventEnumerator>;
+
+inline WavePtr NewWave(std::uint32_t size = 4) {
+    WavePtr wave;
+    EXPECT_EQ(CreateSignalWave(size, wave.Out()), S_OK);
+    return wave;
+}
+inline EnumeratorPtr NewEnumerator(ISignalWave& wave) {
+    EnumeratorPtr events;
+    EXPECT_EQ(wave.CreateEnumerator(events.Out()), S_OK);
+    return events;
+}
 
 // A wave as plainly as it can be written: a list that is searched from the front. Values are held
 // in 8 bytes, the rest of a 4-byte one is zero.

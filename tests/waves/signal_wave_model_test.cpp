@@ -1,14 +1,8 @@
 // Random operations on waves, of both value sizes, against the naive model.
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <limits>
-#include <vector>
-
 #include "corv/waves/signal_wave.h"
-#include "tests/support/random_formula.h"
 #include "tests/waves/naive_wave.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -19,15 +13,7 @@ constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
 // A wave, an enumerator that lives as long, and the model of both.
 class Pair {
 public:
-    Pair(std::uint32_t size, std::uint32_t seed) : size_(size), model_(size), random_(seed) {
-        EXPECT_EQ(CreateSignalWave(size, &wave_), S_OK);
-        EXPECT_EQ(wave_->CreateEnumerator(&events_), S_OK);
-    }
-    Pair(const Pair&) = delete;
-    ~Pair() {
-        events_->Release();
-        wave_->Release();
-    }
+    Pair(std::uint32_t size, std::uint32_t seed) : size_(size), model_(size), random_(seed) {}
 
     void Change() {
         switch (random_.Below(13)) {
@@ -227,8 +213,8 @@ private:
     }
 
     std::uint32_t size_;
-    ISignalWave* wave_ = nullptr;
-    IWaveEventEnumerator* events_ = nullptr;
+    WavePtr wave_ = NewWave(size_);
+    EnumeratorPtr events_ = NewEnumerator(*wave_);
     NaiveWave model_;
     std::int64_t pending_time_ = 0;
     std::int64_t first_pending_time_ = 0;  // no event may be added before it

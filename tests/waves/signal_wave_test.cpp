@@ -1,159 +1,22 @@
 #include "corv/waves/signal_wave.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <functional>
-#include <limits>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "tests/support/failing_alloc.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
+#include "tests/waves/naive_wave.h"
 
 namespace corv::test {
 namespace {
-
-struct Releaser {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
-using Wave = std::unique_ptr<ISignalWave, Releaser>;
-using Enumerator = std::unique_ptr<IWaveEventEnumerator, Releaser>;
-
-Wave NewWave(std::uint32_t type = 4) {
-    ISignalWave* wave = nullptr;
-    EXPECT_EQ(CreateSignalWave(type, &wave), S_OK);
-    return Wave(wave);
-}
-Enumerator NewEnumerator(ISignalWave& wave) {
-    IWaveEventEnumerator* events = nullptr;
-    EXPECT_EQ(wave.CreateEnumerator(&events), S_OK);
-    return Enumerator(events);
-}
 
 HRESULT Add(ISignalWave& wave, std::int64_t time, std::uint32_t stamp, char value) {
     const std::string bytes(4, value);
     return wave.AddEvent(time, stamp, bytes.data(), 4);
 }
 
-// The events as text: "10A 20B1" are one at 10 of bytes A and one at 20 of bytes B with flags 1.
-std::string Text(ISignalWave& wave) {
-    std::string text;
-    IWaveEvent* event = nullptr;
-    for (const Enumerator events = NewEnumerator(wave); events->Next(1, &event, nullptr) == S_OK;) {
-        const char value = *static_cast<const char*>(event->GetValueData());
-        text += text.empty() ? "" : " ";
-        text += std::to_string(event->GetTime()) + (value == 0 ? '0' : value);
-        text += event->GetFlags() == 0 ? "" : std::to_string(event->GetFlags());
-    }
-    return text;
-}
-
 TEST(SignalWave, TypesAndTheirValueSizes) {
     for (std::uint32_t type = 0; type < 70; ++type) {
-        ISignalWave* made = nullptr;
-        const HRESULT result = CreateSignalWave(type, &made);
+        WavePtr wave;
         const bool known = type == 1 || type == 2 || type == 4 || type == 8;
-        ASSERT_EQ(result, known ? S_OK : E_OUTOFMEMORY) << type;
-        ASSERT_EQ(made != nullptr, known);
-        if (known) {
-            EXPECT_EQ(Wave(made)->GetValueSize(), type == 8 ? 8U : 4U);
-        }
-    }
-}
-
-// An operation a word: "a10/5A" adds at 10 with stamp 5 the value A, "m" marked, "p10A" pending;
-// "!" commits, "x" clears, "r15,30" removes.
-constexpr const char* kStories = R"(
-a10/5A a10/3B                | 10A
-a10/3A a10/5B                | 10B
-a10/5A a10/3B a10/4C a10/5D  | 10D
-a10/5A m10/1B                | 10B3
-a10/5A m10/1B m10/1C         | 10C3
-m10/1A a10/1B                | 10B1
-m10/5A a10/4B m20/1C         | 10A1 20C1
-a10/5A x a20/0A a20/0B       | 20B
-a10/1A a20/1B p5C p3D p1E !  | 1E 3D 5C 10A 20B
-a10/1A p5C ! p3D !           | 3D 5C 10A
-p5C p5D x a10/1A             | 10A
-p5C p5D x a10/1A !           | 5D 5C 10A
-p5A a10/5B x ! a5/3C         | 5C
-a1/1A a2/1B a3/1C r30,15     | 1A 2B 3C
-a10/1A a20/1B a30/1C r30,15  | 10A
-a10/1A a20/1B a30/1C r-1,15  | 20B 30C
-a10/1A a20/1B a30/1C r15,-1  | 10A
-a10/1A a20/1B a30/1C r35,-1  | 10A 20B 30C
-a10/1A a20/1B a30/1C r21,29  | 10A 20B 30C
-a10/1A a20/1B a30/1C r-1,-1  | _
-a20/1A a10/1B a20/1C         | 20A 10B 20C
-)";
-
-void Do(ISignalWave& wave, const std::string& word) {
-    const char* at = word.c_str() + 1;
-    char* end = nullptr;
-    const std::int64_t time = std::strtoll(at, &end, 10);
-    const std::int64_t second = *end == '/' || *end == ',' ? std::strtoll(end + 1, &end, 10) : 0;
-    const std::string value(4, *end);
-    const auto stamp = static_cast<std::uint32_t>(second);
-    switch (word[0]) {
-        case 'a':
-            EXPECT_EQ(wave.AddEvent(time, stamp, value.data(), 4), S_OK);
-            break;
-        case 'm':
-            EXPECT_EQ(wave.AddMarkedEvent(time, stamp, value.data(), 4), S_OK);
-            break;
-        case 'p':
-            EXPECT_EQ(wave.AddPendingEvent(time, value.data(), 4), S_OK);
-            break;
-        case '!':
-            EXPECT_EQ(wave.CommitPendingEvents(), S_OK);
-            break;
-        case 'x':
-            EXPECT_EQ(wave.Clear(), S_OK);
-            break;
-        default:
-            wave.RemoveEvents(time, second);
-    }
-}
-
-TEST(SignalWave, Stories) {
-    for (const auto& row : Table(kStories)) {
-        const Wave wave = NewWave();
-        for (const std::string& word : Split(row[0], ' ')) {
-            if (!word.empty()) {
-                Do(*wave, word);
-            }
-        }
-        EXPECT_EQ(Text(*wave), row[1]) << row[0];
-    }
-}
-
-constexpr const char* kSearches = R"(
-time | at | before | after | at or before | at or after
-5    | -  | -      | 10    | -            | 10
-10   | 10 | -      | 20    | 10           | 10
-20   | 20 | 10     | 30    | 20           | 20
-25   | -  | 20     | 30    | 20           | 30
-30   | 30 | 20     | -     | 30           | 30
-35   | -  | 30     | -     | 30           | -
-)";
-
-TEST(SignalWave, SearchModes) {
-    const Wave wave = NewWave();
-    const Wave empty = NewWave();
-    for (const std::int64_t time : {10, 20, 30}) {
-        Add(*wave, time, 0, 'A');
-    }
-    const auto rows = Table(kSearches);
-    for (std::size_t row = 1; row < rows.size(); ++row) {
-        for (std::uint32_t mode = 0; mode < 5; ++mode) {
-            IWaveEvent* event = nullptr;
-            const HRESULT result = wave->FindEvent(Int(rows[row][0]), mode, &event);
-            const std::string found = result == S_OK ? std::to_string(event->GetTime()) : "-";
-            EXPECT_EQ(found, rows[row][mode + 1]) << rows[row][0] << " " << rows[0][mode + 1];
-            EXPECT_EQ(empty->FindEvent(Int(rows[row][0]), mode, &event), E_FAIL);
-        }
+        ASSERT_EQ(CreateSignalWave(type, wave.Out()), known ? S_OK : E_OUTOFMEMORY) << type;
+        ASSERT_EQ(wave ? wave->GetValueSize() : 0, !known ? 0U : type == 8 ? 8U : 4U);
     }
 }
 
@@ -161,8 +24,8 @@ TEST(SignalWave, SearchModes) {
 TEST(SignalWave, QuestionsMoveNoEvent) {
     for (std::int64_t count = 1; count < 9000; count += count / 3 + 1) {
         for (int first = 0; first < 3; ++first) {
-            const Wave wave = NewWave();
-            const Enumerator events = NewEnumerator(*wave);
+            const WavePtr wave = NewWave();
+            const EnumeratorPtr events = NewEnumerator(*wave);
             for (std::int64_t time = 0; time < count; ++time) {
                 Add(*wave, time, 0, 'A');
             }
@@ -182,7 +45,7 @@ TEST(SignalWave, QuestionsMoveNoEvent) {
 
 // Not in order of time: searches then find what they find, and touch nothing else.
 TEST(SignalWave, DisorderIsHarmless) {
-    const Wave wave = NewWave(8);
+    const WavePtr wave = NewWave(8);
     for (std::int64_t i = 0; i < 3000; ++i) {
         wave->AddEvent(i * 7919 % 1000, 0, nullptr, 0);
     }
@@ -197,7 +60,7 @@ TEST(SignalWave, DisorderIsHarmless) {
 }
 
 TEST(SignalWave, ChangedInPlace) {
-    const Wave wave = NewWave(8);
+    const WavePtr wave = NewWave(8);
     wave->AddEvent(10, 0, nullptr, 8);
     IWaveEvent* event = nullptr;
     ASSERT_EQ(wave->FindEvent(10, FindAt, &event), S_OK);
@@ -219,14 +82,9 @@ TEST(SignalWave, ChangedInPlace) {
 // Fills a wave and asks now and then, every request for memory failing once: each failure is told,
 // leaves the events as they were, and the operation works when it is tried again.
 TEST(SignalWave, EveryAllocationFailsOnce) {
-    ISignalWave* made = nullptr;
-    EXPECT_EQ(FailEveryAllocation([&] { return CreateSignalWave(8, &made); },
-                                  [&](HRESULT result) {
-                                      EXPECT_EQ(result, E_OUTOFMEMORY);
-                                      EXPECT_EQ(made, nullptr);
-                                  }),
-              1);
-    const Wave wave(made);
+    WavePtr wave;
+    FailsUnchanged([&] { wave = {}; }, [&] { return CreateSignalWave(8, wave.Out()); },
+                   E_OUTOFMEMORY, [&] { return !wave; });
     int failures = 0;
     const auto expect = [&](const auto& operation) {
         const std::uint32_t count = wave->GetEventCount();
@@ -247,9 +105,8 @@ TEST(SignalWave, EveryAllocationFailsOnce) {
         }
     }
     EXPECT_GT(failures, 8);
-    IWaveEventEnumerator* events = nullptr;
-    expect([&] { return wave->CreateEnumerator(&events); });
-    const Enumerator owner(events);
+    EnumeratorPtr events;
+    expect([&] { return wave->CreateEnumerator(events.Out()); });
     EXPECT_EQ(events->IsNotFirst(), 0);
 
     IWaveEvent* last = nullptr;
@@ -273,7 +130,7 @@ TEST(SignalWave, EveryAllocationFailsOnce) {
 // rightly afterwards.
 TEST(SignalWave, EveryAllocationFailsOnceOnLongWaves) {
     constexpr std::int64_t kCount = 40'000;
-    Wave wave = NewWave();
+    WavePtr wave = NewWave();
     IWaveEvent* event = nullptr;
     const auto expect_found = [&] {
         for (const std::int64_t time : {std::int64_t{0}, 5 * kCount, 10 * (kCount - 1)}) {
@@ -324,7 +181,7 @@ TEST(SignalWave, EveryAllocationFailsOnceOnLongWaves) {
 
 // A refused event does not move the stamp.
 TEST(SignalWave, StampOfARefusedEvent) {
-    const Wave wave = NewWave();
+    const WavePtr wave = NewWave();
     int refused = 0;
     for (std::int64_t time = 0; time < 300; ++time) {
         Add(*wave, time, 5, 'A');

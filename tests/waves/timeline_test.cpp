@@ -1,14 +1,6 @@
 #include "waves/timeline.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <limits>
-#include <vector>
-
-#include "tests/support/failing_alloc.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/test.h"
 #include "waves/wave_event.h"
 
 namespace corv::test {

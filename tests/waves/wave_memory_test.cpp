@@ -1,13 +1,5 @@
 // What long waves take of a process and leave behind.
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdlib>
-#include <fstream>
-#include <memory>
-#include <vector>
-
 #if __has_include(<sys/resource.h>)
 #include <sys/resource.h>
 #endif
@@ -15,29 +7,21 @@
 #include <malloc.h>
 #endif
 
-#include "corv/waves/signal_wave.h"
 #include "platform/address_range.h"
+#include "tests/support/test.h"
+#include "tests/waves/naive_wave.h"
 
 namespace corv::test {
 namespace {
 
 constexpr std::size_t kMiB = std::size_t{1} << 20;
 
-struct Releaser {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
-using Wave = std::unique_ptr<ISignalWave, Releaser>;
-
-std::vector<Wave> LongWaves(std::size_t count, std::int64_t events) {
-    std::vector<Wave> waves(count);
-    for (Wave& wave : waves) {
-        ISignalWave* made = nullptr;
-        EXPECT_EQ(CreateSignalWave(4, &made), S_OK);
-        wave.reset(made);
-    }
+std::vector<WavePtr> LongWaves(std::size_t count, std::int64_t events) {
+    std::vector<WavePtr> waves(count);
+    std::generate(waves.begin(), waves.end(), [] { return NewWave(); });
     std::size_t refused = 0;
     for (std::int64_t time = 0; time < events; ++time) {
-        for (const Wave& wave : waves) {
+        for (const WavePtr& wave : waves) {
             refused += wave->AddEvent(time, 0, &time, 4) != S_OK ? 1 : 0;
         }
     }
@@ -73,7 +57,7 @@ TEST(WaveMemory, LeavesAHostItsAddresses) {
     }
     const rlimit limit{8'000'000'000, before.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
-    const std::vector<Wave> waves = LongWaves(60, 60'000);
+    const std::vector<WavePtr> waves = LongWaves(60, 60'000);
     void* const own = std::malloc(64 * kMiB);
     EXPECT_NE(own, nullptr);
     std::free(own);

@@ -1,14 +1,8 @@
 #include "stremo/event_file/copy.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <limits>
-#include <string>
-#include <vector>
-
 #include "tests/stremo/recording_model.h"
 #include "tests/support/foreign_reader.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,24 +1,16 @@
 // Event files as bytes, damaged and cut ones, and what their writer refuses.
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <set>
-#include <sstream>
 
 #include "corv/stremo/streams.h"
 #include "platform/guard.h"
 #include "stremo/event_file/event_file.h"
 #include "stremo/stream_registry.h"
 #include "tests/stremo/recording_model.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/support/paths.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -40,15 +32,10 @@ Model Example() {
     return model;
 }
 
-std::string ReadPage() {
-    std::ifstream page(corv::test::TestFolder() + "/../docs/formats/event-file.md");
-    return {std::istreambuf_iterator<char>(page), std::istreambuf_iterator<char>()};
-}
-
 // The bytes of the lines "    000010  53 49 47 53 ...   what they are".
 Content BytesOfPage() {
     Content bytes;
-    std::istringstream lines(ReadPage());
+    std::istringstream lines(FileText(TestFolder() + "/../docs/formats/event-file.md"));
     for (std::string line; std::getline(lines, line);) {
         std::size_t offset = 0;
         if (!line.starts_with("    0") || std::sscanf(line.c_str(), "%6zx", &offset) != 1) {
@@ -190,8 +177,7 @@ TEST(EventFile, SeekPassesADamagedBlock) {
     const Reader reader = Read(files);
     EXPECT_EQ(ReadEvents(*reader).size(), first_block);
     EXPECT_EQ(reader->Next(), -1);
-    EXPECT_NE(std::string(LastStreamError()).find("does not match its checksum"),
-              std::string::npos);
+    EXPECT_TRUE(Says(std::string(LastStreamError()), "does not match its checksum"));
     ExpectPlace(*reader, model, model.events.back().time, model.handles[0]);
     EXPECT_STREQ(LastStreamError(), "");
 }

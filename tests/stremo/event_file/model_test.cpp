@@ -23,20 +23,16 @@ std::int64_t Latest(const Model& model, const ModelSignal& signal) {
 
 void ExpectSignal(stremo::IEventsStreamRead& reader, const Model& model, const ModelSignal& signal,
                   int handle) {
-    bool has_members = false;
-    int count = -1;
-    CString name;
-    int mode = -1;
-    std::int64_t latest = -2;
     ASSERT_NE(handle, -1);
     EXPECT_TRUE(signal.composite || handle == signal.handle);
-    reader.GetSignalInfo(handle, has_members, count, name, mode, latest);
-    EXPECT_EQ(has_members, signal.composite);
+    const SignalInfo info(reader, handle);
+    const int count = info.members;
+    EXPECT_EQ(info.composite, signal.composite);
     EXPECT_EQ(count, static_cast<int>(signal.members.size()));
-    EXPECT_STREQ(name, signal.name.c_str());
-    EXPECT_EQ(mode, signal.mode);
-    EXPECT_EQ(latest, Latest(model, signal));
-    EXPECT_STREQ(reader.GetTypeString(handle), signal.type.c_str());
+    EXPECT_EQ(info.name, signal.name);
+    EXPECT_EQ(info.mode, signal.mode);
+    EXPECT_EQ(info.latest, Latest(model, signal));
+    EXPECT_EQ(info.type, signal.type);
     EXPECT_STREQ(reader.GetSignalProperty(handle, "stimulator"), (signal.name + "!").c_str());
     EXPECT_EQ(reader.GetSignalProperty(handle, "VBus"), nullptr);
     for (int i = 0; i < count; ++i) {

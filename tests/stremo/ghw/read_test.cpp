@@ -1,15 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "corv/stremo/streams.h"
 #include "corv/util/time_units.h"
 #include "tests/stremo/ghw/support.h"
 #include "tests/support/other_programs.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {
@@ -207,7 +200,7 @@ TEST(GhwValues, OfOnePicosecondBecomeTheLast) {
     EXPECT_EQ(Changes(file.Bytes()),
               "a: 0 '0', 1 '1', 2 '0'; b: 0 '1'; i: 0 -5; r: 0 0.25; w: 0 7; "
               "a2: 0 '0', 1 '1', 2 '0'");
-    EXPECT_NE(Notes(file.Bytes()).find("it is rounded down (2 times)"), std::string::npos);
+    EXPECT_TRUE(Says(Notes(file.Bytes()), "it is rounded down (2 times)"));
 }
 
 TEST(GhwValues, OfSixtyFourBitsSayWhatTheyLost) {
@@ -223,9 +216,7 @@ TEST(GhwValues, OfSixtyFourBitsSayWhatTheyLost) {
     }
     file.Cycles(0, lists + GhwFile::End());
     const std::string notes = Notes(file.Bytes());
-    EXPECT_NE(notes.find("a value of 64 bits has lost digits as a real number (3 times)"),
-              std::string::npos)
-        << notes;
+    EXPECT_TRUE(Says(notes, "a value of 64 bits has lost digits as a real number (3 times)"));
 }
 
 // ---- times ----
@@ -265,7 +256,7 @@ TEST(GhwTimes, WithoutAUnitAreFemtoseconds) {
     file.Snapshot(0, Start(file));
     file.Cycles(0, GhwFile::Step(3'000) + GhwFile::Bit(1, 1) + GhwFile::End());
     EXPECT_EQ(Changes(file.Bytes()).substr(0, 15), "a: 0 '0', 3 '1'");
-    EXPECT_NE(Notes(file.Bytes()).find("nothing tells the unit of times"), std::string::npos);
+    EXPECT_TRUE(Says(Notes(file.Bytes()), "nothing tells the unit of times"));
     EXPECT_EQ(Changes(file.Bytes(), UnitIDFromName("sec")).substr(0, 30),
               "a: 0 '0', 3000000000000000 '1'");
 }
@@ -288,8 +279,7 @@ TEST(GhwTimes, AreInTheUnitThatIsGiven) {
     for (const auto& [unit, time] : {std::pair(-1, "3"), {0, "3"}, {2, "3000000"}, {8, "3"}}) {
         const auto reader = OpenGhwRecording(folder.Path("A.ghw").c_str(), unit);
         ASSERT_NE(reader, nullptr) << LastStreamError();
-        EXPECT_NE(ChangeText(SeenLeaves(*reader).leaves).find("a: 0 '0', " + std::string(time)),
-                  std::string::npos);
+        EXPECT_TRUE(Says(ChangeText(SeenLeaves(*reader).leaves), "a: 0 '0', " + std::string(time)));
     }
     EXPECT_EQ(OpenGhwRecording(folder.Path("a.vcd").c_str(), 0), nullptr);
     EXPECT_EQ(LastStreamError(), folder.Path("a.vcd") + ": it is no GHW file");

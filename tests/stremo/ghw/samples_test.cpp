@@ -1,13 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <sstream>
-#include <string>
-#include <vector>
-
 #include "platform/ascii.h"
 #include "tests/stremo/ghw/support.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 #include "typeinfo/named_types.h"
 
 namespace corv::test {
@@ -30,7 +23,7 @@ std::vector<std::pair<std::int64_t, std::string>> ExpectedChanges(
 
 // Whether a value is the one of the expected list, which has control characters in small letters,
 // reals with other digits and blanks in names.
-bool IsValue(const SeenLeaf& leaf, const std::string& value, std::string expected) {
+bool IsValue(const SeenSignal& leaf, const std::string& value, std::string expected) {
     if (leaf.type[0] == 'f') {
         return std::strtod(value.c_str(), nullptr) == std::strtod(expected.c_str(), nullptr);
     }
@@ -47,16 +40,16 @@ TEST_P(GhwSamples, HaveTheirExpectedValues) {
     const std::string name = GetParam();
     const auto reader = OpenGhwBytes(GhwSample(name + ".ghw"));
     ASSERT_NE(reader, nullptr) << LastStreamError();
-    const std::vector<SeenLeaf> leaves = SeenLeaves(*reader).leaves;
+    const std::vector<SeenSignal> leaves = SeenLeaves(*reader).leaves;
     std::istringstream expected(GhwSample(name + ".expected"));
     std::string line;
     std::getline(expected, line);
     const std::int64_t end = std::stoll(line.substr(4)) / 1000;
-    for (const SeenLeaf& leaf : leaves) {
+    for (const SeenSignal& leaf : leaves) {
         ASSERT_TRUE(std::getline(expected, line));
         std::vector<std::string> fields = Split(line, '\t');
         std::replace(fields[0].begin(), fields[0].end(), HierarchySeparator(), '.');
-        EXPECT_EQ(leaf.path, fields[0]);
+        EXPECT_EQ(leaf.name, fields[0]);
         EXPECT_EQ(leaf.handle, std::stoi(fields[1]));
         EXPECT_EQ(leaf.latest, end);
         const auto changes = ExpectedChanges(fields);
@@ -101,8 +94,8 @@ TEST(GhwTypes, OfSamplesAreWrittenOut) {
         const auto reader = OpenGhwBytes(GhwSample(row[0] + ".ghw"));
         const SeenLeaves seen(*reader);
         std::vector<std::string> found = seen.composites;
-        for (const SeenLeaf& leaf : seen.leaves) {
-            found.push_back(leaf.path + " " + leaf.type);
+        for (const SeenSignal& leaf : seen.leaves) {
+            found.push_back(leaf.name + " " + leaf.type);
         }
         std::string expected = row[1] + " " + row[2];
         std::replace(expected.begin(), expected.end(), '@', '\xA0');

@@ -1,26 +1,13 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <bit>
-#include <cstdint>
-#include <fstream>
 #include <initializer_list>
-#include <iterator>
-#include <map>
-#include <memory>
-#include <span>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "corv/signals/hierarchy_separator.h"
 #include "corv/stremo/streams.h"
 #include "corv/typeinfo/type_info.h"
 #include "stremo/ghw/recording.h"
 #include "tests/stremo/reader_support.h"
-#include "tests/support/paths.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 
@@ -34,98 +21,29 @@ inline std::unique_ptr<recording::SignalReader> OpenGhwBytes(const std::string& 
 }
 
 inline std::string GhwSample(const std::string& name) {
-    std::ifstream file(corv::test::TestFolder() + "/data/ghw/" + name, std::ios::binary);
-    EXPECT_TRUE(file.is_open()) << name;
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return FileText(TestFolder() + "/data/ghw/" + name);
 }
 
-// A scalar as a test sees it, one value for each time.
-struct SeenLeaf {
-    std::string path;  // with dots between the scopes
-    std::string type;  // the type-description string
-    int handle;
-    std::int64_t latest;
-    std::vector<std::pair<std::int64_t, std::string>> changes;
-};
-
-// Looks at all scalars of a reader, composites' members in their order.
-class SeenLeaves {
-public:
-    explicit SeenLeaves(stremo::IEventsStreamRead& reader) : reader_(reader) {
-        for (int i = 0; i < reader.GetSignalCount(); ++i) {
-            Add(reader.GetSignalHandle(i), "");
-        }
-        const std::int64_t start = 0;
-        EXPECT_TRUE(reader.Seek(&start)) << LastStreamError();
-        std::int64_t before = 0;
-        for (int handle; (handle = reader.Next()) != -1;) {
-            unsigned char value[16] = {};
-            const std::int64_t time = *reader.GetCurrentTime();
-            EXPECT_TRUE(reader.ReadValue(value) && time >= before);
-            before = time;
-            for (const std::size_t leaf : by_handle_[handle]) {
-                const CString text = types_[leaf]->GetValueString(value, 10, 2, -1);
-                leaves[leaf].changes.emplace_back(time, std::string(text.View()));
+// All scalars of a reader, composites' members in their order, with the type-description strings.
+struct SeenLeaves {
+    explicit SeenLeaves(stremo::IEventsStreamRead& reader) {
+        for (const RecordedSignal& signal : AllOf(reader).signals) {
+            const SignalInfo& info = signal.info;
+            if (info.composite) {
+                composites.push_back(Dotted(signal.path) + " " + info.type);
+                continue;
+            }
+            EXPECT_TRUE(signal.kind->IsScalar()) << info.type;
+            leaves.push_back({Dotted(signal.path), info.type, {}, signal.handle, info.latest});
+            for (const auto& [time, value] : signal.events) {
+                leaves.back().changes.emplace_back(time, signal.Text(value, 2));
             }
         }
     }
 
-    std::vector<SeenLeaf> leaves;
+    std::vector<SeenSignal> leaves;
     std::vector<std::string> composites;  // "path type"
-
-private:
-    // Types are few and parsed once.
-    static const KTypeInfo& TypeOf(const std::string& text) {
-        static std::map<std::string, std::unique_ptr<KTypeInfo>> types;
-        std::unique_ptr<KTypeInfo>& type = types[text];
-        type = type != nullptr ? std::move(type) : std::make_unique<KTypeInfo>(CString(text));
-        return *type;
-    }
-
-    void Add(int handle, const std::string& above) {
-        const SignalInfo info(reader_, handle);
-        std::string path = info.name;
-        std::replace(path.begin(), path.end(), HierarchySeparator(), '.');
-        path = above + path;
-        if (info.composite) {
-            composites.push_back(path + " " + info.type);
-        } else {
-            by_handle_[handle].push_back(leaves.size());
-            leaves.push_back({path, info.type, handle, info.latest, {}});
-            types_.push_back(&TypeOf(info.type));
-            EXPECT_TRUE(types_.back()->IsScalar()) << info.type;
-        }
-        EXPECT_NE(TypeOf(info.type).GetKind(), KTypeInfo::KindNone) << info.type;
-        for (int i = 0; i < info.members; ++i) {
-            Add(reader_.GetSubSignalHandle(handle, i), path);
-        }
-    }
-
-    stremo::IEventsStreamRead& reader_;
-    std::map<int, std::vector<std::size_t>> by_handle_;
-    std::vector<const KTypeInfo*> types_;
 };
-
-// "a: 0 '1', 5 '0'; b(1): 0 7", scalars without changes left out.
-inline std::string ChangeText(const std::vector<SeenLeaf>& leaves) {
-    std::string text;
-    for (const SeenLeaf& leaf : leaves) {
-        std::string list;
-        for (const auto& [time, value] : leaf.changes) {
-            list += (list.empty() ? "" : ", ") + std::to_string(time) + " " + value;
-        }
-        text += list.empty() ? "" : (text.empty() ? "" : "; ") + leaf.path + ": " + list;
-    }
-    return text;
-}
-
-inline std::string NoteText(recording::SignalReader& reader) {
-    std::string text;
-    for (int i = 0; i < reader.NoteCount(); ++i) {
-        text += std::string(i > 0 ? " / " : "") + reader.Note(i);
-    }
-    return text;
-}
 
 // ---- writing ----
 
@@ -332,8 +250,8 @@ inline std::string Listing(const std::string& bytes) {
     for (const std::string& composite : seen.composites) {
         text += composite + "\n";
     }
-    for (const SeenLeaf& leaf : seen.leaves) {
-        text += leaf.path + " " + leaf.type + "\n";
+    for (const SeenSignal& leaf : seen.leaves) {
+        text += leaf.name + " " + leaf.type + "\n";
     }
     return text;
 }
