@@ -36,6 +36,10 @@ public:
     // The latest time of all signals, in picoseconds; 0 without any event.
     std::int64_t LatestTime() const;
 
+    // Takes over the units of a physical type, which signals don't take from their recording
+    // themselves, for the leaves of a signal.
+    void TakeUnits(ISignal& signal) const;
+
     // Fills the waves of the signals' leaves with their events in a window, the end included; when
     // these have more than `most` different times, with those of somewhat more than the first ones.
     // The value that a leaf brings into the window becomes an event of the last picosecond before
