@@ -1,6 +1,6 @@
 #pragma once
 
-// Every public declaration of corv.
+// Includes every public header of corv.
 
 #include "corv/containers/handle_manager.h"
 #include "corv/containers/scalar_data.h"

@@ -4,7 +4,7 @@
 
 namespace corv {
 
-// The library's version, "major.minor.patch". The text is static.
+// Returns the library's version, "major.minor.patch". The text is static.
 CORV_API const char* Version() noexcept;
 
 }  // namespace corv

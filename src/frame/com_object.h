@@ -13,12 +13,12 @@ namespace corv::frame {
 struct NoFields {};
 
 // What all COM objects have in common: the reference count, which starts at 0, and QueryInterface.
-// A class names itself, its interface and that one's identifier, and adds its own operations:
+// A class names itself, its interface and the interface's identifier, and adds its own operations:
 //
 //     class CSignal final : public ComObject<CSignal, ISignal, IID_ISignal> { ... };
 //
-// The count is the first field, or follows those of `Before` where a class has some in front of it.
-// It is not interlocked: an object is used by one thread at a time.
+// The count is the first field, or follows the fields of `Before` if a class has some before it. It
+// is not atomic: an object must be used by one thread at a time.
 template <class Object, class Interface, const GUID& kInterfaceId, class Before = NoFields>
 class ComObject : public Interface, protected Before {
 public:
@@ -45,8 +45,8 @@ public:
         return 0;
     }
 
-    // The interface pointer with one reference more, as QueryInterface for the own identifier
-    // delivers it.
+    // Adds a reference and returns the interface pointer, like QueryInterface with the object's own
+    // identifier.
     Interface* NewReference() noexcept {
         AddRef();
         return this;
@@ -62,7 +62,7 @@ private:
 };
 
 // The steps of every factory of COM objects: makes an object of the class and delivers it with one
-// reference. When memory runs out, E_OUTOFMEMORY with the out untouched.
+// reference. Returns E_OUTOFMEMORY with `*out` unchanged if out of memory.
 template <class Object, class Interface, class... Args>
 HRESULT CreateComObject(Interface** out, Args&&... args) noexcept {
     Object* const object = platform::Guarded<Object*>(

@@ -10,12 +10,12 @@
 
 namespace corv::frame {
 
-// What all objects behind plain interfaces have in common: the reference count, which starts at 1,
-// the reference of whoever made the object. A class names itself and its interface:
+// What all objects with plain interfaces have in common: the reference count, which starts at 1 for
+// the creator's reference. A class names itself and its interface:
 //
 //     class CSignalData final : public PlainObject<CSignalData, ISignalData> { ... };
 //
-// The count is not interlocked: an object is used by one thread at a time.
+// The count is not atomic: an object must be used by one thread at a time.
 template <class Object, class Interface>
 class PlainObject : public Interface {
 public:
@@ -42,9 +42,9 @@ private:
 };
 
 // The steps of every factory of plain objects: sets the out to null, makes an object of the class,
-// lets `set_up` (a callable that takes the object and gives whether it worked) prepare its parts
-// and delivers it. E_OUTOFMEMORY when there is no memory for the object; `failure`, the object
-// destroyed, when the set-up fails or runs out of memory.
+// lets `set_up` (a callable that takes the object and returns whether it succeeded) prepare its
+// parts, and delivers it. Returns E_OUTOFMEMORY if there is no memory for the object, and
+// `failure`, with the object destroyed, if the set-up fails or runs out of memory.
 template <class Object, class Interface, class SetUp, class... Args>
 HRESULT CreatePlainObject(Interface** out, HRESULT failure, SetUp&& set_up,
                           Args&&... args) noexcept {

@@ -14,7 +14,8 @@ namespace {
 
 int attached = 0;
 
-// What the areas keep beyond the objects of the host.
+// Releases what the areas keep in addition to the objects of the host. Kept memory is returned
+// last, after everything that may have used it.
 void ReleaseState() noexcept {
     stimulus::DeleteEventFiles();
     recording::ResetStreams();

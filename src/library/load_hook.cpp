@@ -1,7 +1,7 @@
 #include "corv/library/library.h"
 
-// The shared library attaches itself when it is loaded. Nothing refers to this file, so a program
-// that links the static library does not take it in.
+// Attaches the shared library when it is loaded. Nothing refers to this file, so a program that
+// links the static library does not include it.
 namespace {
 
 const struct LoadHook {

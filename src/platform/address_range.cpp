@@ -21,6 +21,9 @@ namespace {
 
 #if CORV_HAS_MMAP
 
+// Addresses are mapped without access (PROT_NONE), so they count neither as memory nor towards
+// overcommit until mprotect makes them usable; the kernel then fills them page by page at the first
+// touch.
 std::size_t PageSize() noexcept {
     static const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     return size;
@@ -39,7 +42,7 @@ bool MakeUsable(void* data, std::size_t bytes) noexcept {
 void DropContent(void* data, std::size_t bytes) noexcept {
     madvise(data, bytes, MADV_DONTNEED);
 }
-// Asks for pages of kLargePage bytes, which are taken with far fewer faults.
+// Asks for pages of kLargePage bytes, which cause far fewer page faults.
 void PreferLargePages(void* data, std::size_t bytes) noexcept {
 #if defined(MADV_HUGEPAGE)
     madvise(data, bytes, MADV_HUGEPAGE);
@@ -48,7 +51,7 @@ void PreferLargePages(void* data, std::size_t bytes) noexcept {
     static_cast<void>(bytes);
 #endif
 }
-// The addresses that the process may have, SIZE_MAX without a limit.
+// Returns how many addresses the process may have, SIZE_MAX without a limit.
 std::size_t AddressLimit() noexcept {
     rlimit limit{};
     const bool is_limited = getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
@@ -82,26 +85,28 @@ std::size_t WholePages(std::size_t bytes) noexcept {
     return Whole(bytes, PageSize());
 }
 
-// Ranges of many addresses are for long lists, where large pages waste little. The front of such a
-// range gets them; a system that has to look for very many of them becomes slow.
+// Large ranges are for long lists, where large pages waste little. Only the first 64 MiB of a range
+// ask for them, since a system that has to find very many large pages becomes slow.
 constexpr std::size_t kLargePage = std::size_t{2} << 20;
 constexpr std::size_t kLargeRange = 8 * kLargePage;
 constexpr std::size_t kMostLarge = 32 * kLargePage;
 
-// A process has a limited number of memory areas (65,530 where nothing else is set), and a range
-// takes two; most are left to the host.
+// A process has a limited number of memory areas (65,530 by default on Linux), and a range takes
+// two, its usable and its reserved part; most of them are left to the host.
 constexpr int kMostRanges = 8192;
 std::atomic<int> range_count{0};
 std::atomic<std::size_t> reserved_bytes{0};
 
-// Up to here ranges are set aside as large as they are wanted, further on as large as they must be.
-// Under a limit the larger part of the addresses is the host's.
+// Up to this total, ranges are reserved as large as wanted; beyond it, only as large as necessary.
+// Under a limit of addresses, generous ranges take an eighth of them and all ranges half, so that
+// the larger part remains for the host.
 constexpr std::size_t kMostGenerous = std::size_t{2} << 30;
 constexpr std::size_t kGenerousPart = 8;
 constexpr std::size_t kLargestPart = 2;
 
-// Owners may be on different threads. There is no lock: whoever finds the ranges in use by another
-// does without.
+// The ranges that no list uses at the moment. Owners may be on different threads. There is no lock:
+// a thread that finds the list in use does without a kept range, which costs time but is never
+// wrong.
 class KeptRanges {
 public:
     void Put(AddressRange& range) noexcept {
@@ -114,7 +119,8 @@ public:
         kept_[count_++] = std::move(range);
     }
 
-    // Drops what is too much to leave behind when no range is in use any more; the largest first.
+    // Once all remaining ranges are kept ones, drops the largest of them until the rest is small
+    // enough to leave with the process.
     void DropUnlessUsed() noexcept {
         const Use use(in_use_);
         while (use && bytes_ > AddressRange::kMostLeftBytes &&
@@ -128,7 +134,8 @@ public:
         }
     }
 
-    // The one put last of those of a size (of any, for 0); an empty one when there is none.
+    // Returns the range of that size that was put last (of any size, for 0), an empty one if there
+    // is none. The latest is the most likely to be still in the processor's caches.
     AddressRange Take(std::size_t reserved) noexcept {
         const Use use(in_use_);
         if (!use) {
@@ -170,7 +177,8 @@ private:
     std::size_t bytes_ = 0;
 };
 
-// There from the start and never destroyed: waves may end after everything else.
+// Constant-initialised and never destroyed, since waves may end after everything else, even after
+// static objects. The union keeps the compiler from calling the destructor.
 union NeverDestroyed {
     constexpr NeverDestroyed() noexcept : ranges() {}
     ~NeverDestroyed() {}
@@ -188,6 +196,8 @@ AddressRange AddressRange::Reserve(std::size_t least, std::size_t wanted) noexce
     if (sizeof(void*) < 8 || std::max(least, wanted) > (SIZE_MAX >> 1)) {
         return {};
     }
+    // The limit is asked anew each time, since a host may change it. Sizes are powers of two, so
+    // that kept ranges fit later requests.
     const std::size_t limit = AddressLimit();
     const std::size_t in_use = reserved_bytes.load(std::memory_order_relaxed);
     const auto is_within = [&](std::size_t bytes, std::size_t most) {
@@ -203,6 +213,7 @@ AddressRange AddressRange::Reserve(std::size_t least, std::size_t wanted) noexce
 }
 
 AddressRange AddressRange::Map(std::size_t bytes) noexcept {
+    // The count is raised before mapping, so that threads together cannot pass the limit.
     if (range_count.fetch_add(1, std::memory_order_relaxed) < kMostRanges) {
         if (void* const data = MapAddresses(bytes)) {
             reserved_bytes.fetch_add(bytes, std::memory_order_relaxed);
@@ -236,6 +247,7 @@ AddressRange::~AddressRange() {
 }
 
 bool AddressRange::Commit(std::size_t bytes) noexcept {
+    // Whole large pages, or the kernel could not use them.
     bytes = reserved_ >= kLargeRange ? Whole(bytes, kLargePage) : WholePages(bytes);
     if (bytes <= usable_) {
         return true;

@@ -5,30 +5,32 @@
 
 namespace corv::platform {
 
-// A run of addresses that is set aside at once and gets its memory piece by piece, from the front:
-// what lies in it never moves while it grows, and pages that are not touched cost nothing. Where
-// the system offers no such thing every range is empty.
+// A run of addresses that is reserved at once and receives its memory piece by piece, from the
+// front: its content never moves while it grows, and pages that are not touched cost nothing. Where
+// the system does not support this, every range is empty.
 //
-// A range that is not needed any more can be kept with its memory for the next owner: new pages
-// cost more than filling them. Ranges may be used on several threads, each one on one at a time.
+// A range that is no longer needed can be kept with its memory for the next owner, since new pages
+// cost more than filling them. Ranges may be used on several threads, each range on one thread at a
+// time.
 class AddressRange {
 public:
-    // Below this many bytes a block of the heap serves better.
+    // Below this size a block of the heap is better.
     static constexpr std::size_t kWorthwhile = std::size_t{128} << 10;
-    // The most memory that kept ranges hold in all: while others are in use and when none is.
+    // The limits for the memory of all kept ranges together: while other ranges are in use, and
+    // when none is.
     static constexpr std::size_t kMostKeptBytes = std::size_t{32} << 20;
     static constexpr std::size_t kMostLeftBytes = std::size_t{4} << 20;
 
-    // Sets aside `wanted` bytes, or `least` when ranges have many addresses already or the process
-    // has few, or up to twice as many; none of them usable yet (or some, in a kept range). Empty
-    // when the system has no more addresses to give, enough ranges are in use, or they would have
-    // more than half of the addresses that the process is limited to.
+    // Reserves `wanted` bytes, or `least` if the ranges already have many addresses or the process
+    // has few, rounded up to at most twice as many. None of them are usable yet, except in a kept
+    // range. The result is empty if the system has no more addresses, if too many ranges are in
+    // use, or if the ranges would take more than half of the addresses that the process may have.
     static AddressRange Reserve(std::size_t least, std::size_t wanted) noexcept;
 
-    // Keeps a range that is not in use any more for a later Reserve, unless enough memory is kept
-    // already. Its content is lost.
+    // Keeps a range that is no longer in use for a later Reserve, unless enough memory is already
+    // kept. Its content is lost.
     static void Keep(AddressRange range) noexcept;
-    // Gives the kept ranges back to the system.
+    // Returns the kept ranges to the system.
     static void ReleaseKept() noexcept;
 
     AddressRange() noexcept = default;
@@ -50,11 +52,12 @@ public:
     // The bytes at the front that may be read and written.
     std::size_t usable() const noexcept { return usable_; }
 
-    // Makes the first `bytes` usable, at most reserved(). False, with nothing changed, when memory
-    // runs out.
+    // Makes the first `bytes` usable, at most reserved(). Returns false, with nothing changed, if
+    // out of memory.
     bool Commit(std::size_t bytes) noexcept;
 
-    // Gives the memory behind the first `used` bytes back. It stays usable; its content is lost.
+    // Returns the memory after the first `used` bytes to the system. It stays usable; its content
+    // is lost.
     void Trim(std::size_t used) noexcept;
 
 private:

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-// Letters and blanks of the 7-bit alphabet, whatever the locale.
+// Letters, digits and blanks of the 7-bit alphabet, independent of the locale.
 namespace corv::platform {
 
 constexpr char Lower(char c) noexcept {
@@ -18,7 +18,7 @@ constexpr bool IsDigit(char c) noexcept {
 constexpr bool IsLetter(char c) noexcept {
     return Lower(c) >= 'a' && Lower(c) <= 'z';
 }
-// What isspace takes in the C locale.
+// The same characters as isspace in the C locale.
 constexpr bool IsSpace(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
@@ -28,8 +28,9 @@ constexpr bool EqualNoCase(std::string_view a, std::string_view b) noexcept {
                                               [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
-// The first place of a word in a text of any case, npos when absent. The word is in lower case and
-// begins with a character that has no case.
+// Returns the first position of a word in a text of any case, npos if absent. The word must be in
+// lower case and begin with a character that has no case, which std::string_view::find can look
+// for.
 constexpr std::size_t FindNoCase(std::string_view text, std::string_view word) noexcept {
     for (std::size_t at = text.find(word[0]); at != std::string_view::npos;
          at = text.find(word[0], at + 1)) {

@@ -13,7 +13,8 @@
 
 namespace {
 
-// "%I64" is a length modifier of one platform only: replaced by what printf takes here.
+// "%I64" is a length modifier of one platform only; it is replaced by the one that printf uses
+// here.
 std::string TranslateFormat(std::string_view format) {
     constexpr std::string_view kModifier = "I64";
     constexpr std::string_view kHere(PRId64, sizeof PRId64 - 2);
@@ -24,7 +25,7 @@ std::string TranslateFormat(std::string_view format) {
         if (format[i] != '%') {
             continue;
         }
-        // flags, width and precision stand between "%" and the modifier
+        // flags, width and precision come between "%" and the modifier
         const std::size_t end =
             std::min(format.find_first_not_of("-+ #0123456789.*", i + 1), format.size());
         out += format.substr(i + 1, end - i - 1);
@@ -39,6 +40,8 @@ std::string TranslateFormat(std::string_view format) {
     return out;
 }
 
+// Formats twice: first to get the length, then into the text. Returns false if the format cannot be
+// used.
 bool FormatInto(std::string& out, const char* format, std::va_list args) {
     std::va_list again;
     va_copy(again, args);
@@ -54,11 +57,13 @@ bool FormatInto(std::string& out, const char* format, std::va_list args) {
 
 using corv::platform::IsSpace;
 
-// A position or count of the interface as one of the text: cut to 0 and the text's length.
+// Converts a position or count of the interface to one of the text, limited to 0 and the text's
+// length.
 std::size_t Cut(int position, std::size_t length) noexcept {
     return position < 0 ? 0 : std::min(static_cast<std::size_t>(position), length);
 }
 
+// npos and positions beyond the range of int become -1.
 int AsInt(std::size_t position) noexcept {
     return position > static_cast<std::size_t>(INT_MAX) ? -1 : static_cast<int>(position);
 }
@@ -129,6 +134,7 @@ int CString::CompareNoCase(const char* text) const noexcept {
     return left - right;
 }
 
+// The text is lengthened with zeros, so the default of ReleaseBuffer finds its old end.
 char* CString::GetBuffer(int min_length) {
     text_.resize(std::max(text_.size(), Cut(min_length, INT_MAX)));
     return text_.data();
@@ -141,7 +147,7 @@ void CString::ReleaseBuffer(int new_length) noexcept {
 }
 
 void CString::Format(const char* format, ...) noexcept {
-    std::string out;
+    std::string out;  // apart, since the arguments may refer to this object's own text
     std::va_list args;
     va_start(args, format);
     const bool formatted = corv::platform::Guarded(

@@ -2,18 +2,18 @@
 
 namespace corv::platform {
 
-// A shared library of the host's that is loaded for as long as this object lives.
+// A shared library of the host, which stays loaded as long as this object lives.
 class DynamicLibrary {
 public:
-    // The base name stands for "base.DLL" on Windows and "libbase.so" elsewhere, in lower case
-    // there; the system looks for it where it looks for libraries. Nothing is loaded when there is
-    // none.
+    // For the base name "base" this loads "BASE.DLL" on Windows and "libbase.so" elsewhere, from
+    // wherever the system looks for libraries. Nothing is loaded if there is no such library.
     explicit DynamicLibrary(const char* base_name) noexcept;
     DynamicLibrary(const DynamicLibrary&) = delete;
     DynamicLibrary& operator=(const DynamicLibrary&) = delete;
     ~DynamicLibrary();
 
-    // An exported function, null when the library was not loaded or has none of that name.
+    // Returns an exported function, null if the library was not loaded or has no function of that
+    // name.
     template <class Function>
     Function* Find(const char* name) const noexcept {
         return reinterpret_cast<Function*>(Address(name));

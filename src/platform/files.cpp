@@ -24,6 +24,7 @@
 namespace corv::platform {
 namespace {
 
+// What users are told instead of the system's own messages, which depend on its language.
 struct Reason {
     int code;
     const char* text;
@@ -121,7 +122,7 @@ private:
 };
 
 Files::Opened<FileContent> OpenContent(const std::string& name) {
-    // without waiting for somebody to write into a pipe
+    // O_NONBLOCK, since opening a pipe would otherwise wait for somebody to write to it.
     Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status = {};
     if (file.get() == -1 || fstat(file.get(), &status) != 0) {
@@ -138,14 +139,16 @@ Files::Opened<FileContent> OpenContent(const std::string& name) {
     return {std::move(content), nullptr};
 }
 
-// The file behind all links; the name itself when there is none yet.
+// Returns the file that all links lead to, or the name itself if there is no file yet.
 std::string Followed(const std::string& name) {
     const std::unique_ptr<char, decltype(&std::free)> real(realpath(name.c_str(), nullptr),
                                                            &std::free);
     return real != nullptr ? std::string(real.get()) : name;
 }
 
-// A new file in place of an ordinary one, which whoever reads it keeps, with its permissions.
+// Creates a new file in place of an ordinary one, with its permissions. Unlinking instead of
+// truncating leaves the old content to those who are reading it. The loop repeats if another
+// process creates the name in between.
 Descriptor ReplaceFile(const std::string& name, mode_t mode) noexcept {
     while (unlink(name.c_str()) == 0 || errno == ENOENT) {
         Descriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
@@ -161,7 +164,7 @@ Descriptor ReplaceFile(const std::string& name, mode_t mode) noexcept {
 }
 
 Descriptor OpenForWriting(const std::string& name) {
-    if (name == "/dev/stdout") {  // where it stands, not from its beginning
+    if (name == "/dev/stdout") {  // opening it by name would start over
         return Descriptor(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
     }
     struct stat status = {};
@@ -176,6 +179,7 @@ Descriptor OpenForWriting(const std::string& name) {
 Files::Opened<FileOutput> CreateOutput(const std::string& name) {
     Descriptor file = OpenForWriting(name);
     if (file.get() == -1) {
+        // A file that is to be created is missing anyway; it is its folder that cannot be found.
         return {nullptr, ReasonOf(errno == ENOENT ? ENOTDIR : errno)};
     }
     return {std::make_unique<SystemOutput>(std::move(file)), nullptr};
@@ -183,7 +187,7 @@ Files::Opened<FileOutput> CreateOutput(const std::string& name) {
 
 #else
 
-// Content that was read as a whole.
+// A content that was read as a whole.
 class HeldContent final : public FileContent {
 public:
     explicit HeldContent(std::vector<unsigned char> content) noexcept
@@ -259,13 +263,14 @@ public:
 
 using std::filesystem::path;
 
-// Also when the system does not tell; who opens it is told why.
+// True also if the system cannot tell; opening the file then reports the reason.
 bool Exists(const path& name) noexcept {
     std::error_code error;
     return std::filesystem::exists(name, error) || error;
 }
 
-// The entry of a folder that is equal to a name without regard to case, unless there are several.
+// Returns the entry of a folder that is equal to a name without regard to case, unless there are
+// several.
 FoundFile FindEntry(const path& folder, const std::string& name) {
     FoundFile found{{}, kNoFile};
     std::error_code error;
@@ -292,6 +297,7 @@ FoundFile FindFile(std::string_view name) {
     if (Exists(path(name))) {
         return {std::string(name), nullptr};
     }
+    // Each part that exists stays as it is, so only the parts that differ in case cost a listing.
     path found;
     for (const path& part : path(name)) {
         if (part.empty() || Exists(found / part)) {

@@ -12,22 +12,23 @@ namespace corv::platform {
 
 using Bytes = std::span<const unsigned char>;
 
-// The content of a file that is open for reading: its bytes have addresses, but only those that
-// were brought may be looked at. What was brought stays as it is, whatever becomes of the file.
+// The content of a file that is open for reading. All its bytes have addresses, but only those that
+// were brought into memory may be read. Bytes that were brought do not change, whatever happens to
+// the file: unlike with a mapped file, a host is not ended by a file that is cut short.
 class FileContent {
 public:
     virtual ~FileContent() = default;
     virtual Bytes bytes() const noexcept = 0;
-    // Brings a part of the bytes, which then can be looked at. What can't be read is zeros;
-    // failure() says why.
+    // Brings a part of the bytes into memory. Bytes that cannot be read become zeros; failure()
+    // says why.
     virtual void Bring(Bytes) const noexcept {}
-    // Says that a part is not needed in the near future: it must be brought again.
+    // Releases a part that is not needed soon. It must be brought again before it is read.
     virtual void Forget(Bytes) const noexcept {}
-    // Why something could not be brought, a part of a sentence of static storage ("the file was
-    // cut while it was read"); null when all was.
+    // Returns why something could not be brought, as a part of a sentence in static storage ("the
+    // file was cut while it was read"); null if nothing failed.
     virtual const char* failure() const noexcept { return nullptr; }
 
-    // A part from an offset on; what lies beyond the end is none of it.
+    // Returns a part from an offset on, cut at the end of the content.
     Bytes Part(std::uint64_t offset, std::uint64_t size) const noexcept {
         const Bytes all = bytes();
         const auto from = static_cast<std::size_t>(std::min<std::uint64_t>(offset, all.size()));
@@ -45,45 +46,44 @@ public:
 class FileOutput {
 public:
     virtual ~FileOutput() = default;
-    // Hands the bytes to the system before it returns: they are in the file even if the process
-    // ends the next moment. Null when all were taken, else why not ("the disk is full").
+    // Hands the bytes to the system before it returns, so they are in the file even if the process
+    // ends the next moment. Returns null on success, otherwise the reason ("the disk is full").
     virtual const char* Append(Bytes bytes) noexcept = 0;
-    // Null when everything has been taken. The file is closed in either case; closing once more
-    // gives null.
+    // Closes the file. Returns null if everything was written; a second call returns null.
     virtual const char* Close() noexcept = 0;
 };
 
-// What opens files. The failures are parts of a sentence without the file's name ("is a folder"),
-// texts of static storage.
+// Opens files. Failures are parts of a sentence without the file's name ("it is a folder"), in
+// static storage.
 class Files {
 public:
     template <class T>
     struct Opened {
-        std::unique_ptr<T> file;        // none: it failed
+        std::unique_ptr<T> file;        // null after a failure
         const char* failure = nullptr;  // why
     };
 
     virtual ~Files() = default;
-    // An existing file, found as FindFile does.
+    // Opens an existing file, which is found by FindFile.
     virtual Opened<FileContent> Open(const std::string& name) = 0;
-    // A new file in place of an existing one, whose permissions it has; links are followed, and
-    // readers keep what they have. A device or a pipe is written as it is, /dev/stdout from where
-    // it stands.
+    // Creates a new file in place of an existing one, with the permissions of that one. Links are
+    // followed, and readers keep the old content. Devices and pipes are written to directly,
+    // /dev/stdout at its current position.
     virtual Opened<FileOutput> Create(const std::string& name) = 0;
 };
 
 // The files of the system.
 Files& SystemFiles() noexcept;
 
-// What a name was found to be.
+// The result of FindFile.
 struct FoundFile {
-    std::string name;               // empty: none
-    const char* failure = nullptr;  // why none
+    std::string name;               // empty if not found
+    const char* failure = nullptr;  // why it was not found
 };
 
-// The name of an existing file or folder as it is written on the disk: the name itself when it
-// exists, otherwise the only one that is equal without regard to case, folder by folder ("/TMP/A"
-// finds "/tmp/a" when there is no "/TMP" and no other spelling of either part).
+// Returns the name of an existing file or folder as it is spelt on the disk: the name itself if it
+// exists, otherwise the only name that is equal without regard to case, folder by folder ("/TMP/A"
+// finds "/tmp/a" if there is no "/TMP" and no other spelling of either part).
 FoundFile FindFile(std::string_view name);
 
 }  // namespace corv::platform

@@ -5,8 +5,9 @@
 
 namespace corv::platform {
 
-// The border of an exported operation: runs the work and gives its result; when memory runs out (or
-// a length passes what a container takes), the operation's failure instead.
+// The border of an exported operation, where exceptions end: runs the work and returns its result.
+// If out of memory, or if a length exceeds what a container takes, returns the operation's failure
+// instead.
 template <class Result, class Work>
 Result Guarded(Result failure, Work&& work) noexcept {
     try {
@@ -16,7 +17,7 @@ Result Guarded(Result failure, Work&& work) noexcept {
     }
 }
 
-// The same for work without a result.
+// The same for work without a result: returns whether it was done.
 template <class Work>
 bool Done(Work&& work) noexcept {
     try {

@@ -3,8 +3,8 @@
 // Hints to the compiler and the processor that change no result.
 namespace corv::platform {
 
-// The value, with its origin hidden from the compiler: what is computed from it stays arithmetic
-// and does not become a branch.
+// Returns the value with its origin hidden from the compiler, so that computations with it stay
+// arithmetic and do not become branches.
 template <class T>
 inline T Opaque(T value) noexcept {
 #if defined(__GNUC__)
@@ -13,7 +13,7 @@ inline T Opaque(T value) noexcept {
     return value;
 }
 
-// Starts to fetch memory that is read soon. Any address will do.
+// Starts to fetch memory that will be read soon. Any address is allowed.
 inline void Prefetch(const void* address) noexcept {
 #if defined(__GNUC__)
     __builtin_prefetch(address);

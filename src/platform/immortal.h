@@ -5,8 +5,9 @@
 
 namespace corv::platform {
 
-// Library-wide state that is made on first use and never destroyed, so that it serves in whatever
-// order a process ends its objects. What it holds is given back when the library is detached.
+// Library-wide state that is made on first use and never destroyed, so that it can be used in
+// whatever order a process ends its objects. Its owner releases its content when the library is
+// detached. It is not protected against use by several threads.
 template <class State>
 class Immortal {
 public:

@@ -12,7 +12,8 @@ struct StringEntry {
     const char* text;
 };
 
-// Names of stimulator strengths and dialogs, ordered by identifier.
+// Names of stimulator strengths and dialogs, ordered by identifier. Hosts load them by these
+// numbers (CString::LoadString), so they never change.
 constexpr std::array<StringEntry, 10> kStrings{{
     {2, "Default"},
     {5, "Override"},

@@ -2,7 +2,7 @@
 
 namespace corv::platform {
 
-// The library's text for an identifier, null when there is none.
+// Returns the library's text for an identifier, null if there is none.
 const char* FindString(unsigned id) noexcept;
 
 }  // namespace corv::platform

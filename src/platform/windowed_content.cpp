@@ -19,7 +19,8 @@ namespace {
 
 #if CORV_HAS_MMAP
 
-// Addresses whose pages are zeros that take no memory until something is written to them.
+// Addresses whose pages are zeros and take no memory until something is written to them.
+// MAP_NORESERVE allows files larger than the memory.
 class Pages {
 public:
     explicit Pages(std::size_t size) noexcept
@@ -102,6 +103,7 @@ void WindowedContent::Bring(Bytes part) const noexcept {
         if (present_[page]) {
             continue;
         }
+        // Adjacent pages are read in one call.
         const std::size_t from = page;
         for (; page < end && !present_[page]; ++page) {
             present_[page] = true;
@@ -110,7 +112,8 @@ void WindowedContent::Bring(Bytes part) const noexcept {
     }
 }
 
-// After a failure the pages are zeros.
+// After a failure the pages stay zeros, and the first reason is kept. Readers check failure() at
+// the end instead of after each step.
 void WindowedContent::ReadPages(std::size_t from, std::size_t to) const noexcept {
     const std::size_t begin = from * Pages::PageSize();
     const std::size_t end = std::min(to * Pages::PageSize(), size_);
@@ -118,7 +121,7 @@ void WindowedContent::ReadPages(std::size_t from, std::size_t to) const noexcept
     failure_ = failure_ != nullptr ? failure_ : failure;
 }
 
-// The page that a part ends in stays: the next part begins there.
+// The page in which a part ends stays, since the next part begins there.
 void WindowedContent::Forget(Bytes part) const noexcept {
     const std::size_t from = PageOf(part.data());
     const unsigned char* const part_end = part.data() + part.size();
@@ -131,7 +134,7 @@ void WindowedContent::Forget(Bytes part) const noexcept {
     }
 }
 
-// An empty file takes no addresses.
+// An empty file; mmap refuses a size of 0.
 class EmptyContent final : public FileContent {
 public:
     Bytes bytes() const noexcept override { return {}; }

@@ -14,8 +14,8 @@ namespace {
 
 constexpr char kSeparator = '/';
 
-// Keys have 32 bits and may be written with or without a sign. What fits in neither way is read as
-// the nearest number with one.
+// Keys have 32 bits and may be written with or without a sign. A number that fits in neither way
+// becomes the nearest signed number.
 std::uint32_t ReadKey(std::string_view text) noexcept {
     const std::int64_t number = corv::util::LeadingInteger(text);
     const bool fits = number >= 0 && number <= std::numeric_limits<std::uint32_t>::max();
@@ -31,7 +31,7 @@ bool ParseHotKeyData(const char* text, unsigned long* key, CString& result) noex
         *key = ReadKey(*number);
     }
     const auto hot_key = fields.Next();
-    CString found;  // the text may be the result's own
+    CString found;  // the text may be the result's own content
     const bool read = hot_key && corv::platform::Done([&] { found = CString(*hot_key); });
     result = std::move(found);
     return read;

@@ -1,3 +1,6 @@
+// Stimulator-info records. A parsed record is one buffer in which separators have become zeros; the
+// fields point into it, or to a static text where the record has none.
+
 #include "corv/records/sti_parser.h"
 
 #include <algorithm>
@@ -17,7 +20,7 @@ namespace {
 
 enum Field : std::size_t { kDialogId, kStimType, kStrength, kData, kInfo, kActive, kStates };
 
-constexpr std::size_t kRequired = 3;  // fields that a record can't do without
+constexpr std::size_t kRequired = 3;  // fields that a record must have
 constexpr char kSeparator = ':';
 
 constexpr int kDefault = 512;
@@ -38,7 +41,7 @@ constexpr std::array<DialogRow, 6> kDialogs{
 
 constexpr std::array<const char*, 2> kStimTypes{"FRM", "KEY"};  // by number
 
-// What the string table has for the rows, in their order.
+// The texts of the string table for the rows, in their order.
 struct Names {
     Names() noexcept {
         std::transform(kStrengths.begin(), kStrengths.end(), strengths.begin(),
@@ -64,7 +67,7 @@ bool IsAbsent(const char* field) noexcept {
     return field == nullptr;
 }
 
-// Empty when memory runs out.
+// Returns an empty buffer if out of memory.
 std::vector<char> NewBuffer(std::size_t size) noexcept {
     return corv::platform::Guarded(std::vector<char>(), [&] { return std::vector<char>(size); });
 }
@@ -98,7 +101,7 @@ bool CStiParser::Init(const char* record) noexcept {
     }
     std::vector<char> buffer = NewBuffer(length + 1);
     if (!buffer.empty()) {
-        std::memcpy(buffer.data(), record, length);  // which may be a field of the old buffer
+        std::memcpy(buffer.data(), record, length);  // the record may be a field of the old buffer
     }
     fields_ = {};
     buffer_ = std::move(buffer);

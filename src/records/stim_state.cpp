@@ -1,3 +1,5 @@
+// The times at which a stimulator switches, as a sorted map in which neighbouring states differ.
+
 #include "corv/records/stim_state.h"
 
 #include <cstring>
@@ -33,7 +35,7 @@ CStimState& CStimState::operator=(const CStimState& other) noexcept {
         const bool at_end = other.position_ == other.states_.end();
         const auto position = at_end ? states.end() : states.find(other.position_->first);
         const bool ends = position == states.end();
-        states_.swap(states);  // which keeps the place unless it is the end
+        states_.swap(states);  // keeps iterators valid, except the end
         position_ = ends ? states_.end() : States::const_iterator(position);
     });
     return *this;
@@ -66,13 +68,13 @@ void CStimState::Add(std::int64_t time, bool on) noexcept {
     Record(time, on);
 }
 
-// False when memory runs out.
+// Records a switch; returns false if out of memory.
 bool CStimState::Record(std::int64_t time, bool on) noexcept {
     if (states_.empty() && !on) {
         return true;
     }
     return corv::platform::Done([&] {
-        // times mostly come in ascending order
+        // the hint makes ascending times, the usual order, constant-time
         const auto entry = states_.insert_or_assign(states_.end(), time, on);
         if (entry != states_.begin() && std::prev(entry)->second == on) {
             Erase(entry);
@@ -83,7 +85,7 @@ bool CStimState::Record(std::int64_t time, bool on) noexcept {
     });
 }
 
-// A walk that stands there goes on behind it.
+// Removes an entry; a walk that is on it moves to the next one.
 void CStimState::Erase(States::const_iterator entry) noexcept {
     const bool stands_there = position_ == entry;
     const auto next = states_.erase(entry);

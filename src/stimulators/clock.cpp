@@ -14,7 +14,7 @@ namespace {
 
 using corv::util::AppendNumber;
 
-// As "%f" writes it in the C locale.
+// Appends a number as "%f" writes it in the C locale, whatever the host's locale is.
 void AppendFixed(std::string& out, double value) {
     char digits[400];  // the largest double has 309 digits before the point
     out.append(
@@ -30,7 +30,7 @@ void CClock::StreamOut(CString& record) const noexcept {
     const bool written = corv::platform::Done([&] {
         std::string out;
         AppendFixed(out, rate_value_);
-        // the record holds 32 bits of the offset
+        // the record has only the low 32 bits of the offset
         const auto offset = static_cast<std::int32_t>(static_cast<std::uint32_t>(rate_offset_));
         for (const std::int64_t field :
              {std::int64_t{rate_unit_}, std::int64_t{rate_type_}, std::int64_t{offset},
@@ -52,7 +52,7 @@ bool CClock::StreamIn(const char* record) noexcept {
         return false;
     }
     rate_value_ = corv::util::LeadingReal(*rate_value);
-    // each of the others is a whole number, stored the moment it is read
+    // The other fields are whole numbers, each stored at once: those before a missing one stay.
     const auto read = [&fields](auto store) {
         const auto field = fields.Next();
         if (field) {

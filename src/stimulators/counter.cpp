@@ -1,3 +1,6 @@
+// Counters. A counter keeps two values, before and after its current step, and the period between
+// them. All wires of a vector share it, so each period is computed once however many wires ask.
+
 #include "corv/stimulators/counter.h"
 
 #include <algorithm>
@@ -13,10 +16,10 @@ using corv::CCounterStimulusInfo;
 
 namespace {
 
-// The latest time that a formula can be written with.
+// The latest time that can be written in a formula.
 constexpr std::int64_t kMaxTime = 9'200'000'000'000'000'000;
 constexpr unsigned kBits = 64;
-constexpr unsigned kWholeBits = 32;  // over which a whole value's bits are reversed
+constexpr unsigned kWholeBits = 32;  // the bits of a whole value that are reversed
 
 // The bit of weight 2^index; bits past the 64th do not exist.
 constexpr std::uint64_t Bit(unsigned index) noexcept {
@@ -43,6 +46,7 @@ std::uint64_t Reverse(std::uint64_t value, unsigned width) noexcept {
     return out;
 }
 
+// Shifts one place; the inverse of the bit that is pushed out enters at the other end.
 std::uint64_t NextJohnson(std::uint64_t value, bool up, unsigned width) noexcept {
     if (up) {
         return value << 1 | ((value & Bit(width - 1)) == 0 ? 1 : 0);
@@ -51,7 +55,8 @@ std::uint64_t NextJohnson(std::uint64_t value, bool up, unsigned width) noexcept
     return shifted | ((value & 1) == 0 ? Bit(width - 1) : 0);
 }
 
-// The neighbour of the lowest bit that is set below the width (of bit 0 when there is none).
+// Returns the neighbour of the lowest bit that is set below the width (of bit 0 if there is none),
+// going around at the ends.
 unsigned NeighbourOfLowest(std::uint64_t bits, bool up, unsigned width) noexcept {
     bits &= Mask(width);
     const unsigned lowest = bits == 0 ? 0 : static_cast<unsigned>(std::countr_zero(bits));
@@ -141,6 +146,7 @@ int CCounterState::GetValue(unsigned wire, std::int64_t time, CString& value) no
     const std::int64_t shown =
         time < segment_->end ? segment_->shown.before : segment_->shown.after;
     if (!whole_) {
+        // wire 0 is the most significant one
         const unsigned bit = width_ - 1 - wire;
         value = (AsBits(shown) & Bit(bit)) != 0 ? '1' : '0';
         return 1;
@@ -193,7 +199,8 @@ bool CCounterState::BuildSegment(CString& out) noexcept {
     });
 }
 
-// The step rule may replace the current value, so it comes before the old value is shown.
+// Makes one step. NextValue comes first, since the rules of one-hot and one-cold counters may
+// replace a current value of 0.
 CCounterState::Shown CCounterState::StepShown() noexcept {
     const std::int64_t next = NextValue();
     const Shown shown{ShownValue(current_), ShownValue(next)};
@@ -217,7 +224,7 @@ std::int64_t CCounterState::NextValue() noexcept {
             current_ = current_ == 0 ? AsSigned(Mask(width_) ^ 1) : current_;
             return AsSigned(Mask(width_) ^ Bit(NeighbourOfLowest(~AsBits(current_), up, width_)));
     }
-    return -1;  // no such kind of counter
+    return -1;  // there is no such kind of counter
 }
 
 std::int64_t CCounterState::ShownValue(std::int64_t value) const noexcept {

@@ -1,3 +1,6 @@
+// Checks a counter formula with the reader that registration uses, in the order of its keys, and
+// reports the first problem.
+
 #include "stimulators/counter_check.h"
 
 #include "corv/stimulators/counter.h"

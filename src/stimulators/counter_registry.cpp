@@ -1,3 +1,6 @@
+// The counters of the process. Stimuli refer to them by handle and look them up at each question,
+// so that a stimulus may outlive its counter.
+
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -10,7 +13,7 @@
 
 namespace {
 
-// The registered counters, a handle being the place in the list.
+// The registered counters; a handle is an index into the list.
 using Counters = std::vector<std::unique_ptr<CCounterState>>;
 
 Counters& Registry() noexcept {
@@ -88,7 +91,8 @@ std::int64_t CCounterRef::GetNextEventTime(std::int64_t time) const noexcept {
     return counter ? counter->GetNextEventTime(static_cast<unsigned>(wire), time) : -1;
 }
 
-// Stands here and not beside the other parsers, since it takes back what it has registered.
+// Here and not beside the other parsers, since it has to undo its registration if the list cannot
+// be filled.
 int CCounterFormulaParser::Run(const char* formula, CStringArray& list, int width,
                                int split_mode) noexcept {
     if (!formula || !*formula || width > kMaxVectorWidth) {

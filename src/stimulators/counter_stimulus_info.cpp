@@ -35,7 +35,7 @@ bool CopyOut(const std::string& text, char* buffer, int size) noexcept {
 
 }  // namespace
 
-// An object without memory of its own reads the defaults.
+// An object that could not allocate its settings reads the defaults.
 const CCounterStimulusInfo::Settings& CCounterStimulusInfo::Read() const noexcept {
     static const Settings kDefaults;
     return settings_ ? *settings_ : kDefaults;
@@ -151,7 +151,7 @@ bool CCounterStimulusInfo::FromFormula(const char* text) noexcept {
     stimulators::CounterReader reader(text ? text : "");
     return platform::Guarded(false, [&] {
         Settings& to = *settings_;
-        // one step a key, so that what stands before a wrong one is stored
+        // One step per key, so that everything before a wrong one is stored.
         const auto read = [&reader](stimulators::CounterKey key, auto store) {
             const auto value = reader.Value(key);
             if (value) {

@@ -9,14 +9,15 @@
 
 #include "util/fields.h"
 
-// Counter formulas and the texts that refer to a wire of a registered counter.
+// Counter formulas, and the texts that refer to a wire of a registered counter
+// (docs/formats/counters.md).
 //
 //     formula   = "\counter" "\TYPE\" int "\DIR\" int "\RADIX\" int "\START\" text "\INC\" text
 //                 "\PERIOD\" time "\REV\" int
 //     reference = "\counter\wire\" int "\handle\" int
 //
-// Words are separated by runs of "\", of which a leading one may be missing; case does not matter;
-// what follows the last value is ignored.
+// Words are separated by runs of "\"; a leading one may be missing. Case does not matter. Anything
+// after the last value is ignored.
 namespace corv::stimulators {
 
 enum class CounterKey { Type, Dir, Radix, Start, Inc, Period, Rev };
@@ -30,13 +31,14 @@ public:
 
     // Reads the word "counter" at the front.
     bool Begin() noexcept { return ReadWord("counter"); }
-    // Reads a key and its value; nothing when either is missing or the key another one.
+    // Reads a key and returns its value; nullopt if either is missing or the key is a different
+    // one.
     std::optional<std::string_view> Value(CounterKey key) noexcept {
         return Value(kCounterKeys[static_cast<std::size_t>(key)]);
     }
     std::optional<std::string_view> Value(std::string_view key) noexcept;
 
-    // Where reading stopped: the last word looked at, empty at the end of the text.
+    // Returns where reading stopped: the last word read, empty at the end of the text.
     std::string_view At() const noexcept { return at_; }
 
 private:
@@ -48,10 +50,11 @@ private:
     std::string_view at_;
 };
 
-// What of a period, and of a starting value or increment, is read, with its terminating zero.
+// How much of a period, and of a starting value or increment, is read, including the terminating
+// zero: the texts are read into buffers of these sizes.
 inline constexpr std::size_t kPeriodRoom = 1000;
 inline constexpr std::size_t kNumberRoom = 1024;
-// In picoseconds; nothing when the text is not a time.
+// Returns the period in picoseconds, nullopt if the text is not a time.
 std::optional<std::int64_t> ReadCountPeriod(std::string_view text) noexcept;
 std::optional<std::int64_t> ReadCountNumber(std::string_view text, int radix) noexcept;
 

@@ -12,13 +12,14 @@
 namespace corv::stimulus {
 namespace {
 
+// File names may contain control characters, which must not reach a terminal.
 std::string Printable(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     return text;
 }
 
-// "; did you mean `a`, `b` or `c`?", or what there is instead.
+// Returns "; did you mean `a`, `b` or `c`?", or what the recording has instead.
 std::string Suggest(stremo::IEventsStreamRead& reader, std::string_view name) {
     const SuggestedSignals suggested = SuggestSignals(reader, name);
     std::string list;
@@ -31,7 +32,8 @@ std::string Suggest(stremo::IEventsStreamRead& reader, std::string_view name) {
                             : "; one that it has is " + list;
 }
 
-// What does not fit between the signal and what the formula drives.
+// Checks that a formula for one stimulus names a signal without members, and one for a vector a
+// signal with members.
 std::optional<CustomProblem> CheckShape(ISignal& signal, std::string_view place, bool alone) {
     ISignalContainer* const members = signal.GetSubSignals();
     if (alone == (members == nullptr)) {

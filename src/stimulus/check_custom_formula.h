@@ -6,15 +6,16 @@
 
 namespace corv::stimulus {
 
-// What keeps a custom formula from replaying its signal.
+// The reason why a custom formula does not replay its signal.
 struct CustomProblem {
     std::string_view place;  // within the formula
     std::string sentence;
-    bool warning = false;  // the formula is accepted all the same
+    bool warning = false;  // the formula is accepted nevertheless
 };
 
-// The first problem of a formula, nothing when its signal can be had. `alone` tells that the
-// formula drives one stimulus and not the elements of a vector.
+// Returns the first problem of a formula, nullopt if its signal can be replayed. `alone` means that
+// the formula drives one stimulus, not the elements of a vector. The recording is opened, since
+// nothing less shows whether it has the signal.
 std::optional<CustomProblem> CheckCustomFormula(std::string_view formula, bool alone);
 
 }  // namespace corv::stimulus

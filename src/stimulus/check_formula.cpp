@@ -1,3 +1,6 @@
+// Checks a formula by its kind. The checks use the readers that CStimulus uses, so what they accept
+// and what evaluation sees cannot drift apart.
+
 #include "corv/stimulus/check_formula.h"
 
 #include <optional>
@@ -58,7 +61,7 @@ std::vector<FormulaProblem> Check(std::string_view formula, const CheckedAs& as)
 std::vector<FormulaProblem> CheckGuarded(const char* formula, const CheckedAs& as) noexcept {
     std::vector<FormulaProblem> problems;
     if (!platform::Done([&] { problems = Check(formula ? formula : "", as); })) {
-        // a sentence this short needs no memory of its own
+        // this sentence is short enough for std::string not to allocate memory
         platform::Done([&] {
             problems.push_back({0, 0, FormulaProblem::Severity::Error, "out of memory"});
         });

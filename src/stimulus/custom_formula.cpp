@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view kBlanks = " \n\t";
 constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
-// The text after the mark, cut at its first comma; nothing without a mark or comma.
+// Splits the text after the mark at its first comma; returns nullopt without a mark or comma.
 std::optional<CustomParts> Cut(std::string_view formula) noexcept {
     const std::size_t mark = platform::FindNoCase(formula, kCustomMark);
     if (mark == std::string_view::npos) {

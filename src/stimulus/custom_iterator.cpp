@@ -4,6 +4,8 @@
 
 using Time = TTimeUnit<std::int64_t>;
 
+// The walk keeps nothing but the time of its last event and asks the stimulus for the next one, so
+// a recording of any length can be walked without memory for its events.
 CCustomIterator::CCustomIterator(CCustomStimulus* stimulus) noexcept : stimulus_(stimulus) {
     Reset();
 }

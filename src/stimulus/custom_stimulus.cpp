@@ -1,3 +1,19 @@
+// Replays a recorded signal. There are two strategies:
+//
+//
+// A reader of the library's own is asked through a SignalCursor, which reads only the blocks in
+// which the signal changes, remembers its position, and answers a walk forward in constant time.
+//
+//
+// A reader that a host made has only the operations of IEventsStreamRead. Each question seeks to a
+// time and reads events from there; the handle manager of the loaded container recognises the
+// signal's events by their handle. This is slower by the length of what has to be read, but works
+// with any reader.
+//
+//
+// In both cases the value ends up as an event at time 0 of the signal's own wave, so that its text
+// is made in the same way as for any other signal.
+
 #include "corv/stimulus/custom_stimulus.h"
 
 #include <array>
@@ -21,7 +37,8 @@ ComPtr<IHandleManager> ManagerOf(ISignalContainer& container) noexcept {
     return manager;
 }
 
-// Replaces the value that a signal has at time 0.
+// Replaces the value that a signal has at time 0. The wave has at most this one event, which
+// AddEvent overwrites.
 void PutValue(ISignal& signal, const ValueBuffer& value) noexcept {
     if (ISignalWave* const wave = signal.GetWave()) {
         wave->AddEvent(0, 0, value.data(), wave->GetValueSize());
@@ -77,6 +94,7 @@ int CCustomStimulus::Create(const char* event_file, const char* signal) noexcept
     if (!open) {
         Destroy();
     }
+    // Even if it could not be opened: the host may write the file later.
     corv::stimulus::RememberEventFile(event_file);
     return open ? 1 : 0;
 }
@@ -121,8 +139,8 @@ void CCustomStimulus::Begin() noexcept {
     }
 }
 
-// Events are read with the first question, so that one reading serves all elements of a vector:
-// until then each of them has told its interest.
+// Returns the cursor, made at the first question. By then all elements of a vector have announced
+// their interest, so reading the file once serves all of them.
 corv::recording::SignalCursor* CCustomStimulus::Cursor() noexcept {
     if (cursor_ == nullptr) {
         cursor_ = own_reader_->OpenSignal(signal_->GetHandle());
@@ -130,8 +148,8 @@ corv::recording::SignalCursor* CCustomStimulus::Cursor() noexcept {
     return cursor_.get();
 }
 
-// Leaves nothing but the signal's handle in the handle manager, so that events of the others are
-// not recognised.
+// Leaves only the signal's handle in the handle manager, so that events of other signals, loaded
+// together with this one, are not recognised.
 void CCustomStimulus::ClearHandleMan(ISignal* signal) noexcept {
     const ComPtr<IHandleManager> manager = ManagerOf(*container_);
     if (!manager) {
@@ -147,7 +165,8 @@ void CCustomStimulus::ClearHandleMan(ISignal* signal) noexcept {
     }
 }
 
-// Gives the signals the values that the recording has at its place.
+// Sets the signals to the values that the recording has at its position. Returns whether any has
+// one.
 bool CCustomStimulus::QueryCache(IHandleManager* manager) noexcept {
     bool any = false;
     for (int handle = manager->GetFirstHandle(); handle != -1; handle = manager->GetNextHandle()) {
@@ -165,7 +184,8 @@ bool CCustomStimulus::QueryCache(IHandleManager* manager) noexcept {
     return any;
 }
 
-// Reads the events up to a time, that one included.
+// Reads the events up to and including a time. Seek stops before the events at the time itself,
+// which are the ones that count.
 bool CCustomStimulus::TakeEvents(IHandleManager* manager, std::int64_t time) noexcept {
     bool any = false;
     for (int handle = reader_->Next(); handle != -1 && *reader_->GetCurrentTime() <= time;
@@ -180,7 +200,7 @@ bool CCustomStimulus::TakeEvents(IHandleManager* manager, std::int64_t time) noe
     return any;
 }
 
-// Puts the value at a time into the signal's wave.
+// Stores the value at a time in the signal's wave. Returns false if there is none.
 bool CCustomStimulus::TakeValue(std::int64_t time) noexcept {
     if (own_reader_ != nullptr) {
         ValueBuffer value{};

@@ -22,6 +22,8 @@ void ElementIndex::List::Build(std::span<const std::unique_ptr<CSimpleStimulus>>
             entries.push_back({element->GetTime(), element.get()});
         }
     }
+    // Most formulas are in order of time already. Otherwise the sort must be stable, so that the
+    // first of equal times stays first.
     const auto earlier = [](const Entry& a, const Entry& b) { return a.time < b.time; };
     if (!std::is_sorted(entries.begin(), entries.end(), earlier)) {
         std::stable_sort(entries.begin(), entries.end(), earlier);

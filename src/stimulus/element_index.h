@@ -10,13 +10,15 @@
 
 namespace corv::stimulus {
 
-// The elements of a stimulus in the order of their times, absolute and relative ones apart. Of
-// elements at equal times the first in formula order is kept: it is the one that answers.
+// The elements of a stimulus in the order of their times, absolute and relative ones separately,
+// since relative ones repeat. Of elements at equal times only the first in formula order is kept:
+// it is the one that counts.
 class ElementIndex {
 public:
     explicit ElementIndex(std::span<const std::unique_ptr<CSimpleStimulus>> elements);
 
-    // The element with the smallest time at or after, the largest at or before `time`; or null.
+    // Return the element with the smallest time at or after `time`, and the one with the largest
+    // time at or before it, or null.
     const CSimpleStimulus* Next(std::int64_t time, bool absolute) const noexcept {
         return lists_[absolute ? 1 : 0].Next(time);
     }
@@ -38,7 +40,8 @@ private:
             const std::size_t count = CountUpTo(time);
             return count > 0 ? elements[count - 1] : nullptr;
         }
-        // The number of times at or before `time`.
+        // Returns the number of times at or before `time`. A walk asks for the place of the last
+        // question or its neighbour, so these are tried first; only a jump needs the bisection.
         std::size_t CountUpTo(std::int64_t time) const noexcept {
             if (IsCount(cursor, time)) {
                 return cursor;
@@ -54,9 +57,9 @@ private:
         }
         std::size_t Bisect(std::int64_t time) const noexcept;
 
-        std::vector<std::int64_t> times;  // rising, no two alike
+        std::vector<std::int64_t> times;  // rising, without duplicates
         std::vector<const CSimpleStimulus*> elements;
-        // where the last question ended: a walk asks for a neighbour next
+        // where the last question ended
         mutable std::size_t cursor = 0;
     };
 

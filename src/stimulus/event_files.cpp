@@ -16,7 +16,7 @@ namespace {
 
 struct EventFile {
     std::string name;
-    bool exact;  // how the file is written on the disk; else it was not there yet
+    bool exact;  // spelt as on the disk; otherwise it did not exist when it was named
 };
 
 struct EventFiles {
@@ -29,8 +29,8 @@ EventFiles& State() noexcept {
     return *files;
 }
 
-// Without success there is nothing to be done about it. Folders are no files, which the C library
-// does not tell apart everywhere.
+// Deletes a file; a failure is ignored. Folders must stay, and std::remove would remove an empty
+// one on some systems.
 void Delete(const std::string& name) {
     std::error_code error;
     if (!name.empty() && !std::filesystem::is_directory(name, error)) {

@@ -4,11 +4,11 @@
 
 namespace corv::stimulus {
 
-// Remembers a file that a custom formula named; names of registered streams are no files.
+// Remembers a file that a custom formula has named. Names of registered streams are not files.
 void RememberEventFile(const char* name) noexcept;
 
-// Deletes the files that are remembered, in the order in which they were, unless deletion is
-// switched off; they are forgotten in either case.
+// Deletes the remembered files in the order in which they were named, unless deletion is switched
+// off. They are forgotten in either case.
 void DeleteEventFiles() noexcept;
 
 }  // namespace corv::stimulus

@@ -7,10 +7,10 @@
 #include "stimulus/problem_list.h"
 #include "stimulus/vector_value.h"
 
-// What is wrong with formulas, by their kinds.
+// The checks of formulas by their kinds.
 namespace corv::stimulus {
 
-// What a formula is checked as.
+// What a formula is checked for.
 struct CheckedAs {
     std::uint32_t default_unit = 1;
     std::optional<VectorShape> vector;
@@ -22,7 +22,7 @@ void CheckOrdinary(std::string_view formula, const CheckedAs& as, ProblemList& p
 // Checks a formula in the compact notation, without unrolling it.
 void CheckNotation(std::string_view formula, const CheckedAs& as, ProblemList& problems);
 
-// Checks one value of a vector, which stands at a place of the formula.
+// Checks one value of a vector at a place of the formula.
 void CheckVectorValue(std::string_view value, VectorShape shape, ProblemList::Place place,
                       ProblemList& problems);
 

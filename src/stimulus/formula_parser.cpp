@@ -1,3 +1,6 @@
+// Splits the formula of a vector into one formula per element. The formula is first brought into
+// its normal form, so that times are plain picoseconds and only values have to be split.
+
 #include "corv/stimulus/formula_parser.h"
 
 #include <algorithm>
@@ -21,11 +24,11 @@ constexpr Pairs kPairs{"([{\"'", ")]}\"'"};
 constexpr std::string_view kBlanks = " \n\t";
 constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 constexpr std::string_view kRepeat = ",-r";
-constexpr std::size_t kLongestName = 260;  // of a member of a recorded signal, with its zero
+constexpr std::size_t kLongestName = 260;                // of a recorded member, with its zero
 constexpr std::size_t kMaxBytes = std::size_t{1} << 30;  // of all formulas together
 
-// An element's formula as it is handed out: without the comma behind the last piece, the repeat
-// period joined to the piece before it.
+// Returns an element's formula in its final form: without the comma after the last piece, and with
+// the repeat period joined to the piece before it by a blank.
 std::string_view FinishPieces(std::string& pieces, bool repeats, bool trim) {
     std::string_view entry(pieces);
     const std::string_view trimmed = corv::util::TrimEnds(entry, kWhiteSpace);
@@ -41,7 +44,7 @@ std::string_view FinishPieces(std::string& pieces, bool repeats, bool trim) {
     return entry;
 }
 
-// The members of the recorded signal that a custom formula names.
+// Lists one formula per member of the recorded signal that a custom formula names.
 bool SplitCustom(std::string_view formula, CStringArray& list) {
     auto parts = corv::stimulus::ReadCustomToSplit(formula);
     if (!parts) {
@@ -105,6 +108,8 @@ int CSimpleFormulaParser::Run(const char* formula, CStringArray& list, int width
 
 bool CSimpleFormulaParser::Cut(std::string_view normal, CStringArray& list) const {
     std::string text(normal);
+    // The repeat parameter becomes an element of its own, so that it is dealt out to all pieces
+    // like a value; FinishPieces joins it again.
     const std::size_t repeat = text.find(" -r");
     if (repeat != std::string::npos) {
         text[repeat] = ',';
@@ -143,7 +148,7 @@ bool CSimpleFormulaParser::splitToken(std::string_view token, std::vector<std::s
     for (std::string& piece : pieces) {
         const std::size_t before = piece.size();
         if (!value->AppendNext(piece)) {
-            break;  // the other elements keep the value they have
+            break;  // the other elements keep the value that they have
         }
         if (!time.empty()) {
             piece += ' ';

@@ -23,9 +23,10 @@ constexpr bool IsSeparator(char c) noexcept {
     return IsBlank(c) || c == ',';
 }
 
-constexpr double kMostFemtoseconds = 9.2e18;  // that a 64-bit number of them counts
+constexpr double kMostFemtoseconds = 9.2e18;  // as many as fit into 64 bits
 
-// Reads femtoseconds that are too many for 64 bits: without their last three digits.
+// Reads femtoseconds that are too many for 64 bits by dropping their last three digits, which makes
+// them picoseconds.
 void TakeAsPicoseconds(std::string_view text, FormulaTime& out) noexcept {
     const std::size_t whole = std::min(text.find_first_not_of("+-0123456789"), text.size());
     const auto picoseconds =
@@ -82,6 +83,7 @@ std::optional<FormulaItem> FormulaReader::Next() noexcept {
         item.time = time.text;
         item.comma_skipped = time.comma_skipped;
         at_ = time.end;
+        // A word after the time is its unit if it is one; otherwise it is the next value.
         const Word unit = ReadSameElement(at_);
         if (util::FindTimeUnit(unit.text) >= 0) {
             item.unit = unit.text;

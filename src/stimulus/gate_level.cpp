@@ -35,7 +35,8 @@ constexpr std::array<GateLevelRow, 18> kGateLevels{{
     {'x', 'W'},
 }};
 
-// std_logic characters by the gate-level character's code, 0 where there is none.
+// The std_logic character for each gate-level character's code, 0 if there is none. A table by
+// code, since the notation looks up every value.
 constexpr std::array<char, 256> kByCode = [] {
     std::array<char, 256> table{};
     for (const GateLevelRow& row : kGateLevels) {

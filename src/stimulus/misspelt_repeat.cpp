@@ -8,10 +8,10 @@
 namespace corv::stimulus {
 namespace {
 
-// The longest first, so that each is taken whole.
+// The longest come first, so that each is matched as a whole.
 constexpr std::array<std::string_view, 4> kSpellings{"repeats", "repeat", "rep", "r"};
 
-// Whether the word follows a blank within an element.
+// Returns whether the word follows a blank within an element.
 bool IsInsideElement(std::string_view word, std::string_view formula) noexcept {
     std::size_t at = static_cast<std::size_t>(word.data() - formula.data());
     while (at > 0 && platform::IsSpace(formula[at - 1])) {

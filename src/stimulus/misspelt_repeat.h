@@ -8,8 +8,8 @@
 
 namespace corv::stimulus {
 
-// The parameter that a value was probably meant to be, "-r 40" for "--repeat 40" or "-r40". A word
-// without a dash counts only where no comma stands before it, since it may be a literal.
+// Returns the parameter that a value was probably meant to be: "-r 40" for "--repeat 40" or "-r40".
+// A word without a dash counts only if there is no comma before it, since it may be a literal.
 std::optional<std::string> MisspeltRepeat(const FormulaItem& item, std::string_view formula);
 
 }  // namespace corv::stimulus

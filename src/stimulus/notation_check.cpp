@@ -1,3 +1,7 @@
+// Checks a formula in the compact notation. Everything about the unrolled formula (its length, its
+// last time, its first character) is calculated from the tree, since a few letters can unroll to
+// millions of values.
+
 #include <array>
 #include <string>
 
@@ -52,8 +56,8 @@ static_assert([] {
     return true;
 }());
 
-// Whether the formulas of all elements pass the limit of their splitting. Their length follows from
-// that of the last time, which most times share.
+// Returns whether the formulas of all elements exceed the limit of splitting. Their length is
+// estimated with the length of the last time, which most times share.
 bool IsTooLongToSplit(const CVeskFormula& notation, int width) {
     constexpr double kMostBytes = double{1U << 30};
     constexpr double kValueBlankAndComma = 3;

@@ -4,11 +4,13 @@
 
 namespace corv::stimulus {
 
-// The name of white space in a word, which the reader takes for no blank; empty without any.
+// Returns the name of white space in a word that the reader does not treat as a blank; empty if
+// there is none.
 std::string_view NameOddSpace(std::string_view word) noexcept;
 
-// The signal's name and "=" at the front of a value, "clk=" of "clk=0" or "bus:8=" of "bus:8=0", as
-// the program takes them before a formula; empty when the value does not begin so.
+// Returns the signal's name and "=" at the front of a value, "clk=" in "clk=0" or "bus:8=" in
+// "bus:8=0", which the program accepts before a formula and the library does not; empty if the
+// value does not begin like that.
 std::string_view NameBefore(std::string_view value) noexcept;
 
 }  // namespace corv::stimulus

@@ -1,3 +1,6 @@
+// Checks a list of values and times, item by item as CStimulus reads them, and then the values as a
+// whole: which of them can never take effect.
+
 #include <algorithm>
 #include <limits>
 #include <optional>
@@ -18,10 +21,10 @@ namespace {
 using util::Quote;
 using Place = ProblemList::Place;
 
-// Where times end, in picoseconds.
+// The end of the range of times, in picoseconds.
 constexpr std::int64_t kMaxTime = 9'200'000'000'000'000'000;
 
-// A time in the largest unit in which it is whole.
+// Returns a time in the largest unit in which it is whole.
 std::string TimeText(std::int64_t picoseconds) {
     unsigned unit = util::kBaseUnit;
     util::ScaleWhole(picoseconds, unit);
@@ -48,7 +51,8 @@ bool IsUnitless(const FormulaItem& item) noexcept {
            util::NumberLength(item.time) == item.time.size();
 }
 
-// Whether something is wrong with an item that makes the next word a value without a time.
+// Returns whether an item has a problem that turns the next word into a value without a time, so
+// that reporting that one too would only confuse.
 bool EndsOddly(const FormulaItem& item) noexcept {
     return item.comma_skipped || (!item.time.empty() && IsParameter(item.time));
 }
@@ -66,7 +70,7 @@ private:
         std::int64_t time;
         std::string_view value;
         Place place;
-        bool reported;  // something else is wrong with it
+        bool reported;  // another problem of it is in the list
     };
 
     bool CheckItem(const FormulaItem& item);
@@ -94,7 +98,7 @@ private:
 
     std::size_t values_ = 0;
     std::optional<FormulaItem> before_;    // the item before
-    std::optional<FormulaItem> timeless_;  // the item before, when it is a value without a time
+    std::optional<FormulaItem> timeless_;  // the item before, if it is a value without a time
     std::optional<FormulaItem> before_timeless_;
     std::vector<Timed> relatives_;
     std::vector<Timed> absolutes_;
@@ -117,9 +121,11 @@ void OrdinaryChecker::Check() {
     CheckEnd();
 }
 
-// False when the words are cut at other places than they were meant to be.
+// Returns false if the words were split at other places than intended; any further problems would
+// be consequences of that.
 bool OrdinaryChecker::CheckItem(const FormulaItem& item) {
-    // the first value may do without a time, unless the normal form puts the period after it
+    // The first value may do without a time, unless the normal form puts the period directly after
+    // it, where it would be read as the value's time.
     if (timeless_ && (values_ > 1 || item.is_repeat)) {
         WarnTimeless();
     }
@@ -194,7 +200,7 @@ void OrdinaryChecker::CheckWords(const FormulaItem& item) {
     }
 }
 
-// Whether there is nothing to say about the time.
+// Returns whether the time is usable; reports its problems.
 bool OrdinaryChecker::CheckTime(const FormulaItem& item, const FormulaTime& time) {
     if (item.time.empty()) {
         return true;
@@ -286,7 +292,7 @@ void OrdinaryChecker::WarnTimeless() {
         "the value " + Quote(timeless_->value) + " has no time and counts as 0" + TimelessRemedy());
 }
 
-// What the last value without a time may have been meant to be.
+// Returns what the last value without a time may have been meant to be.
 std::string OrdinaryChecker::TimelessRemedy() const {
     const std::string_view value = timeless_->value;
     if (value.starts_with('@') && value.size() > 1) {
@@ -321,7 +327,8 @@ void OrdinaryChecker::CheckHidden() {
     CheckAbsolutes();
 }
 
-// The pattern starts at its first value's time and ends a period later.
+// The pattern starts at the time of its first value, in formula order, and ends a period later. A
+// value exactly at the end is fine if it equals the first one, as it is common to write both.
 void OrdinaryChecker::CheckAgainstPattern(const Timed& relative) {
     const Timed& first = relatives_.front();
     if (first.reported) {
@@ -356,7 +363,8 @@ void OrdinaryChecker::CheckEqualTimes(std::vector<Timed> values) {
     }
 }
 
-// A relative value gives way to an absolute one at the same time, and for good if nothing repeats.
+// An absolute value replaces a relative one at the same time; if nothing repeats, the relative one
+// never takes effect.
 void OrdinaryChecker::CheckReplaced() {
     if (period_ || absolutes_.empty()) {
         return;

@@ -9,7 +9,8 @@
 
 namespace corv::stimulus {
 
-// The problems of one formula while they are found, in any order.
+// Collects the problems of one formula in the order in which they are found. Errors and warnings
+// are kept separately, so that many warnings cannot displace an error.
 class ProblemList {
 public:
     struct Place {
@@ -19,7 +20,8 @@ public:
 
     explicit ProblemList(std::string_view formula) : formula_(formula) {}
 
-    // Where a word, or the text from one word to the end of another, stands in the formula.
+    // Returns where a word, or the text from one word to the end of another, is in the formula. The
+    // words must be views of it.
     Place PlaceOf(std::string_view first, std::string_view last) const noexcept {
         const auto begin = static_cast<std::size_t>(first.data() - formula_.data());
         const auto end = static_cast<std::size_t>(last.data() - formula_.data()) + last.size();
@@ -36,14 +38,15 @@ public:
     }
     bool HasErrors() const noexcept { return !errors_.empty(); }
 
-    // The problems in the order of the text. Of more than kMaxFormulaProblems the errors are kept
-    // first; the last problem then says that there are more, as an error if some of these are.
+    // Returns the problems in the order of the text. If there are more than kMaxFormulaProblems,
+    // errors are kept first, and the last problem says that there are more; it is an error if
+    // errors were left out.
     std::vector<FormulaProblem> Take();
 
 private:
     using Problems = std::vector<FormulaProblem>;
 
-    // One more than is listed is kept, to tell that there are more.
+    // One more than can be listed is kept, to know that there are more.
     static void Add(Problems& problems, Place place, FormulaProblem::Severity severity,
                     std::string sentence) {
         if (problems.size() <= kMaxFormulaProblems) {

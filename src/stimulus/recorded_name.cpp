@@ -16,8 +16,8 @@ constexpr char RoundBracket(char c) noexcept {
     return c == '[' ? '(' : c == ']' ? ')' : c;
 }
 
-// Which characters of a name separate levels. Where names in backslashes may stand, "." and "/" may
-// belong to them.
+// Decides which characters of a name separate levels. If the name has names in backslashes, "." and
+// "/" may belong to these.
 class Separators {
 public:
     Separators(std::string_view name, bool member) noexcept
@@ -34,7 +34,7 @@ private:
     bool member_;
 };
 
-// Whether a path may end, or go on with members, where this text begins.
+// Returns whether a path may end, or continue with members, where this text begins.
 bool EndsName(std::string_view rest) noexcept {
     return rest.empty() || rest[0] == '(' || rest[0] == '[' || IsSeparator(rest[0]);
 }

@@ -7,22 +7,22 @@
 
 namespace corv::stimulus {
 
-// How the beginning of a path reads as a recorded name.
+// How the beginning of a path matches a recorded name.
 struct NameMatch {
     bool exact;             // in the same case
     std::string_view rest;  // of the path, which selects members
 };
 
-// Compares a path, as somebody wrote it, with the name of a recorded signal or, where it continues
-// one, of a member, ".field" or "(3)". Nothing when it does not begin with that.
+// Compares a path, as a user wrote it, with the name of a recorded signal or, to continue one, of a
+// member (".field" or "(3)"). Returns nullopt if the path does not begin with that name.
 std::optional<NameMatch> MatchRecordedName(std::string_view path, std::string_view name,
                                            bool member) noexcept;
 
-// What stands behind the last separator, without selections of elements.
+// Returns the part after the last separator, without selections of elements.
 std::string_view LastLevel(std::string_view name) noexcept;
 
-// The name for people to read: "." between levels unless it has names in backslashes, no control
-// characters.
+// Returns the name for people to read: with "." between levels unless it has names in backslashes,
+// and without control characters.
 std::string ShownRecordedName(std::string_view name);
 
 }  // namespace corv::stimulus

@@ -15,7 +15,8 @@
 namespace corv::stimulus {
 namespace {
 
-// Calls an action with the index and name of each signal that stands in no other.
+// Calls an action with the index and name of each top-level signal. The library's own readers
+// return names as views, without copying each.
 template <class Action>
 void ForEachSignal(stremo::IEventsStreamRead& reader, Action action) {
     auto* const own = recording::OwnReader(&reader);
@@ -34,7 +35,8 @@ void ForEachSignal(stremo::IEventsStreamRead& reader, Action action) {
     }
 }
 
-// The member that the rest of a path selects, through any number of levels.
+// Returns the member that the rest of a path selects, through any number of levels. An exact match
+// ends the search; other matches are kept in case none is exact.
 ISignal* FindMember(ISignal& signal, std::string_view path) noexcept {
     if (path.empty()) {
         return &signal;
@@ -56,7 +58,8 @@ ISignal* FindMember(ISignal& signal, std::string_view path) noexcept {
     return found;
 }
 
-// A signal whose name a path begins with.
+// A signal with whose name a path begins. Names can contain separators, so several signals of
+// different lengths may qualify; the ranks are in order of preference.
 struct Candidate {
     enum Rank { ExactName, ExactMember, Name, Member } rank;
     int index;
@@ -84,7 +87,7 @@ ISignal* Load(stremo::IEventsStreamRead& reader, int index,
     return loaded ? signal : nullptr;
 }
 
-// What is selected from a scalar is the scalar.
+// A selection from a scalar selects the scalar itself.
 ISignal* FindScalar(ISignal& signal, std::string_view rest) noexcept {
     const bool selects = rest.starts_with('(') || rest.starts_with('.');
     return selects && signal.GetSubSignals() == nullptr ? &signal : nullptr;
@@ -112,6 +115,7 @@ ISignal* FindRecordedSignal(stremo::IEventsStreamRead& reader, const char* name,
     return platform::Guarded<ISignal*>(nullptr, [&]() -> ISignal* {
         const std::string_view path(name != nullptr ? name : "");
         ISignal* const found = Find(reader, path, container);
+        // Simulators write absolute paths with a leading separator, recordings do not have it.
         const bool leading = path.starts_with('.') || path.starts_with('/');
         return found != nullptr || !leading ? found : Find(reader, path.substr(1), container);
     });

@@ -12,20 +12,20 @@
 namespace corv::stimulus {
 
 // Finds a signal of a recording by its name and loads it, with all that is declared together with
-// it, into a new container. The hierarchy separator, "." and "/" are alike between levels, square
-// brackets are round ones. Of several names in different case the one that is written exactly so
-// comes first, and what is declared by a name before an element of another signal. A scalar is
-// found too when a selection follows its name, as FindSignal does. Null, with the container that
-// was made, when there is none and when something fails.
+// it, into a new container. The hierarchy separator, "." and "/" are equivalent between levels, and
+// so are square and round brackets. Of several names that differ in case an exact match comes
+// first, and a signal declared under the name before an element of another one. A scalar is found
+// even if a selection follows its name, as FindSignal does. Returns null, with the container that
+// was made, if there is no such signal or something fails.
 ISignal* FindRecordedSignal(stremo::IEventsStreamRead& reader, const char* name,
                             frame::ComPtr<ISignalContainer>& container) noexcept;
 
-// Loads the scalar of a handle alone. Null as above.
+// Loads only the scalar of a handle. Returns null as above.
 ISignal* LoadRecordedScalar(stremo::IEventsStreamRead& reader, int handle,
                             frame::ComPtr<ISignalContainer>& container) noexcept;
 
-// The names, ready to be shown, of a few signals whose last level is the name's or like it; of the
-// first signal when there are none. `like` tells which of these.
+// Up to three names, ready to be shown, of signals whose last level is that of the name or similar
+// to it (`like` is true), or else the name of the first signal.
 struct SuggestedSignals {
     std::vector<std::string> names;
     bool like = false;

@@ -3,6 +3,8 @@
 #include "platform/guard.h"
 #include "stimulus/formula_text.h"
 
+// One element of a formula. Its time stays as it was written, number and unit, until the formula is
+// written in normal form.
 CSimpleStimulus::CSimpleStimulus() noexcept : time_(0) {}
 
 CSimpleStimulus::~CSimpleStimulus() = default;

@@ -5,6 +5,7 @@
 
 namespace {
 
+// If out of memory, a copy has no events.
 std::unique_ptr<CCustomIterator> CopyOf(const CCustomIterator* custom) noexcept {
     std::unique_ptr<CCustomIterator> copy;
     if (custom != nullptr) {

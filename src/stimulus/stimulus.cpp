@@ -1,3 +1,11 @@
+// Reads and evaluates formulas. A stimulus has a pattern of relative elements, which may repeat,
+// and absolute elements. At any time the element that began last counts; at equal times the
+// absolute one does.
+//
+//
+// Times may come close to the ends of 64 bits, and a start may be negative. Differences of times
+// are therefore computed as unsigned numbers, which cannot overflow, and sums are checked.
+
 #include "corv/stimulus/stimulus.h"
 
 #include <algorithm>
@@ -50,7 +58,7 @@ int CStimulus::Create(const char* formula, std::int64_t start) noexcept {
     return BuildIndex() && read && (custom_ || counter_ || !elements_.empty()) ? 1 : 0;
 }
 
-// Without the memory for it no element stays, since none could be found.
+// Without memory for the index no element stays, since none could be found.
 bool CStimulus::BuildIndex() noexcept {
     if (!elements_.empty() && !corv::platform::Done([this] {
             index_ = std::make_unique<corv::stimulus::ElementIndex>(elements_);
@@ -93,6 +101,7 @@ bool CStimulus::CreateCustom(std::string_view formula, std::int64_t start) {
 }
 
 bool CStimulus::CreateCounter(std::string_view formula, std::int64_t start) {
+    // Counters are read in any case; their texts are stored in lower case.
     CString lower(formula);
     lower.MakeLower();
     auto counter = std::make_unique<CCounterRef>();
@@ -140,7 +149,8 @@ bool CStimulus::SetValue(const FormulaItem& item) {
     return true;
 }
 
-// The pattern starts where its first relative element stands; relative times count from there.
+// The pattern starts at the time of its first relative element, in formula order. The other
+// relative times are stored as distances from there; GenerateFormula adds the offset again.
 void CStimulus::SetOffset() noexcept {
     const auto first = std::find_if(elements_.begin(), elements_.end(),
                                     [](const auto& element) { return element->Absolute() == 0; });
@@ -155,12 +165,13 @@ void CStimulus::SetOffset() noexcept {
     }
 }
 
-// When the pattern starts; nothing when that is past the range of times.
+// Returns when the pattern starts, nullopt if that is past the range of times.
 std::optional<std::int64_t> CStimulus::GetStartTime() const noexcept {
     return corv::util::CheckedAdd(start_time_.GetTime(), pattern_offset_.GetTime());
 }
 
-// A negative period repeats like a positive one of its size.
+// A negative period repeats like a positive one. The negation is done unsigned, since -2^63 has no
+// positive counterpart.
 std::uint64_t CStimulus::Period() const noexcept {
     const std::int64_t period = repeat_period_.GetTime();
     return period < 0 ? 0 - static_cast<std::uint64_t>(period) : static_cast<std::uint64_t>(period);
@@ -177,7 +188,7 @@ int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
     if (elements_.empty() || !pattern_start || time < *pattern_start) {
         return 0;
     }
-    // unsigned, since a negative start may lie further back than 63 bits count
+    // unsigned, since a negative start may be further back than 63 bits can express
     std::uint64_t in_pattern =
         static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(*pattern_start);
     if (const std::uint64_t period = Period(); period != 0) {
@@ -198,7 +209,8 @@ int CStimulus::GetValue(std::int64_t time, CString& value) const noexcept {
     return winner && corv::platform::Done([&] { value = winner->value_; }) ? 1 : 0;
 }
 
-// The first event of the repeated pattern at or after a time that is not before its start.
+// Returns the first event of the repeated pattern at or after a time that is not before its start:
+// the next element in this period or, if there is none, the first of the next period.
 std::optional<std::int64_t> CStimulus::NextRelativeEvent(
     std::int64_t from, std::int64_t pattern_start) const noexcept {
     std::uint64_t in_pattern =
@@ -214,7 +226,7 @@ std::optional<std::int64_t> CStimulus::NextRelativeEvent(
         in_pattern > kMax ? nullptr : index_->Next(static_cast<std::int64_t>(in_pattern), false);
     if (!next && period != 0) {
         next = index_->Next(0, false);
-        periods_before += period;  // may pass 2^64: caught below
+        periods_before += period;  // may exceed 2^64; checked below
         if (periods_before < period) {
             return std::nullopt;
         }

@@ -1,3 +1,5 @@
+// Conversion of whole times between units, saturating instead of overflowing.
+
 #include "corv/stimulus/time_unit.h"
 
 #include "util/saturate.h"

@@ -4,7 +4,7 @@
 
 namespace corv::stimulus {
 
-// The time unit that a misspelt one was most likely meant to be, empty when none is near.
+// Returns the time unit that a misspelt one was most likely meant to be, empty if none is near.
 std::string_view NearestUnit(std::string_view word) noexcept;
 
 }  // namespace corv::stimulus

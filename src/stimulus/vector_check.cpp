@@ -1,3 +1,5 @@
+// Checks one value of a vector: whether it can be split, and whether all of it takes effect.
+
 #include <algorithm>
 #include <string>
 

@@ -22,7 +22,7 @@ std::string ToBits(std::int64_t number, int width) {
     return std::string(bits.View());
 }
 
-// How many bits a number needs, in two's complement when it is written with a sign.
+// Returns how many bits a number needs, in two's complement if it is written with a minus sign.
 int BitsNeeded(std::string_view text, std::int64_t number) noexcept {
     constexpr int kBits = 64;
     if (text.find('-') == std::string_view::npos) {
@@ -47,6 +47,8 @@ std::optional<VectorValue> VectorValue::Read(std::string_view word, VectorShape 
         value.kind_ = Kind::Repeat;
         return value;
     }
+    // A number in any radix first; digits without a mark only as binary, since "10" of width 2 is
+    // two characters.
     const CString text(value.text_);
     std::int64_t number = 0;
     if (c_decConverter().Convert(text, &number) != 0 ||

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-// The values of a vector and the pieces they are cut into, one per element.
+// The values of a vector and the pieces into which they are split, one per element.
 namespace corv::stimulus {
 
 struct VectorShape {
@@ -16,16 +16,17 @@ struct VectorShape {
 
 class VectorValue {
 public:
-    // A value as it stands in a formula. Nothing when it can't be cut: it is empty, or in
-    // characters neither a number nor exactly of the width.
+    // Reads a value of a formula. Returns nullopt if it cannot be split: it is empty or, for
+    // characters, neither a number nor exactly of the width.
     static std::optional<VectorValue> Read(std::string_view word, VectorShape shape);
 
-    // How many bits a number needs that is cut to the width; 0 for any other value.
+    // Returns how many bits a number needs that is cut to the width; 0 for any other value.
     int BitsOfCutNumber() const noexcept { return bits_of_cut_number_; }
-    // How many words there are; 0 for a value that is cut into characters.
+    // Returns the number of words; 0 for a value that is split into characters.
     std::size_t CountWords() const noexcept;
 
-    // Appends the next piece, that of element 0 first; false when the value is used up.
+    // Appends the next piece, beginning with that of element 0. Returns false at the end of the
+    // value.
     bool AppendNext(std::string& out);
 
 private:
@@ -35,7 +36,7 @@ private:
 
     Kind kind_ = Kind::Characters;
     std::string_view text_;            // without the pair around it
-    std::optional<std::string> bits_;  // the digits of a number, instead
+    std::optional<std::string> bits_;  // the digits of a number, used instead of text_
     std::size_t at_ = 0;
     int bits_of_cut_number_ = 0;
 };

@@ -1,3 +1,6 @@
+// The compact notation is converted to an ordinary formula, which is then read like any other:
+// evaluation, normal form and splitting need to know only one form.
+
 #include "stimulus/vesk_formula.h"
 
 #include <algorithm>
@@ -21,7 +24,7 @@ using corv::platform::IsSpace;
 using corv::util::kBaseUnit;
 using corv::util::kNotationUnit;
 
-// The latest time that a formula can be written with.
+// The latest time that can be written in a formula.
 constexpr std::int64_t kMaxTime = 9'200'000'000'000'000'000;
 
 std::string UpperCase(std::string_view text) {
@@ -30,7 +33,7 @@ std::string UpperCase(std::string_view text) {
     return out;
 }
 
-// A time in the largest unit in which it is whole: "10ns".
+// Appends a time in the largest unit in which it is whole: "10ns".
 void AppendTime(std::string& out, std::int64_t time) {
     unsigned unit = kBaseUnit;
     corv::util::ScaleWhole(time, unit);
@@ -45,8 +48,8 @@ std::size_t SkipDigits(std::string_view text, std::size_t at) noexcept {
     return at;
 }
 
-// A duration: a number, of which digits may be missing, in a unit. Finer than a picosecond is cut
-// off, unless the unit itself is finer.
+// Reads a duration: a number, whose digits may be missing, in a unit. Fractions of a picosecond are
+// cut off, unless the unit itself is finer.
 std::optional<TTimeUnit<std::int64_t>> ReadDuration(std::string_view number, int unit) noexcept {
     if (number.empty() || number == ".") {
         return TTimeUnit<std::int64_t>(0, static_cast<std::uint32_t>(unit));
@@ -112,7 +115,7 @@ bool CVeskGroup::CheckMaxRepeat(std::uint32_t maximum) const noexcept {
                        [maximum](const auto& child) { return child->CheckMaxRepeat(maximum); });
 }
 
-// A child that writes nothing still writes its comma.
+// A child that writes nothing still writes its comma, so it counts as an entry.
 std::uint64_t CVeskGroup::CountEntries() const noexcept {
     std::uint64_t entries = 0;
     for (const auto& child : children_) {
@@ -137,7 +140,7 @@ VeskExtent CVeskGroup::Measure() const noexcept {
         once.length = corv::util::SaturatingAdd(once.length, extent.length);
         once.front = &child == &children_.front() ? extent.front : once.front;
     }
-    // a child that writes nothing leaves its comma, the very last of which is taken away
+    // A child that writes nothing leaves its comma; only the very last comma is removed.
     if (once.front == Front::Nothing && (children_.size() > 1 || repeat_count_ > 1)) {
         once.front = Front::Comma;
     }
@@ -156,7 +159,7 @@ void CVeskGroup::ForEachValue(const std::function<void(const CVeskValue&)>& visi
     }
 }
 
-// Reads one text, already in upper case.
+// Reads one text, which is already in upper case.
 class CVeskFormula::Parser {
 public:
     Parser(std::string_view text, CVeskFormula& formula) : text_(text), formula_(formula) {}
@@ -167,7 +170,7 @@ private:
     bool ParseChild(CVeskGroup& group, std::size_t& at, std::size_t end, int depth);
     bool ParseValue(CVeskGroup& group, std::size_t& at, std::size_t end);
     std::unique_ptr<CVeskNode> MakeValue(std::string_view value, std::string_view number, int unit);
-    // Notes a problem; false, the result of what is unreadable.
+    // Records a problem and returns false, which is the result of everything unreadable.
     bool Note(VeskFault fault, std::size_t position, std::size_t length);
 
     std::string_view text_;
@@ -216,7 +219,7 @@ bool CVeskFormula::Parser::ParseChild(CVeskGroup& group, std::size_t& at, std::s
     const std::string_view digits = text_.substr(close + 1, at - close - 1);
     auto child = std::make_unique<CVeskGroup>();
     if (!ParseGroup(*child, open + 1, close, depth + 1)) {
-        // too deep a nesting makes the whole text unreadable, and has been noted
+        // nesting too deeply makes the whole text unreadable, and has been recorded
         return !formula_.too_deep_ && (Note(VeskFault::GroupDropped, open, close + 1 - open), true);
     }
     std::uint32_t count = 0;
@@ -261,7 +264,8 @@ bool CVeskFormula::Parser::ParseValue(CVeskGroup& group, std::size_t& at, std::s
     return true;
 }
 
-// Nothing, with the problem noted, for what can't be read. A unit of -1 means that none is written.
+// Returns null, with the problem recorded, for what cannot be read. A unit of -1 means that none is
+// written.
 std::unique_ptr<CVeskNode> CVeskFormula::Parser::MakeValue(std::string_view value,
                                                            std::string_view number, int unit) {
     const auto position = static_cast<std::size_t>(value.data() - text_.data());

@@ -20,10 +20,10 @@
 //     value    = ( character | "[" hexadecimal "]" ) duration
 //     duration = digits [ "." digits ] [ unit of two letters ]
 //
-// Letters count as upper case; white space stands between items only. A value or group that can't
-// be read is left out; what makes the whole text unreadable is listed in VeskFault.
+// Letters count as upper case; white space is allowed only between items. A value or group that
+// cannot be read is left out; VeskFault lists what makes the whole text unreadable.
 
-// What is wrong at a place of a notation text.
+// What is wrong at one place of a notation text.
 enum class VeskFault {
     UnmatchedParenthesis,  // from here on the text is unreadable
     UnmatchedBracket,
@@ -36,24 +36,24 @@ enum class VeskFault {
     TooLong,
     GroupDropped,
     GroupWithoutCount,
-    NoValue,   // the formula would read the character as a quote or a separator
-    NoLength,  // the value stays, but lasts 0
+    NoValue,   // a formula would read the character as a quote or a separator
+    NoLength,  // the value is kept, but lasts 0
 };
 
-// Whether the fault makes the whole text, or the group it stands in, unreadable.
+// Returns whether the fault makes the whole text, or the group that it is in, unreadable.
 constexpr bool IsFatal(VeskFault fault) noexcept {
     return fault <= VeskFault::NestedTooDeep;
 }
 
 struct VeskProblem {
     VeskFault fault;
-    std::size_t position;  // in the text given to Parse
+    std::size_t position;  // in the text passed to Parse
     std::size_t length;
 };
 
 class CVeskValue;
 
-// What a node takes of the time axis, and how the text that it writes begins.
+// How long a node lasts, and how the text that it writes begins. Calculated without unrolling.
 struct VeskExtent {
     enum class Front { Nothing, Comma, Value };
 
@@ -69,15 +69,15 @@ public:
     CVeskNode& operator=(const CVeskNode&) = delete;
     virtual ~CVeskNode() = default;
 
-    // Appends the node's elements, the first at the running time (picoseconds), and moves that on.
-    // False when a value would start past the range of times.
+    // Appends the node's elements, the first at the running time (in picoseconds), and advances
+    // that time. Returns false if a value would start past the range of times.
     virtual bool WriteFormula(std::string& out, std::int64_t& running_time) const = 0;
-    // Whether no group in it repeats more often.
+    // Returns whether no group in the node repeats more often.
     virtual bool CheckMaxRepeat(std::uint32_t maximum) const noexcept = 0;
-    // How many entries between commas it writes, saturating.
+    // Returns how many entries between commas the node writes, saturating.
     virtual std::uint64_t CountEntries() const noexcept = 0;
     virtual VeskExtent Measure() const noexcept = 0;
-    // Calls back for every value that stands in the text, in its order.
+    // Calls back for every value of the text, in its order, without unrolling.
     virtual void ForEachValue(const std::function<void(const CVeskValue&)>& visit) const = 0;
 };
 
@@ -87,9 +87,9 @@ public:
                std::size_t position) noexcept
         : value_(value), duration_(duration), hexadecimal_(hexadecimal), position_(position) {}
 
-    // The value as the formula is written with it.
+    // Appends the value as the ordinary formula has it.
     void AppendText(std::string& out) const;
-    // Where it stands in the text that was parsed.
+    // Where the value is in the text that was parsed.
     std::size_t Position() const noexcept { return position_; }
 
     bool WriteFormula(std::string& out, std::int64_t& running_time) const override;
@@ -128,31 +128,32 @@ private:
 
 class CVeskFormula {
 public:
-    // A text that unrolls to more entries than this is not converted.
+    // A text that unrolls to more entries than this is not converted (2^24, about 200 MB of
+    // formula).
     static constexpr std::uint64_t kMaxEntries = 16'777'216;
-    // Nor is one that nests more groups than this.
+    // Nor is a text that nests more groups than this; parsing and writing are recursive.
     static constexpr int kMaxDepth = 256;
     static constexpr std::size_t kMaxProblems = 100;
 
-    // Reads a text, null counting as empty. False when it is unreadable.
+    // Reads a text; null counts as empty. Returns false if it is unreadable.
     bool Parse(const char* text) { return Parse(std::string_view(text ? text : "")); }
     bool Parse(std::string_view text);
 
-    // Writes the ordinary formula. False, `out` empty, before the first Parse, for a text without
-    // any item, and for one that unrolls too far or runs past the range of times.
+    // Writes the ordinary formula. Returns false, with `out` empty, before the first Parse, for a
+    // text without any item, and for one that unrolls too far or runs past the range of times.
     bool Convert(CString& out) const;
 
     bool CheckMaxRepeat(std::uint32_t maximum) const noexcept {
         return root_ && root_->CheckMaxRepeat(maximum);
     }
 
-    // Whether Convert's formula ends before the end of times, and whether it begins with a value:
-    // what can be told without writing it.
+    // Return whether Convert's formula stays within the range of times, and whether it begins with
+    // a value, both without writing it.
     bool FitsRange() const noexcept;
     bool StartsWithValue() const noexcept {
         return root_ && root_->Measure().front == VeskExtent::Front::Value;
     }
-    // The time of the last value that starts, in picoseconds; 0 without values.
+    // Returns the time at which the last value starts, in picoseconds; 0 without values.
     std::int64_t LastStart() const noexcept {
         return root_ ? std::max<std::int64_t>(root_->Measure().last_start, 0) : 0;
     }
@@ -162,9 +163,9 @@ public:
         }
     }
 
-    // What the last Parse found, at most kMaxProblems.
+    // Returns the problems that the last Parse found, at most kMaxProblems.
     const std::vector<VeskProblem>& Problems() const noexcept { return problems_; }
-    // Whether the last text holds any item that was read.
+    // Returns whether no item of the last text could be read.
     bool IsEmpty() const noexcept { return !root_ || root_->IsEmpty(); }
     std::uint64_t CountEntries() const noexcept { return root_ ? root_->CountEntries() : 0; }
 

@@ -10,8 +10,9 @@
 namespace corv::recording {
 namespace {
 
-// A block is what a search reads at the most, and the values at its start are what it costs besides
-// its changes: the more channels, the larger the blocks.
+// A search reads at most one block, so blocks should be small; but each has the values of all
+// channels at its start, so with many channels small blocks would be mostly starting values. Two
+// changes per channel balance the two.
 constexpr std::size_t kLeastBlock = 4096;
 constexpr std::size_t kLargestBlock = std::size_t{1} << 22;
 
@@ -43,7 +44,8 @@ BlockBuilder::BlockBuilder(const SignalTable& signals, BlockSink& sink, EventOrd
 
 // ---- collecting ----
 
-// Whether an event of that element can be told with the last change.
+// Returns whether an event of that element can join the last change: it must come after the
+// elements already in it (a lower bit), so that the order of events is kept.
 bool BlockBuilder::Joins(std::uint32_t channel, std::uint32_t bit) const noexcept {
     if (changes_.empty()) {
         return false;
@@ -118,7 +120,7 @@ bool BlockBuilder::Flush() {
 // ---- packing ----
 
 bool BlockBuilder::Pack() {
-    failed_ = true;  // until it has worked: the values would be moved on twice
+    failed_ = true;  // until packing has succeeded; a second attempt would advance the values twice
     SortByChannel();
     CountChanges();
     PackOrder();
@@ -147,7 +149,8 @@ void BlockBuilder::SortByChannel() {
     for (std::uint32_t i = 0; i < changes_.size(); ++i) {
         sorted_[column_ends_[changes_[i].channel]++] = i;
     }
-    // each start has become its column's end
+    // Each start has become the end of its column. This counting sort is linear and stable, and its
+    // result is needed for packing by channel anyway.
 }
 
 bool BlockBuilder::InOrder() const noexcept {
@@ -164,6 +167,8 @@ void BlockBuilder::PackOrder() {
     const unsigned width = NumberWidth(*std::max_element(counts_.begin(), counts_.end()) - 1);
     std::vector<std::uint32_t> begins(counts_.size());
     std::exclusive_scan(counts_.begin(), counts_.end(), begins.begin(), 0U);
+    // Walking the changes by channel, each notes the place that it had among the changes of its
+    // moment.
     std::vector<std::uint32_t> next = begins;
     std::vector<std::uint32_t> places(changes_.size());
     for (const std::uint32_t i : sorted_) {
@@ -187,6 +192,8 @@ void BlockBuilder::CountChanges() {
 }
 
 void BlockBuilder::PackMoments() {
+    // Times are stored as multiples of their greatest common divisor: a clocked design then needs
+    // one byte per moment, whatever its unit of time is.
     std::uint64_t step = 0;
     for (std::size_t i = 1; i < moments_.size(); ++i) {
         step = std::gcd(step, static_cast<std::uint64_t>(moments_[i] - moments_[i - 1]));
@@ -212,7 +219,8 @@ void BlockBuilder::PackMoments() {
     }
 }
 
-// The values at the block's start and the columns, which move them on to the next block's.
+// Packs the values at the block's start and the columns, which turn them into the values at the
+// start of the next block.
 void BlockBuilder::PackChannels() {
     parts_.groups.clear();
     parts_.starting_values.clear();
@@ -247,7 +255,7 @@ void BlockBuilder::PackGroup(std::uint32_t first, std::uint32_t end) {
     group.Number(Checksum(Bytes(parts_.columns).subspan(columns), 0));
 }
 
-// Which channels of a group change.
+// Returns which channels of a group change.
 std::uint64_t BlockBuilder::UsedChannels(std::uint32_t first, std::uint32_t end) const noexcept {
     std::uint64_t used = 0;
     for (std::uint32_t i = first; i < end; ++i) {
@@ -268,8 +276,9 @@ void BlockBuilder::PackColumn(std::uint32_t number, const Channel& channel, Chan
     NoteLatest(number, channel);
 }
 
-// Packs the changes that flip elements which have values, up to the first other one, whose place it
-// gives. What they do to the state is known when all are seen.
+// Packs the changes that only flip elements, up to the first other change, whose place it returns.
+// Room for all of them is made at once and the state is updated at the end from the parity of
+// flips, so that the loop does nothing but write: most changes of a recording pass through here.
 std::uint32_t BlockBuilder::PackFlips(std::uint32_t at, std::uint32_t end, const Channel& channel,
                                       ChannelState& state, std::uint32_t& moment) {
     constexpr std::size_t kMostBytes = 10;  // of a change
@@ -309,6 +318,7 @@ void BlockBuilder::PackChange(const Change& change, const Channel& channel, Chan
 }
 
 void BlockBuilder::NoteLatest(std::uint32_t number, const Channel& channel) noexcept {
+    // Backwards, until each element has been seen once.
     std::uint32_t left = AllElements(channel.count);
     for (std::uint32_t at = column_ends_[number]; at > ColumnBegin(number) && left != 0; --at) {
         const Change& change = changes_[sorted_[at - 1]];

@@ -5,8 +5,8 @@
 namespace corv::recording {
 namespace {
 
-// The first number from 0 for which `holds` is false; it is true for all numbers before. Nothing
-// when a head can't be read.
+// Returns the first block for which `holds` is false; it must be true for all blocks before.
+// Returns nullopt if a head cannot be read.
 template <class Holds>
 std::optional<std::size_t> Bisect(BlockStore& store, Holds holds) {
     std::size_t low = 0;

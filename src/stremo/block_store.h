@@ -6,53 +6,52 @@
 #include <span>
 #include <vector>
 
-// Where the changes of a recording lie: a sequence of blocks in order of time, each of which stands
-// for itself (block_layout.h). Blocks lie in a file or in memory; whoever asks for them does not
-// see where.
+// The changes of a recording: a sequence of blocks in order of time, each of which can be read on
+// its own (block_layout.h). Blocks are in a file or in memory; their users cannot tell.
 namespace corv::recording {
 
 using Bytes = std::span<const unsigned char>;
 
-// What is known of a block without its content. A block has at least one event, and no event before
-// the last one of the block in front of it.
+// What is known of a block without its content. A block has at least one event, and none of its
+// events is before the last event of the previous block.
 struct BlockHead {
     std::int64_t first_time;
     std::int64_t last_time;
     std::uint64_t events;
 };
 
-// Where a BlockBuilder puts its blocks.
+// Receives the blocks of a BlockBuilder.
 class BlockSink {
 public:
     virtual ~BlockSink() = default;
-    // `front` is the length of the block's front. False when the block can't be kept; the reason is
-    // in the stream error then.
+    // `front` is the length of the block's front. Returns false, with the stream error set, if the
+    // block cannot be kept.
     virtual bool Put(const BlockHead& head, Bytes content, std::size_t front) = 0;
 };
 
-// Questions fail when the file is damaged; the stream error then says where.
+// Questions fail if the file is damaged; the stream error then says where.
 class BlockStore {
 public:
     virtual ~BlockStore() = default;
 
     virtual std::size_t Count() const noexcept = 0;
     virtual std::optional<BlockHead> Head(std::size_t block) = 0;
-    // The content, which stays where it is as long as the store lives. The front has been checked
-    // against its checksum, if it comes from a file.
+    // Returns the content, whose address does not change as long as the store lives. The front of a
+    // block from a file has been checked against its checksum.
     virtual std::optional<Bytes> Content(std::size_t block) = 0;
-    // Says that the content of a block is damaged, in the stream error.
+    // Sets the stream error: the content of the block is damaged.
     virtual void Blame(std::size_t block) = 0;
-    // Whether the recording ends behind the last block. False when what stands there is damaged;
-    // BlameEnd says so in the stream error.
+    // Returns whether the recording really ends after the last block; false if what follows is
+    // damaged, which BlameEnd puts into the stream error.
     virtual bool EndsThere() const noexcept { return true; }
     virtual void BlameEnd() {}
-    // All events; those of the blocks that are known, should the file be damaged.
+    // Returns the number of all events; in a damaged file, of those in the known blocks.
     virtual std::uint64_t EventCount() = 0;
 
-    // The first block whose last event is at or after a time, Count() when there is none; nothing
-    // on failure.
+    // Returns the first block whose last event is at or after a time, Count() if there is none, and
+    // nullopt on failure.
     std::optional<std::size_t> FindFrom(std::int64_t time);
-    // The number of blocks whose first event is at or before a time.
+    // Returns the number of blocks whose first event is at or before a time.
     std::optional<std::size_t> CountUpTo(std::int64_t time);
 };
 
@@ -67,7 +66,7 @@ public:
     void Blame(std::size_t block) override;
     std::uint64_t EventCount() override { return events_; }
 
-    // The bytes that the blocks take.
+    // The size of all blocks in bytes.
     std::size_t bytes() const noexcept { return bytes_; }
 
 private:

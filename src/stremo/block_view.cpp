@@ -108,6 +108,8 @@ ByteReader BlockView::StartsOf(const Group& group) const noexcept {
 }
 
 bool BlockView::StartOf(std::uint32_t channel, ChannelState& state) const noexcept {
+    // Starting values have different lengths, so those before it in the group are skipped: at most
+    // 63.
     ByteReader in = StartsOf(GroupOf(channel));
     for (std::uint32_t i = channel - channel % kGroupChannels; i < channel; ++i) {
         if (!SkipStart(in, signals_->channel(i).count)) {
@@ -145,7 +147,7 @@ std::size_t BlockView::ColumnStart(std::uint32_t number) const noexcept {
                : LoadNumber<std::uint32_t>(column_starts_ + std::size_t{4} * number);
 }
 
-// The bytes of neighbouring columns; none when there is no sense in where they are.
+// Returns the bytes of neighbouring columns; none if their starts make no sense.
 Bytes BlockView::Columns(std::uint32_t first, std::uint32_t count) const noexcept {
     if (first > used_ || count > used_ - first) {
         return {};
@@ -198,8 +200,8 @@ bool BlockEvents::ReadMoments(const BlockView& view) {
     return begin == view.changes();
 }
 
-// Puts each change where it belongs. As many as there are places, none of them taken twice: all
-// places are taken in the end.
+// Puts each change in its place. If there are exactly as many changes as places and no place is
+// taken twice, every place is taken in the end: that is all a hostile order has to be checked for.
 bool BlockEvents::ReadColumns(const BlockView& view, const SignalTable& signals) {
     element_values_.clear();
     std::uint32_t left = view.changes();

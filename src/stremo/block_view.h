@@ -12,7 +12,7 @@
 
 namespace corv::recording {
 
-// The number at an index of a list of numbers of 1, 2, 4 or 8 bytes.
+// Returns the number at an index of a list of numbers of 1, 2, 4 or 8 bytes.
 inline std::uint64_t LoadWidth(const unsigned char* numbers, unsigned width,
                                std::size_t index) noexcept {
     switch (width) {
@@ -27,49 +27,49 @@ inline std::uint64_t LoadWidth(const unsigned char* numbers, unsigned width,
     }
 }
 
-// The changes of a moment are in the order of their channels. Where they were not, each has a
-// place, counted within its moment; the list of places is ordered by moment and channel.
+// The original order of changes. Columns have the changes of a moment in the order of their
+// channels; if that was not their order, each has a place, counted within its moment. The list of
+// places is ordered by moment and channel.
 struct BlockOrder {
     const unsigned char* places = nullptr;
     unsigned width = 0;  // of a place; 0: there are none
 };
 
-// The content of a block, read where it lies. Whatever the bytes are, questions stay inside them;
-// those that find no sense fail.
+// The content of a block, read in place. Whatever the bytes are, questions never read outside them;
+// questions that find nonsense fail.
 class BlockView {
 public:
-    // Nothing when the parts don't fit the content or the recording. The content and the table must
-    // outlive the view.
+    // Returns nullopt if the parts do not fit the content or the recording. The content and the
+    // table must outlive the view.
     static std::optional<BlockView> Open(Bytes content, const BlockHead& head,
                                          const SignalTable& signals) noexcept;
 
     // The moments of the block: their number, the time of one, and the first one at or after a time
-    // (the number of moments when there is none).
+    // (the number of moments if there is none).
     std::uint32_t moments() const noexcept { return moments_; }
     std::int64_t MomentTime(std::uint32_t moment) const noexcept {
         return static_cast<std::int64_t>(first_time_ + StepsTo(moment) * step_);
     }
     std::uint32_t FindMoment(std::int64_t time) const noexcept;
 
-    // The changes in the block, and at a moment.
+    // The number of changes in the block, and at a moment.
     std::uint32_t changes() const noexcept { return changes_; }
     std::uint64_t ChangesAt(std::uint32_t moment) const noexcept {
         return count_width_ == 0 ? 1 : LoadWidth(moment_counts_, count_width_, moment);
     }
-    // Nothing when it is damaged.
+    // Returns nullopt if it is damaged.
     std::optional<BlockOrder> Order() const noexcept;
 
     bool Changes(std::uint32_t channel) const noexcept {
         return (GroupOf(channel).used >> (channel % kGroupChannels) & 1) != 0;
     }
-    // The values of a channel at the block's start.
+    // Stores the values of a channel at the block's start.
     bool StartOf(std::uint32_t channel, ChannelState& state) const noexcept;
-    // The changes of a channel, to be read with ReadColumn; no bytes when there are none.
+    // Returns the changes of a channel, to be read with ReadColumn; no bytes if there are none.
     ByteReader ColumnOf(std::uint32_t channel) const noexcept;
 
-    // A walk over all channels in order costs less than the questions one by one. Calls
-    // `action(channel, state, column)` for each channel that changes; an action that gives false,
-    // and senseless content, end it with false.
+    // Calls `action(channel, state, column)` for each channel that changes, in order, which costs
+    // less than asking one by one. Returns false if `action` does or if the content is malformed.
     template <class Action>
     bool ForChangingChannels(Action action) const;
 
@@ -114,7 +114,8 @@ private:
     unsigned count_width_ = 0;
 };
 
-// The view of a block of a recording; nothing, with the stream error set, when it can't be read.
+// Returns the view of a block of a recording; nullopt, with the stream error set, if it cannot be
+// read.
 std::optional<BlockView> OpenBlock(BlockStore& blocks, std::size_t number,
                                    const SignalTable& signals);
 
@@ -149,10 +150,10 @@ public:
     struct Change {
         std::uint32_t channel;
         std::uint32_t mask;
-        std::uint64_t value;  // of a scalar; of a vector the place of the first element's value
+        std::uint64_t value;  // of a scalar; for a vector, the place of the first element's value
     };
 
-    // Reads a block; false, with the object empty, when its content makes no sense. Throws
+    // Reads a block. Returns false, with the object empty, if the content is malformed. Throws
     // std::bad_alloc.
     bool Read(const BlockView& view, const SignalTable& signals);
     void Clear() noexcept { changes_.clear(); }
@@ -162,7 +163,7 @@ public:
     std::uint64_t ElementValue(std::uint64_t place) const noexcept {
         return element_values_[static_cast<std::size_t>(place)];
     }
-    // The changes of a moment: their beginning, which is the end of the moment before.
+    // Where the changes of a moment begin, which is where those of the previous moment end.
     std::uint32_t Begin(std::uint32_t moment) const noexcept { return begins_[moment]; }
     std::int64_t Time(std::uint32_t moment) const noexcept { return times_[moment]; }
 
@@ -173,7 +174,7 @@ private:
     std::vector<Change> changes_;
     std::vector<std::uint64_t> element_values_;
     std::vector<std::uint32_t> begins_;  // by moment, and the end
-    std::vector<std::uint32_t> next_;    // by moment: where the next change of the columns belongs
+    std::vector<std::uint32_t> next_;    // by moment: where the next change from the columns goes
     std::vector<std::int64_t> times_;    // by moment
 };
 

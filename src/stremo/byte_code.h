@@ -10,9 +10,9 @@
 
 #include "platform/files.h"
 
-// Numbers in the bytes of recordings: little-endian ones of fixed width, and those of variable
-// length: seven bits to a byte, the low ones first, the highest bit set in all bytes but the last
-// (300 is AC 02). Signed ones are folded first: 0, -1, 1, -2 are 0, 1, 2, 3.
+// Numbers in the bytes of recordings: little-endian numbers of fixed width, and numbers of variable
+// length with seven bits per byte, the low ones first, and the highest bit set in all bytes but the
+// last (300 is AC 02). Signed numbers are folded first: 0, -1, 1, -2 become 0, 1, 2, 3.
 namespace corv::recording {
 
 using platform::Bytes;
@@ -44,7 +44,7 @@ inline void StoreNumber(unsigned char* bytes, T value) noexcept {
     }
 }
 
-// A value as readers deliver it: 16 bytes, those behind the number zero.
+// Stores a value as readers deliver it: 16 bytes, those after the number zero.
 inline void StoreValue(void* buffer, std::uint64_t value) noexcept {
     auto* const bytes = static_cast<unsigned char*>(buffer);
     StoreNumber(bytes, value);
@@ -58,12 +58,12 @@ constexpr std::int64_t Unfold(std::uint64_t folded) noexcept {
     return static_cast<std::int64_t>((folded >> 1) ^ (0 - (folded & 1)));
 }
 
-// The bytes that a number of variable length takes, 1 to 10.
+// Returns the number of bytes of a number of variable length, 1 to 10.
 constexpr std::size_t VariableLength(std::uint64_t value) noexcept {
     return (static_cast<std::size_t>(std::bit_width(value | 1)) + 6) / 7;
 }
 
-// Writes a variable number where there is room for it (10 bytes at the most); gives its end.
+// Writes a number of variable length, which takes at most 10 bytes, and returns its end.
 inline unsigned char* StoreVariable(unsigned char* to, std::uint64_t value) noexcept {
     for (; value >= 0x80; value >>= 7) {
         *to++ = static_cast<unsigned char>(value | 0x80);
@@ -101,14 +101,15 @@ private:
     std::vector<unsigned char>& bytes_;
 };
 
-// Reads from bytes that may hold anything: past the end every number is 0 and ok() false.
+// Reads from bytes that may contain anything: past the end every number is 0 and ok() is false, so
+// callers check once after reading several numbers.
 class ByteReader {
 public:
     ByteReader() noexcept = default;
     explicit ByteReader(Bytes bytes) noexcept
         : at_(bytes.data()), end_(bytes.data() + bytes.size()) {}
 
-    // One that holds no bytes and is not ok.
+    // Returns a reader without bytes that is not ok.
     static ByteReader Failed() noexcept {
         ByteReader reader;
         reader.ok_ = false;
@@ -134,7 +135,7 @@ public:
     }
     std::uint64_t Variable() noexcept {
         if (left() >= 2) [[likely]] {
-            // one byte or two, without a branch: which it is can't be foreseen
+            // One byte or two without a branch, since the processor cannot predict which it is.
             const std::uint32_t bytes = LoadNumber<std::uint16_t>(at_);
             const std::uint32_t more = bytes >> 7 & 1;
             if ((more & bytes >> 15) == 0) [[likely]] {
@@ -144,7 +145,7 @@ public:
         }
         return LongVariable();
     }
-    // A part of the bytes; null when so many are not there.
+    // Takes a part of the bytes; returns null if there are fewer.
     const unsigned char* Take(std::size_t count) noexcept {
         if (count > left()) {
             Fail();
@@ -159,7 +160,7 @@ public:
         return text != nullptr ? std::string_view(reinterpret_cast<const char*>(text), length)
                                : std::string_view();
     }
-    // For a reader that finds the numbers senseless.
+    // For callers that find the numbers meaningless.
     void Fail() noexcept {
         ok_ = false;
         at_ = end_;

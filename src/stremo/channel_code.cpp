@@ -1,3 +1,7 @@
+// Values are coded in whichever of a few forms is shortest. The forms are chosen for what
+// recordings mostly contain: bits that toggle, vectors of '0' and '1', and numbers that change by
+// little.
+
 #include "stremo/channel_code.h"
 
 #include <algorithm>
@@ -24,7 +28,7 @@ void WriteValue(ByteWriter& out, bool known, std::uint64_t value) {
     }
 }
 
-// Whether the values differ in the lowest bit at most.
+// Returns whether all elements have values that differ at most in the lowest bit.
 bool IsTwoValued(const ChannelState& state, unsigned count) noexcept {
     return state.known == AllElements(count) && state.values[0] <= 0xFF &&
            std::all_of(state.values, state.values + count,
@@ -102,10 +106,10 @@ void WriteScalarChange(ByteWriter& out, ChannelState& state, std::uint64_t first
     state.values[0] = value;
 }
 
-// What a change does to the elements of a vector.
+// What a change does to the elements of a vector; decides in which form it is written.
 struct Effect {
-    bool all_flip = true;    // each of them has a value, of which the lowest bit flips
-    bool all_change = true;  // none of them keeps its value
+    bool all_flip = true;    // each has a value whose lowest bit flips
+    bool all_change = true;  // none keeps its value
     std::size_t list_length;
 };
 
@@ -147,7 +151,7 @@ std::uint32_t ReadMask(ByteReader& in, unsigned count) noexcept {
     return mask <= AllElements(count) ? static_cast<std::uint32_t>(mask) : 0;
 }
 
-// Those that the nibbles change.
+// Returns the elements that the nibbles change. An element cannot lose its value.
 std::uint32_t ReadDense(ByteReader& in, ChannelState& state, unsigned count) noexcept {
     const unsigned char* const bytes = in.Take(NibbleBytes(count));
     std::uint32_t mask = 0;

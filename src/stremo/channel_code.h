@@ -9,12 +9,12 @@
 namespace corv::recording {
 
 inline void WriteStart(ByteWriter& out, const ChannelState& state, unsigned count);
-// False when the bytes make no sense.
+// Returns false if the bytes are malformed.
 inline bool ReadStart(ByteReader& in, ChannelState& state, unsigned count) noexcept;
 bool SkipStart(ByteReader& in, unsigned count) noexcept;
 
-// A change that comes `moments` moments after the one before it in the column: the elements of the
-// mask take the values, in their order. The state is moved on.
+// Writes a change that comes `moments` moments after the previous one in the column: the elements
+// of the mask take the values, in their order. Updates the state.
 void WriteChange(ByteWriter& out, ChannelState& state, unsigned count, std::uint32_t moments,
                  std::uint32_t mask, const std::uint64_t* values);
 
@@ -56,8 +56,8 @@ inline void detail::ReadStartValue(ByteReader& in, ChannelState& state, unsigned
     }
 }
 
-// Reads a change of the kind and moves the state on; gives the elements that have an event, 0 when
-// the bytes make no sense.
+// Reads a change of the kind, updates the state and returns the elements that have an event; 0 if
+// the bytes are malformed.
 inline std::uint32_t ReadChange(ByteReader& in, ChannelState& state, unsigned count,
                                 unsigned kind) noexcept {
     if (count != 1) {
@@ -76,9 +76,10 @@ inline std::uint32_t ReadChange(ByteReader& in, ChannelState& state, unsigned co
     return in.ok() && kind <= kRaw ? 1 : 0;
 }
 
-// Reads the changes of a column, moves the state on and calls `action(moment, mask)` after each. It
-// ends in front of the first change at the moment `end` or later; false when there is one in a
-// column that is read whole, when the bytes make no sense and when the action gives false.
+// Reads the changes of a column, updates the state and calls `action(moment, mask)` after each. It
+// stops before the first change at the moment `end` or later. Returns false if there is such a
+// change in a column that is read as a whole, if the bytes are malformed, and if the action returns
+// false.
 template <class Action>
 bool ReadColumn(ByteReader column, ChannelState& state, unsigned count, std::uint32_t end,
                 bool whole, Action action) {

@@ -10,6 +10,9 @@
 namespace corv::recording {
 namespace {
 
+// Four chains do not depend on each other, which hides the latency of the multiplications. The
+// factor is 2^64 divided by the golden ratio, an odd number with well-mixed bits; the rotation
+// brings its high bits, which depend on all others, back to the low end.
 constexpr std::size_t kChains = 4;
 constexpr std::size_t kStride = kChains * sizeof(std::uint64_t);
 constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;

@@ -16,7 +16,8 @@ constexpr Format kFormats[] = {
     {kVcdName, IsVcd, OpenVcd},
 };
 
-// Whether a file begins as FST files do: with a header of 329 bytes, or with all of it packed.
+// Returns whether a file begins like an FST file: with a header of 329 bytes, or with the whole
+// file packed. FST is not read; recognising it lets the message say what to do.
 bool IsFst(platform::Bytes bytes) noexcept {
     constexpr unsigned char kHeader[] = {0, 0, 0, 0, 0, 0, 0, 1, 0x49};
     constexpr std::size_t kPacked = 17;  // where the packed part begins

@@ -80,6 +80,8 @@ std::int64_t LeafCursor::SearchFrom(std::size_t block, std::int64_t time) {
             return -1;
         }
         if (!events_.empty() && events_.back().time > time) {
+            // Blocks were skipped: their times are known to have no event of the leaf either, but
+            // only from this question on.
             next_from_ = block == first ? next_from_ : time;
             return events_[CountUpTo(time)].time;
         }
@@ -92,7 +94,7 @@ std::int64_t LeafCursor::SearchFrom(std::size_t block, std::int64_t time) {
     return -1;
 }
 
-// The block that tells the value at a time: the last one that begins at or before it.
+// Loads the block that has the value at a time: the last one that begins at or before it.
 bool LeafCursor::LoadAround(std::int64_t time) {
     const std::optional<std::size_t> count = blocks_.CountUpTo(time);
     if (!count || (*count > 0 && !Load(*count - 1))) {
@@ -123,7 +125,7 @@ bool LeafCursor::Load(std::size_t block) {
     return true;
 }
 
-// The times for which the block has the answers.
+// Sets the times for which the block has the answers.
 bool LeafCursor::LoadSpan(std::size_t block) {
     const std::optional<BlockHead> head = blocks_.Head(block);
     const std::optional<BlockHead> before = block > 0 ? blocks_.Head(block - 1) : head;
@@ -158,7 +160,8 @@ bool LeafCursor::ReadEvents(const BlockView& view) {
     return ReadColumn(view.ColumnOf(number_), state, count_, view.moments(), true, add);
 }
 
-// The number of events at or before a time. Times that rise are found where the last one was.
+// Returns the number of events at or before a time. For rising times the answer is that of the last
+// question or the next one, so these are tried before the bisection.
 std::size_t LeafCursor::CountUpTo(std::int64_t time) noexcept {
     const auto is_answer = [&](std::size_t count) {
         return count <= events_.size() && (count == 0 || events_[count - 1].time <= time) &&

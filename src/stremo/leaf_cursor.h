@@ -11,9 +11,9 @@
 
 namespace corv::recording {
 
-// The cursor over blocks. It keeps the events that its leaf has in one block; the next question
-// goes to another block when these don't hold the answer. A block in which the leaf's channel does
-// not change is passed by at the look of one bit.
+// The cursor over blocks. It keeps the events that its leaf has in one block; only a question that
+// these cannot answer goes to another block. A block in which the leaf's channel does not change is
+// skipped after a look at one bit.
 class LeafCursor final : public SignalCursor {
 public:
     LeafCursor(std::shared_ptr<BlockStore> blocks, const SignalTable& signals,
@@ -44,14 +44,18 @@ private:
     const unsigned count_;
     const unsigned element_;
 
-    // the block that was read: its events of the leaf, and the value before them
+    // from the block that was read: the events of the leaf, and the value before them
     bool loaded_ = false;
     std::vector<Event> events_;
     std::optional<std::uint64_t> before_;
     std::size_t hint_ = 0;  // the last answer of CountUpTo
 
-    // These are the answers for values at times from_ to until_, and for next events after times
-    // from next_from_ on, as long as one of the events is later. No event is after nothing_from_.
+    // For which times these events are the answer, so that a walk need not search for its block
+    // again. Values are known for times from_ to until_: up to the next block, in which the value
+    // may change. The next event is known for times from next_from_ on, as long as one of the
+    // events is later: next_from_ may be before from_, since blocks without the leaf were skipped.
+    // No event is after nothing_from_, so that a replay that has ended does not search the rest of
+    // the file again and again.
     std::int64_t from_ = 0;
     std::int64_t until_ = 0;
     std::int64_t next_from_ = 0;

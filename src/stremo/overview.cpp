@@ -9,14 +9,16 @@
 namespace corv::recording {
 namespace {
 
-// The events of one leaf on their way. Of several at one time the last counts, so an event waits
-// until a later one comes.
+// Thins out the events of one leaf. Of several events at one time the last counts, so an event
+// waits until a later one comes. Of the changes in a column the first two are passed on at once and
+// the last one when the column ends: enough for a picture to decide between nothing, an edge and a
+// dense band, and to know the value at the column's end.
 class ThinLeaf {
 public:
     ThinLeaf(int handle, std::span<const std::int64_t> borders)
         : handle_(handle), borders_(borders) {}
 
-    // The value before the first event.
+    // Sets the value before the first event.
     void Begin(std::uint64_t value) {
         if (time_ < 0) {
             known_ = true;
@@ -24,7 +26,7 @@ public:
         }
     }
 
-    // False for a time before the one given last.
+    // Returns false for a time before the last one, which only a damaged file has.
     bool Add(std::int64_t time, std::uint64_t value, IStreamOverview& overview) {
         if (time != time_) {
             if (time < time_) {
@@ -86,12 +88,12 @@ private:
     std::span<const std::int64_t> borders_;
     bool known_ = false;
     int told_ = 0;             // changes in the column
-    std::uint64_t value_ = 0;  // up to the event that waits
+    std::uint64_t value_ = 0;  // before the event that waits
     std::uint64_t next_ = 0;   // its value
     std::uint64_t shown_ = 0;  // of the latest change in the column
     std::int64_t time_ = -1;   // of the event that waits
     std::int64_t column_end_ = -1;
-    std::int64_t last_ = -1;  // of a change in the column that has not been told
+    std::int64_t last_ = -1;  // of a change in the column that has not been passed on
 };
 
 class Overview {
@@ -141,7 +143,8 @@ private:
         return true;
     }
 
-    // Where few of many channels are asked for, they are looked up; else all are walked through.
+    // If few of many channels are wanted, they are looked up; otherwise walking through all is
+    // faster.
     bool ReadBlock(const BlockView& view) {
         if (channels_.size() < signals_.channel_count() / kGroupChannels) {
             return std::all_of(channels_.begin(), channels_.end(), [&](std::uint32_t channel) {
@@ -186,9 +189,9 @@ private:
     const SignalTable& signals_;
     std::span<const std::int64_t> borders_;
     IStreamOverview& overview_;
-    std::vector<std::uint32_t> places_;  // by leaf: among `leaves_`, kNone for the others
+    std::vector<std::uint32_t> places_;  // by leaf: index into leaves_, kNone for the others
     std::vector<ThinLeaf> leaves_;
-    std::vector<std::uint32_t> channels_;  // with leaves that are asked for, in order
+    std::vector<std::uint32_t> channels_;  // those with wanted leaves, in order
 };
 
 }  // namespace

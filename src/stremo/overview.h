@@ -9,9 +9,9 @@
 
 namespace corv::recording {
 
-// The work of ReadStreamOverview on blocks: reads each block once, channel by channel, without
-// putting its events in order. False when they can't be read, with the stream error set. Throws
-// std::bad_alloc.
+// Does the work of ReadStreamOverview on blocks: reads each block once, channel by channel, without
+// putting its events in order. Returns false, with the stream error set, if they cannot be read.
+// Throws std::bad_alloc.
 bool ReadOverview(BlockStore& blocks, const SignalTable& signals, std::span<const int> handles,
                   std::span<const std::int64_t> borders, IStreamOverview& overview);
 

@@ -4,10 +4,10 @@
 
 namespace corv::recording {
 
-// Tells the host's function, if there is one, how much of a file has been read through.
+// Reports to the host's function, if there is one, how much of a file has been read.
 void TellProgress(std::uint64_t done, std::uint64_t all) noexcept;
 
-// Forgets the host's function, for the library's end.
+// Forgets the host's function when the library is detached.
 void ResetProgress() noexcept;
 
 }  // namespace corv::recording

@@ -52,7 +52,7 @@ public:
     const char* Note(int index) noexcept override;
 
 private:
-    // A place between events: in front of the first event of a moment.
+    // A place between events: before the first event of a moment.
     struct Place {
         std::size_t block = 0;
         std::uint32_t moment = 0;
@@ -75,26 +75,26 @@ private:
     Recording* const recording_;
     const SignalTable& signals_;
     Leaves interest_;
-    std::shared_ptr<BlockStore> blocks_;  // once they have been asked for
-    bool other_interest_ = false;         // than when they were
-    // The signal whose handle was given last: a handle may stand for several names.
+    std::shared_ptr<BlockStore> blocks_;  // null until they are needed
+    bool other_interest_ = false;         // the interest has changed since then
+    // The signal whose handle was returned last: a handle may belong to several names.
     std::uint32_t given_ = kNone;
 
     // reading on
     std::int64_t current_time_ = -1;
-    Place next_;           // where the events go on when none are loaded
-    bool loaded_ = false;  // whether they are the events of next_.block
+    Place next_;           // where the events continue if none are loaded
+    bool loaded_ = false;  // events_ are those of next_.block
     BlockEvents events_;
-    std::uint32_t change_ = 0;      // the next one of the events
+    std::uint32_t change_ = 0;      // the next one in events_
     std::uint32_t moment_end_ = 0;  // the first one of the next moment
     std::uint32_t moment_ = 0;
     std::uint32_t mask_ = 0;    // the elements of the present change that are still to come
     Channel channel_{0, 1};     // of that change
-    std::uint64_t values_ = 0;  // its value; of a vector the place of the next element's
+    std::uint64_t values_ = 0;  // its value; for a vector, the place of the next element's value
     std::uint64_t value_ = 0;   // of the present event
     bool has_value_ = false;
 
-    // the place of the last Seek, and the values of the channel that was asked for there last
+    // the place of the last Seek, and the values of the channel that was last asked for there
     Place cached_;
     std::uint32_t state_channel_ = kNone;
     ChannelState state_;
@@ -115,7 +115,7 @@ int RecordingReader::GetSubSignalHandle(int parent, int index) {
     return signal == kNone ? -1 : HandleAt(signals_.Members(signal), index);
 }
 
-// The signal that a question about a handle means.
+// Returns the signal that a question about a handle means.
 std::uint32_t RecordingReader::Named(int handle) const noexcept {
     return given_ != kNone && signals_[given_].handle == handle ? given_ : signals_.Find(handle);
 }
@@ -143,7 +143,7 @@ const char* RecordingReader::GetTypeString(int handle) {
     return signal == kNone ? nullptr : signals_[signal].type;
 }
 
-// Of a composite, the latest of its members'.
+// The latest time of a composite is that of its members.
 std::int64_t RecordingReader::LatestTime(std::uint32_t signal) {
     std::int64_t latest = signals_[signal].latest;
     if (recording_->KnowsLatestTimes()) {
@@ -195,7 +195,8 @@ bool RecordingReader::ReadOverview(std::span<const int> handles,
            });
 }
 
-// A place belongs to the blocks in which it was found, so others are taken only here.
+// A position is an index into the blocks in which it was found, so a new interest, which brings
+// other blocks, takes effect only here.
 bool RecordingReader::Seek(const std::int64_t* time) {
     if (other_interest_) {
         blocks_ = nullptr;
@@ -250,7 +251,8 @@ bool RecordingReader::GoTo(const Place& place, std::int64_t time) {
 
 // ---- values and events ----
 
-// Moves state_ to the values of a channel at the place of the last Seek.
+// Sets state_ to the values of a channel at the place of the last Seek. After the last block they
+// are the values at the end of that block.
 bool RecordingReader::LoadState(std::uint32_t channel) {
     state_channel_ = kNone;
     const bool behind = cached_.block >= blocks_->Count();
@@ -341,7 +343,7 @@ bool RecordingReader::LoadEvents() {
     return true;
 }
 
-// Makes the first change of a moment of the loaded block the next one.
+// Makes the first change of a moment in the loaded block the next one.
 void RecordingReader::StartAt(std::uint32_t moment) noexcept {
     change_ = moment_end_ = events_.Begin(moment);
     moment_ = moment - 1;
@@ -354,7 +356,7 @@ bool RecordingReader::ReadValue(void* value) {
     return has_value_ && value != nullptr;
 }
 
-// ---- of our own ----
+// ---- operations of SignalReader ----
 
 std::unique_ptr<SignalReader> RecordingReader::Share() noexcept {
     return platform::Guarded<std::unique_ptr<SignalReader>>(

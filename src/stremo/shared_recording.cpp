@@ -10,8 +10,8 @@
 namespace corv::recording {
 namespace {
 
-// The next one takes everything: whoever asks for one signal after the other shall not have the
-// file read for each.
+// After two partial readings the next one reads everything: a user who looks at one signal after
+// another should not have the file read for each.
 constexpr int kPartialReadings = 2;
 
 Leaves Union(const Leaves& a, const Leaves& b) {

@@ -9,12 +9,11 @@
 
 namespace corv::recording {
 
-// Numbers of leaves in rising order, each once. Where they tell what is of interest, none stands
-// for all.
+// Numbers of leaves in rising order, without duplicates. As an interest, an empty list means all.
 using Leaves = std::vector<std::uint32_t>;
 
 // What the readers of one recording share: the recording, and its changes as far as they have been
-// asked for.
+// needed.
 class SharedRecording {
 public:
     explicit SharedRecording(std::unique_ptr<Recording> recording) noexcept
@@ -22,12 +21,13 @@ public:
 
     Recording& recording() const noexcept { return *recording_; }
 
-    // Tells leaves that some reader is going to ask for, so that one reading serves all readers.
-    // Without memory (std::bad_alloc) nothing is told.
+    // Announces leaves that some reader is going to need, so that reading the file once serves all
+    // readers. Throws std::bad_alloc, with nothing announced.
     void Announce(const Leaves& leaves);
 
-    // Changes that hold those of the leaves. What was read before is given up when leaves are
-    // missing there; who holds it keeps it. Null on failure, with the stream error set.
+    // Returns changes that include those of the leaves. If leaves are missing from what was read
+    // before, the file is read anew; users of the old blocks keep them. Returns null, with the
+    // stream error set, on failure.
     std::shared_ptr<BlockStore> Blocks(const Leaves& leaves) noexcept;
 
 private:
@@ -37,7 +37,7 @@ private:
     const std::unique_ptr<Recording> recording_;
     Leaves announced_;
     std::shared_ptr<BlockStore> blocks_;
-    Leaves held_;  // by blocks_
+    Leaves held_;  // the leaves in blocks_
     int readings_ = 0;
 };
 

@@ -11,6 +11,8 @@ namespace corv::recording {
 // ---- handles ----
 
 void HandleIndex::Insert(int handle, std::uint32_t number) {
+    // The vector may be at most eight times as large as the number of handles, so that a few huge
+    // handles cannot make it allocate gigabytes.
     constexpr std::size_t kNear = 65'536;
     if (Find(handle) != kNone) {
         return;
@@ -79,7 +81,8 @@ std::uint32_t SignalTable::Add(const Signal& signal) {
     return number;
 }
 
-// Finds the parent of the signal that was added last: the innermost composite that misses members.
+// Finds the parent of the signal that was added last: the innermost composite that still lacks
+// members.
 void SignalTable::Place(std::uint32_t number) {
     Signal& signal = signals_[number];
     signal.parent = kNone;
@@ -165,7 +168,8 @@ void SignalTable::MakeLeaf(std::uint32_t number) {
     leaf_channels_.push_back(channel_count() - 1);
 }
 
-// Whether the signal before a scalar is its neighbour and was the last one to get a leaf.
+// Returns whether the signal before a scalar is its sibling and was the last one to receive a leaf:
+// only then are their leaves consecutive.
 bool SignalTable::Joins(std::uint32_t number) const noexcept {
     if (number == 0 || signals_[number].parent == kNone || channels_.empty()) {
         return false;
@@ -193,7 +197,7 @@ std::uint32_t SignalTable::Find(int handle) const noexcept {
 const char* SignalTable::FindProperty(std::uint32_t signal, std::string_view key) const noexcept {
     const auto begin = std::lower_bound(properties_.begin(), properties_.end(), signal,
                                         [](const Property& p, auto s) { return p.signal < s; });
-    const char* value = nullptr;  // the one written last
+    const char* value = nullptr;  // the last one written
     for (auto at = begin; at != properties_.end() && at->signal == signal; ++at) {
         value = platform::EqualNoCase(at->key, key) ? at->value : value;
     }

@@ -8,27 +8,27 @@
 #include <unordered_map>
 #include <vector>
 
-// The signals of a recording: their tree, and the way from a handle to where the changes are held.
+// The signals of a recording: their tree, and the way from a handle to where its changes are.
 //
 // Three numberings, each from 0 without gaps:
 //
 //     signal    a place in the tree, depth first: composites and scalars
 //     leaf      a scalar value that changes. Scalars that share a handle (names of one net) share
 //               the leaf
-//     channel   what changes are held by: one leaf, or up to 32 neighbouring leaves, the elements
-//               of a vector, whose common change is held once. The leaves of a channel are numbered
-//               one after the other; a wide vector takes several channels
+//     channel   what changes are grouped by: one leaf, or up to 32 neighbouring leaves, the
+//               elements of a vector, whose common change is stored once. The leaves of a channel
+//               have consecutive numbers; a wide vector takes several channels
 //
-// Handles are numbers from 0 that the host knows a signal by.
+// Handles are numbers from 0 by which the host knows a signal.
 namespace corv::recording {
 
 inline constexpr std::uint32_t kNone = 0xFFFFFFFF;
 inline constexpr unsigned kMostElements = 32;
-// Of composites within each other: what a loader that calls itself can stand.
+// The maximum nesting of composites, since loaders are recursive.
 inline constexpr std::size_t kMostLevels = 256;
 
-// An element within its channel is one bit of a mask: the last element is bit 0, so that the masks
-// of a vector read as the number that the vector shows.
+// An element within its channel is one bit of a mask. The last element is bit 0, so that the mask
+// of a vector reads as the number that the vector shows.
 constexpr std::uint32_t ElementBit(unsigned element, unsigned count) noexcept {
     return std::uint32_t{1} << (count - 1 - element);
 }
@@ -48,8 +48,8 @@ inline void ForElements(std::uint32_t mask, unsigned count, Action action) {
 
 struct Signal {
     std::string_view name;
-    const char* type = "";     // the type-description string; empty: not recorded
-    std::int64_t latest = -1;  // the latest time that is known
+    const char* type = "";     // the type-description string; empty if not recorded
+    std::int64_t latest = -1;  // the latest known time
     std::int32_t handle = -1;
     std::int32_t mode = 0;
     std::uint32_t parent = kNone;
@@ -71,13 +71,13 @@ struct Property {
     const char* value;
 };
 
-// From a handle to the number that was inserted with it first, of a signal or a leaf. Handles are
-// mostly small numbers without large gaps; the others stand in a map.
+// Maps a handle to the number of a signal or leaf that was inserted with it first. Handles are
+// mostly small numbers without large gaps, for which a vector is fastest; the others are in a map.
 class HandleIndex {
 public:
-    // Nothing happens when the handle is there already.
+    // Does nothing if the handle is already there.
     void Insert(int handle, std::uint32_t number);
-    // kNone when it is not there.
+    // Returns kNone if it is not there.
     std::uint32_t Find(int handle) const noexcept {
         const auto place = static_cast<std::size_t>(handle);
         return place < near_.size() && near_[place] != kNone ? near_[place] : FindFar(handle);
@@ -93,7 +93,8 @@ private:
     int greatest_ = -1;
 };
 
-// Texts that end with a zero and stay where they are.
+// Zero-terminated texts whose addresses do not change. Blocks of memory for many texts are much
+// cheaper than one allocation for each name.
 class TextPool {
 public:
     std::string_view Keep(std::string_view text);
@@ -107,7 +108,8 @@ private:
     std::unordered_map<std::string_view, const char*> shared_;
 };
 
-// Made in two steps: all signals in depth-first order, then Finish.
+// The table is made in two steps: first all signals are added in depth-first order, then Finish is
+// called.
 class SignalTable {
 public:
     SignalTable() = default;
@@ -117,31 +119,31 @@ public:
 
     // ---- making. Texts must live as long as the table; Keep makes them do.
 
-    // A copy of a text that ends with a zero and lives as long as the table. Equal texts that were
-    // kept with KeepShared (types) are one.
+    // Return a zero-terminated copy of a text that lives as long as the table. KeepShared keeps
+    // equal texts (types) once.
     std::string_view Keep(std::string_view text) { return texts_.Keep(text); }
     const char* KeepShared(std::string_view text) { return texts_.KeepShared(text); }
 
-    // Adds the next signal: `name`, `type`, `latest`, `handle`, `mode`, `composite`,
-    // `member_count` and `joins` count, the table sets the rest. After a composite its members
-    // follow. Handle -1 asks for an unused one. A scalar whose handle an earlier scalar has is
-    // another name of the same leaf. A scalar joins when it and the scalar before it are members of
-    // one composite and have leaves of their own; the table begins a new channel after 32 elements.
-    // Gives the signal's number; kNone, with nothing added, when the handle is below -1, when it is
-    // taken and one of the two is a composite, and past kMostLevels.
+    // Adds the next signal and returns its number. Of `signal`, `name`, `type`, `latest`, `handle`,
+    // `mode`, `composite`, `member_count` and `joins` are used; the table sets the rest. The
+    // members of a composite must follow it. Handle -1 requests an unused one. A scalar with the
+    // handle of an earlier scalar is another name of the same leaf. A scalar joins if it and the
+    // scalar before it are members of one composite and have leaves of their own; the table begins
+    // a new channel after 32 elements. Returns kNone, with nothing added, if the handle is below
+    // -1, if it is taken and one of the two signals is a composite, and past kMostLevels.
     std::uint32_t Add(const Signal& signal);
     void SetType(std::uint32_t signal, const char* type) noexcept { signals_[signal].type = type; }
-    // Before Finish.
+    // Must be called before Finish.
     void SetJoins(std::uint32_t signal, bool joins) noexcept { signals_[signal].joins = joins; }
     void AddProperty(std::uint32_t signal, std::string_view key, const char* value);
     void SetLatest(std::uint32_t signal, std::int64_t time) noexcept {
         signals_[signal].latest = time;
     }
 
-    // Whether every composite has all its members.
+    // Returns whether every composite has all its members.
     bool whole() const noexcept { return open_.empty(); }
-    // Gives out handles, leaves and channels and makes the lists of members. The signals must be
-    // whole; none may be added any more.
+    // Assigns handles, leaves and channels and makes the lists of members. All composites must be
+    // whole; no signals may be added afterwards.
     void Finish();
 
     // ---- asking
@@ -153,11 +155,11 @@ public:
     // After Finish.
     std::span<const std::uint32_t> TopLevel() const noexcept;
     std::span<const std::uint32_t> Members(std::uint32_t signal) const noexcept;
-    // The first signal of a handle, kNone when there is none. Before Finish too.
+    // Returns the first signal of a handle, kNone if there is none. Works before Finish, too.
     std::uint32_t Find(int handle) const noexcept;
-    // The value of a property, null when there is none.
+    // Returns the value of a property, null if there is none.
     const char* FindProperty(std::uint32_t signal, std::string_view key) const noexcept;
-    // The leaf of a scalar's handle; kNone for composites and unknown handles.
+    // Returns the leaf of a scalar's handle, kNone for composites and unknown handles.
     std::uint32_t FindLeaf(int handle) const noexcept { return handle_leaves_.Find(handle); }
 
     std::uint32_t leaf_count() const noexcept {
@@ -173,7 +175,7 @@ public:
 private:
     struct OpenComposite {
         std::uint32_t signal;
-        std::uint32_t missing;  // members that have not been added
+        std::uint32_t missing;  // members that have not been added yet
     };
     void Place(std::uint32_t number);
     void GiveHandles();

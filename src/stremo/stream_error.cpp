@@ -23,7 +23,7 @@ void Add(std::string_view text) noexcept {
     error.text[error.length] = '\0';
 }
 
-// The end of a long name says more than its beginning.
+// The end of a long path is more useful than its beginning.
 void AddFile(std::string_view file) noexcept {
     constexpr std::size_t kMost = 700;
     if (file.size() > kMost) {

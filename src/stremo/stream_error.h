@@ -5,16 +5,16 @@
 
 #include "corv/stremo/stream_error.h"
 
-// What corv::LastStreamError tells. Kept for each thread, in place: to say that memory has run out
-// takes none.
+// The text of corv::LastStreamError. Each thread has its own, in static memory, so that reporting a
+// lack of memory needs none.
 namespace corv::recording {
 
-// "FILE: WHAT", "FILE: byte 4096: WHAT". WHAT has no full stop. A file name that is too long loses
-// its beginning.
+// Set the error to "FILE: WHAT" or "FILE: byte 4096: WHAT". WHAT has no full stop. A file name that
+// is too long loses its beginning.
 void SetError(std::string_view file, std::string_view what) noexcept;
 void SetError(std::string_view file, std::uint64_t offset, std::string_view what) noexcept;
 
-// Nothing has failed.
+// Says that nothing has failed.
 void ClearError() noexcept;
 
 }  // namespace corv::recording

@@ -41,6 +41,7 @@ Streams::iterator Find(std::string_view name) noexcept {
     return at;
 }
 
+// The factory is a copy, since it may register or unregister names while it runs.
 stremo::IEventsStreamRead* OpenRegistered(const char* name, Factory factory) {
     stremo::IEventsStreamRead* const reader = factory();
     if (reader == nullptr && *corv::LastStreamError() == '\0') {

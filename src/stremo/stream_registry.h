@@ -4,10 +4,10 @@
 
 namespace corv::recording {
 
-// Whether RegisterStream knows the name. Such a name stands for no file.
+// Returns whether the name is registered (RegisterStream). Such a name does not mean a file.
 bool IsRegisteredStream(std::string_view name) noexcept;
 
-// Forgets all registered names, for the library's end.
+// Forgets all registered names when the library is detached.
 void ResetStreams() noexcept;
 
 }  // namespace corv::recording

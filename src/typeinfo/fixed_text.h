@@ -7,15 +7,15 @@
 
 namespace corv::typeinfo {
 
-// Thrown where a fixed text has no room, as a std::string throws when memory runs out.
+// Thrown if a fixed text has no room, where a std::string would throw if out of memory.
 class TextIsFull final : public std::exception {
 public:
     const char* what() const noexcept override { return "text is full"; }
 };
 
-// A text in a place of somebody else's, for the writers of value texts: of the operations of
-// std::string those that they use, with the same meaning. It never writes past the place's end and
-// puts no zero behind the text.
+// A text in a caller's buffer, for the writers of value texts. It has those operations of
+// std::string that they use, with the same meaning. It never writes past the end of the buffer and
+// does not terminate the text with a zero.
 class FixedText {
 public:
     FixedText(char* place, std::size_t capacity) noexcept : place_(place), capacity_(capacity) {}

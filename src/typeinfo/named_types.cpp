@@ -10,7 +10,9 @@ namespace {
 
 constexpr std::size_t kCharacterTypeLength = 874;
 
-// The string of the type character: the names of the control characters, all others themselves.
+// The string of the type character: names for the control characters, apostrophe and character for
+// all others. It is built at compile time, since 256 literals with their blanks are easier to get
+// right as a loop.
 struct CharacterTypeText {
     std::array<char, kCharacterTypeLength> text{};
     std::size_t length = 0;
@@ -49,6 +51,9 @@ constexpr std::string_view kCharacterText(kCharacterType.text.data(), kCharacter
 
 }  // namespace
 
+// Their indices and their spelling are part of the interface (CreateStdTypeInfo). Elements of the
+// vectors have their names in the uncounted form, "eBIT c2 01", as hosts have them in saved
+// designs.
 constexpr std::array<std::string_view, 9> kStandardTypes{
     "e#3#bitc2 01",
     "e#9#std_logicc9 UX01ZWLH-",
@@ -63,7 +68,7 @@ constexpr std::array<std::string_view, 9> kStandardTypes{
 
 namespace {
 
-// The likeliest of equally near names first.
+// Of equally near names the first is suggested, so the most common ones come first.
 constexpr std::array<NamedScalar, 12> kScalars{{
     {"std_logic", kStandardTypes[1]},
     {"std_ulogic", kStandardTypes[2]},
@@ -121,7 +126,7 @@ constexpr std::array<NamedSubtype, 13> kSubtypes{{
     {"unresolved_float128", "unresolved_float", 15, -112},
 }};
 
-// What VHDL has under another name.
+// Words of other languages and habits, for suggestions: what VHDL calls by another name.
 struct Alias {
     std::string_view word;
     std::string_view name;

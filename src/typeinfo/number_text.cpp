@@ -12,11 +12,12 @@
 namespace corv::typeinfo {
 namespace {
 
-constexpr std::uint64_t kTooLarge = std::uint64_t{1} << 40;  // where integers stop growing
+// Integers saturate here: beyond 32 bits, but with room for one more multiplication in 64.
+constexpr std::uint64_t kTooLarge = std::uint64_t{1} << 40;
 constexpr std::size_t kLongestDouble = 32;
 constexpr std::size_t kLongestWithUnderscores = 1024;
 
-// Takes a sign off the front; whether one stood there.
+// Takes a sign from the front; returns whether there was one.
 bool TakeSign(std::string_view& text, bool& negative) noexcept {
     if (!text.starts_with('-') && !text.starts_with('+')) {
         return false;
@@ -35,7 +36,7 @@ unsigned DigitValue(char c) noexcept {
     return letter >= 'a' && letter <= 'f' ? static_cast<unsigned>(letter - 'a') + 10 : kNoDigit;
 }
 
-// How much of the text is digits of the radix with underscores between them.
+// Returns how much of the text is digits of the radix with single underscores between them.
 std::size_t DigitsLength(std::string_view text, unsigned radix) noexcept {
     std::size_t length = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -48,7 +49,7 @@ std::size_t DigitsLength(std::string_view text, unsigned radix) noexcept {
     return length;
 }
 
-// Takes digits off the front: their value, up to kTooLarge.
+// Takes digits from the front and returns their value, at most kTooLarge.
 std::optional<std::uint64_t> TakeDigits(std::string_view& text, unsigned radix) noexcept {
     const std::size_t length = DigitsLength(text, radix);
     std::uint64_t number = 0;
@@ -59,7 +60,8 @@ std::optional<std::uint64_t> TakeDigits(std::string_view& text, unsigned radix) 
     return length == 0 ? std::nullopt : std::optional(number);
 }
 
-// Takes the exponent that ends a text, if there is one, and applies it.
+// Takes the exponent at the end of a text, if there is one, and applies it. The loop ends as soon
+// as the number is too large, so a huge exponent costs nothing.
 bool TakeExponent(std::string_view& text, unsigned radix, std::uint64_t& number) noexcept {
     if (text.empty() || platform::Lower(text[0]) != 'e') {
         return true;
@@ -73,7 +75,7 @@ bool TakeExponent(std::string_view& text, unsigned radix, std::uint64_t& number)
     return exponent.has_value();
 }
 
-// What stands behind the "#" of a based literal.
+// Takes the part after the "#" of a based literal.
 std::optional<std::uint64_t> TakeBased(std::string_view& text, std::uint64_t radix) noexcept {
     if (radix < 2 || radix > 16) {
         return std::nullopt;
@@ -98,7 +100,7 @@ std::optional<std::int32_t> Signed(std::uint64_t magnitude, bool negative) noexc
     return static_cast<std::int32_t>(negative ? -number : number);
 }
 
-// The pieces of a real number without its sign; IsTiny wants them without underscores.
+// The pieces of a real number without its sign. IsTiny needs them without underscores.
 struct RealText {
     std::string_view whole;
     std::string_view fraction;
@@ -132,7 +134,8 @@ std::optional<RealText> SplitReal(std::string_view text) noexcept {
     return real.whole.empty() || !text.empty() ? std::nullopt : std::optional(real);
 }
 
-// Whether a number that is no double is too small for one, not too large.
+// Returns whether a number outside the range of doubles is too small rather than too large, which
+// from_chars reports alike. An exponent that does not fit into 64 bits decides by its sign.
 bool IsTiny(const RealText& real) noexcept {
     constexpr std::int64_t kFar = std::int64_t{1} << 40;
     std::int64_t exponent = 0;
@@ -174,6 +177,7 @@ std::optional<double> ReadReal(std::string_view text) noexcept {
     if (!SplitReal(text)) {
         return std::nullopt;
     }
+    // from_chars does not accept underscores; a fixed buffer keeps this from allocating.
     std::array<char, kLongestWithUnderscores> plain;
     if (text.find('_') != std::string_view::npos) {
         if (text.size() > plain.size()) {

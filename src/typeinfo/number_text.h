@@ -5,33 +5,34 @@
 #include <string>
 #include <string_view>
 
-// Numbers as value texts and VHDL write them.
+// Numbers in the forms of value texts and VHDL.
 //
 //     integer = [ sign ] digits [ e [ "+" ] digits ]
 //             | [ sign ] radix "#" [ sign ] digits [ "#" [ e [ "+" ] digits ] ]
 //     real    = [ sign ] digits [ "." digits ] [ e [ sign ] digits ]
 //
-// e is of either case, digits are too, a single underscore may stand between two of them. The radix
-// is 2 to 16; its exponent is one of the radix. One sign at most.
+// e and digits may have either case; a single underscore may separate two digits. The radix is 2 to
+// 16, and the exponent of a based literal is a power of the radix. There is at most one sign.
 namespace corv::typeinfo {
 
-// The whole text as an integer of 32 bits.
+// Reads the whole text as an integer of 32 bits.
 std::optional<std::int32_t> ReadInteger(std::string_view text) noexcept;
-// The whole text as the nearest double. One beyond the range of doubles is not read, nor one with
-// underscores and more than 1024 characters.
+// Reads the whole text as the nearest double. A number beyond the range of doubles is not read, nor
+// is one with underscores and more than 1024 characters.
 std::optional<double> ReadReal(std::string_view text) noexcept;
 
-// In decimal, for radix 2, 8 and 16 as a based literal: -16#FF#. `Out` is a std::string or a
-// FixedText; so below.
+// Appends a number in decimal or, for radix 2, 8 and 16, as a based literal: -16#FF#. `Out` is a
+// std::string or a FixedText, also below.
 template <class Out>
 void AppendInteger(Out& out, std::int32_t number, int radix);
-// The shortest text that reads back to the same double, which must be finite.
+// Appends the shortest text that reads back to the same double, which must be finite.
 template <class Out>
 void AppendReal(Out& out, double number);
-// As printf writes it with %g.
+// Appends a number as printf writes it with %g.
 void AppendSixDigits(std::string& out, double number);
 
-// The number rounded to so many significant digits; infinite when that passes the doubles.
+// Returns the number rounded to that many significant digits; infinity if that exceeds the range of
+// doubles.
 double RoundToDigits(double number, int digits) noexcept;
 
 }  // namespace corv::typeinfo

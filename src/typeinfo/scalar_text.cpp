@@ -110,8 +110,10 @@ template bool AppendScalar(FixedText&, TypeView, std::uint64_t, ScalarStyle);
 CharacterPositions PositionsOf(TypeView enumeration) noexcept {
     CharacterPositions positions;
     positions.fill(kNoPosition);
+    // First all letters in lower case, then the literals as they are written: these override, so a
+    // lower-case letter stands for an upper-case literal only if it is not a literal itself.
     for (const bool as_small : {true, false}) {
-        for (std::uint32_t i = enumeration.Count(); i-- > 0;) {  // the first of equals stays
+        for (std::uint32_t i = enumeration.Count(); i-- > 0;) {  // the first of equal literals wins
             if (const auto c = enumeration.Character(i)) {
                 const char letter = as_small ? platform::Lower(*c) : *c;
                 positions[static_cast<unsigned char>(letter)] = i;
@@ -127,6 +129,7 @@ bool IsWithin(double number, const RealRange& range) noexcept {
     if (low <= number && number <= high) {
         return true;
     }
+    // Only a bound that needs all six digits can have been rounded; a shorter one is exact.
     const double bound = number < low ? low : high;
     return RoundToDigits(bound, 5) != bound && RoundToDigits(number, 6) == bound;
 }

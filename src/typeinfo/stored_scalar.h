@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// Scalars in a stored value: the low bytes of 64 bits, the least significant first.
+// Scalars in a stored value: the low bytes of 64 bits, least significant byte first, whatever the
+// byte order of the machine.
 namespace corv::typeinfo {
 
 inline std::uint64_t LoadScalar(const unsigned char* bytes, std::size_t size) noexcept {

@@ -5,10 +5,11 @@
 
 namespace corv::typeinfo {
 
-// The way from the hosts' view of a type to the library's own.
+// Leads from the hosts' view of a type to the library's own, so that the public class need not
+// expose it.
 class TypeAccess {
 public:
-    // Of a type that is not KindNone; it lives as long as the type does.
+    // Returns the view of a type that is not KindNone. It is valid as long as the type lives.
     static TypeView ViewOf(const KTypeInfo& type) noexcept { return {*type.tree_, *type.node_}; }
 };
 

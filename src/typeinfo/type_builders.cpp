@@ -18,7 +18,7 @@ using corv::typeinfo::IndexRange;
 
 constexpr std::size_t kMaxArrayName = 259;
 
-// Hands a finished string out by the rules of the builders' buffer.
+// Delivers a finished string by the rules of the builders' buffer.
 HRESULT Deliver(std::string_view text, char* buffer, std::uint32_t* size) noexcept {
     if (text.size() >= std::numeric_limits<std::uint32_t>::max()) {
         return E_OUTOFMEMORY;

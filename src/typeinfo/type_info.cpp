@@ -38,6 +38,8 @@ KTypeInfo::KTypeInfo(const CString& text) noexcept {
 
 KTypeInfo::~KTypeInfo() = default;
 
+// Elements and fields are KTypeInfo objects of their own, made once here, all in one array: hosts
+// ask for them in inner loops and may keep references to them.
 void KTypeInfo::Read() {
     auto tree = corv::typeinfo::ReadTree(text_->View());
     if (!tree) {
@@ -63,6 +65,8 @@ bool KTypeInfo::CheckTypeInfo(const CString& text) noexcept {
     return Guarded(false, [&] { return corv::typeinfo::IsTypeText(text.View()); });
 }
 
+// The string of an element or field is made at the first question, since most are never asked for
+// theirs.
 const CString& KTypeInfo::GetTypeInfoString() const noexcept {
     static const CString empty;
     if (!text_ && node_) {

@@ -9,9 +9,11 @@
 namespace corv::typeinfo {
 namespace {
 
-// The letter of each kind, by the kind's number.
+// The letter of each kind, at the index of the kind's number.
 constexpr std::string_view kKindLetters = " eifar";
 
+// Reads by recursive descent. The nesting is limited and every count is checked against the rest of
+// the text before anything is allocated, so hostile texts cost no more than their own length.
 class TypeReader {
 public:
     TypeReader(std::string_view text, TypeSink& sink) noexcept : rest_(text), sink_(sink) {}
@@ -32,9 +34,9 @@ private:
     bool ReadNumber(std::uint32_t& number) noexcept;
     bool ReadCount(std::uint32_t& count) noexcept { return ReadNumber(count) && Skip(' '); }
     bool Skip(char c) noexcept;
-    // Which of two letters stands next: 0 or 1; nothing when it is neither.
+    // Takes one of two letters and returns which: 0 or 1, nullopt if neither comes next.
     std::optional<int> ReadEither(char first, char second) noexcept;
-    // What stands before the next blank, or before the end of the text.
+    // Takes everything before the next blank or the end of the text.
     std::string_view TakeWord() noexcept { return Take(std::min(rest_.find(' '), rest_.size())); }
     std::string_view Take(std::size_t length) noexcept {
         const std::string_view taken = rest_.substr(0, length);
@@ -180,6 +182,7 @@ bool ReadBound(std::string_view text, std::int32_t& bound) noexcept {
     return read.ec == std::errc() && read.ptr == text.data() + text.size();
 }
 
+// Bounds have no plus sign and no underscores, both of which ReadReal accepts.
 bool ReadBound(std::string_view text, double& bound) {
     if (text.starts_with('+') || text.find('_') != std::string_view::npos) {
         return false;

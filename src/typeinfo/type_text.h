@@ -8,7 +8,7 @@
 
 #include "corv/typeinfo/type_info.h"
 
-// The grammar of type-description strings, its reader and its writer; worked examples are in
+// The grammar of type-description strings with its reader and writer. Worked examples are in
 // docs/formats/type-descriptions.md.
 //
 //     type        = "e" name enumeration | "i" name range | "f" name range | "a" name array
@@ -21,9 +21,9 @@
 //     record      = count " " [ field { " " field } ]
 //     field       = characters " " type
 //
-// Characters run to the next blank, those of a name in the first form are counted. A literal that
-// begins with an apostrophe is that and one character more, whichever. Integer types and arrays
-// have ranges of integers ("i"), floating-point types of reals ("r").
+// Characters run to the next blank; those of a name in the first form are counted. A literal that
+// begins with an apostrophe consists of it and one further character, whatever that is. Integer
+// types and arrays have ranges of integers ("i"), floating-point types have ranges of reals ("r").
 namespace corv::typeinfo {
 
 inline constexpr std::size_t kMaxTextLength = std::size_t{16} << 20;
@@ -39,7 +39,7 @@ struct Range {
 using IndexRange = Range<std::int32_t>;
 using RealRange = Range<double>;
 
-// What a type begins with: all up to its ranges, literal words, fields or element.
+// The beginning of a type: everything up to its ranges, literal words, fields or element.
 struct TypeHead {
     KTypeInfo::EKind kind = KTypeInfo::KindNone;
     const char* begin = nullptr;
@@ -50,7 +50,8 @@ struct TypeHead {
 };
 
 // Receives a type in the order of its text: its head; its literal words, its range or the ranges of
-// its dimensions; an element as a type, a field as its name and a type; its end.
+// its dimensions; an element as a type, a field as its name and a type; its end. One reader serves
+// checking, counting and building through this interface.
 class TypeSink {
 public:
     virtual void OnType(const TypeHead& head) = 0;
@@ -64,11 +65,13 @@ protected:
     ~TypeSink() = default;
 };
 
-// Reads a text that is one type. False for anything else; the sink then has had a part of it.
+// Reads a text that is one type. Returns false for anything else; the sink has received a part of
+// it by then.
 bool ReadTypeText(std::string_view text, TypeSink& sink);
 
-// The writer appends types; after the head of an array comes its element, after that of a record
-// each field with a blank before all but the first. Names are written in the counted form.
+// The writer appends types. The head of an array must be followed by its element, the head of a
+// record by its fields, with a blank before all but the first. Names are written in the counted
+// form.
 void AppendCharacterEnum(std::string& out, std::string_view name, std::string_view characters);
 void AppendWordEnum(std::string& out, std::string_view name,
                     std::span<const std::string_view> literals);

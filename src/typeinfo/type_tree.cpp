@@ -10,7 +10,7 @@
 namespace corv::typeinfo {
 namespace {
 
-// How much a tree will hold.
+// Counts what a tree will contain, so that its lists are allocated exactly once.
 class TreeCounter final : public TypeSink {
 public:
     void OnType(const TypeHead&) override { ++nodes; }
@@ -26,7 +26,7 @@ public:
     std::size_t real_ranges = 0;
 };
 
-// Fills a tree from a text that is known to be a type, so that its counts are true.
+// Fills a tree from a text that TreeCounter has accepted, so its counts can be trusted.
 class TreeBuilder final : public TypeSink {
 public:
     explicit TreeBuilder(TypeTree& tree) : tree_(tree) { tree_.nodes.resize(1); }
@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    // A type that has begun, and the node that its next element or field is for.
+    // A type that has begun, and the node for its next element or field.
     struct Open {
         std::uint32_t node;
         std::uint32_t next_child;
@@ -59,7 +59,8 @@ private:
         return {Place(part.data()), static_cast<std::uint32_t>(part.size())};
     }
     std::uint32_t FirstOf(const TypeHead& head) const noexcept;
-    // Makes nodes for an array's element or a record's fields; gives the first.
+    // Makes nodes for an array's element or a record's fields and returns the first. All fields of
+    // a record are next to each other, so that asking for one is an index computation.
     std::uint32_t AddChildren(const TypeHead& head);
 
     TypeTree& tree_;
@@ -134,7 +135,7 @@ std::unique_ptr<TypeTree> ReadTree(std::string_view text) {
 }
 
 std::string_view TypeView::Body() const noexcept {
-    // the counted form of a name ends with it, the other one with a blank
+    // a counted name ends exactly after its characters, an uncounted one with a blank
     const bool counted = tree_.text[node_.name.begin - 1] == '#';
     const std::uint32_t begin = node_.name.begin + node_.name.length + (counted ? 0 : 1);
     return tree_.Text({begin, node_.text.begin + node_.text.length - begin});

@@ -17,41 +17,42 @@ struct Slice {
     std::uint32_t length = 0;
 };
 
-// One type. Its literals, ranges, element or fields stand in the lists of the tree, `first` and
-// `children` are indices there.
+// One type. Its literals, ranges, element or fields are in the lists of the tree; `first` and
+// `children` are indices into these.
 struct TypeNode {
     Slice text;
     Slice name;
     Slice label;                 // the field's name, in the node of a field
-    std::int64_t elements = 0;   // of an array, up to the end of 64 bits
+    std::int64_t elements = 0;   // of an array, saturated at the end of 64 bits
     std::uint32_t count = 0;     // literals, dimensions or fields
     std::uint32_t first = 0;     // literal: in the text (characters) or in `words`; range
-    std::uint32_t children = 0;  // the element's node, or the nodes of the fields in a row
+    std::uint32_t children = 0;  // the element's node, or the first of the fields' nodes
     KTypeInfo::EKind kind = KTypeInfo::KindNone;
     bool words = false;
 };
 
-// A type-description string, read: the node of the whole type is the first one. The lists are made
-// in the sizes that the text has, never in those it claims.
+// A type-description string that has been read. The first node is the whole type. The lists are
+// allocated in the sizes that the text really needs, never in those that it claims.
 struct TypeTree {
     std::string_view text;
     std::vector<TypeNode> nodes;
     std::vector<Slice> words;
     std::vector<IndexRange> index_ranges;  // of arrays and integers
     std::vector<RealRange> real_ranges;
-    std::unique_ptr<KTypeInfo[]> faces;  // what hosts see of the nodes behind the first
+    std::unique_ptr<KTypeInfo[]> faces;  // what hosts see of all nodes but the first
 
     std::string_view Text(Slice slice) const noexcept {
         return {text.data() + slice.begin, slice.length};
     }
 };
 
-// Whether the text is one type.
+// Returns whether the text is one type.
 bool IsTypeText(std::string_view text);
-// The tree of a text, which must outlive it; null when the text is not one type. Has no faces.
+// Returns the tree of a text, which must outlive it; null if the text is not one type. It has no
+// faces.
 std::unique_ptr<TypeTree> ReadTree(std::string_view text);
 
-// One type of a tree, with what can be asked of it.
+// One type of a tree, with the questions that can be asked about it.
 class TypeView {
 public:
     explicit TypeView(const TypeTree& tree) noexcept : TypeView(tree, tree.nodes[0]) {}
@@ -65,16 +66,16 @@ public:
         return IsScalar() || (node_.kind == KTypeInfo::KindArray && Element().IsScalar());
     }
     std::string_view Name() const noexcept { return tree_.Text(node_.name); }
-    // What stands behind the name.
+    // The part after the name.
     std::string_view Body() const noexcept;
-    // Literals, dimensions or fields.
+    // The number of literals, dimensions or fields.
     std::uint32_t Count() const noexcept { return node_.count; }
 
-    // Of a scalar; 0 for the others.
+    // The bytes of a scalar; 0 for other types.
     std::uint32_t ScalarSize() const noexcept;
-    // Elements of an array, up to the end of 64 bits.
+    // Elements of an array, saturated at the end of 64 bits.
     std::int64_t ElementCount() const noexcept { return node_.elements; }
-    // Bytes of a value of a simple type, up to 2147483647; 0 for the others.
+    // The bytes of a value of a simple type, at most 2147483647; 0 for other types.
     std::uint32_t SimpleSize() const noexcept;
 
     // The range of an integer type, or of an array's dimension.
@@ -83,8 +84,8 @@ public:
     }
     const RealRange& FloatRange() const noexcept { return tree_.real_ranges[node_.first]; }
 
-    // A literal as the list has it; its character, when it is a one-character literal: one of a
-    // character list, or the one behind an apostrophe.
+    // A literal as in the list, and the character of a one-character literal: one of a character
+    // list, or the one after an apostrophe.
     std::string_view Literal(std::uint32_t position) const noexcept {
         return node_.words ? tree_.Text(tree_.words[node_.first + position])
                            : tree_.Text({node_.first + position, 1});

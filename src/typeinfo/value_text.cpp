@@ -12,7 +12,7 @@ namespace {
 
 // ---- reading ----
 
-// The characters alone; the way most values come. There are as many as elements.
+// Reads plain characters, of which there are as many as elements. Most values come in this form.
 bool StorePlain(const CharacterPositions& positions, std::string_view text, std::size_t size,
                 unsigned char* target) noexcept {
     const auto position_of = [&](char c) { return positions[static_cast<unsigned char>(c)]; };
@@ -31,8 +31,8 @@ bool StorePlain(const CharacterPositions& positions, std::string_view text, std:
     return true;
 }
 
-// Each other reading of an array gives its values to `visit` in their order and ends with false at
-// the first part that it can't read, or when `visit` wants no more.
+// Every other form of an array passes its values to `visit` in order, and returns false at the
+// first part that it cannot read or if `visit` does.
 
 bool IsInQuotes(std::string_view text) noexcept {
     return text.size() >= 2 && text.front() == '"' && text.back() == '"';
@@ -56,7 +56,7 @@ bool ReadQuoted(const CharacterPositions& positions, std::string_view text, Visi
     return true;
 }
 
-// How many bits a digit of the radix has, 0 for a letter that is no radix.
+// Returns how many bits a digit of the radix has, 0 for a letter that is not a radix.
 unsigned BitsPerDigit(char radix) noexcept {
     switch (platform::Lower(radix)) {
         case 'x':
@@ -114,7 +114,8 @@ std::string_view TrimBlanks(std::string_view text) noexcept {
     return text;
 }
 
-// Where the first scalar of a list ends: at a comma outside apostrophes and backslashes.
+// Returns where the first scalar of a list ends: at a comma outside apostrophes and backslashes,
+// which may be part of a literal.
 std::size_t ScalarEnd(std::string_view list) noexcept {
     std::size_t at = 0;
     while (at < list.size() && platform::IsSpace(list[at])) {
@@ -123,7 +124,7 @@ std::size_t ScalarEnd(std::string_view list) noexcept {
     if (list.substr(at, 1) == "'" && list.substr(std::min(at + 2, list.size()), 1) == "'") {
         at += 3;
     }
-    while (list.substr(std::min(at, list.size()), 1) == "\\") {  // a doubled one begins anew
+    while (list.substr(std::min(at, list.size()), 1) == "\\") {  // a doubled backslash starts over
         at = std::min(list.find('\\', at + 1), list.size()) + 1;
     }
     return std::min(list.find(',', at), list.size());
@@ -148,8 +149,8 @@ bool ReadAggregate(TypeView element, std::string_view text, Visit&& visit) {
     }
 }
 
-// Stores what a reading gives when it gives as many values as there are elements. The text is read
-// twice, so that nothing is written unless all of it can be.
+// Stores the values of a form if there are as many as elements. The text is read twice, so that
+// nothing is written unless all of it can be read, without memory for a copy.
 template <class Reading>
 bool Store(TypeView type, unsigned char* target, Reading&& reading) {
     const auto wanted = static_cast<std::uint64_t>(type.ElementCount());
@@ -175,11 +176,13 @@ bool ReadArrayOfCharacters(TypeView type, std::string_view text, unsigned char* 
 
 // ---- writing ----
 
-// The values as characters, when they all are one-character literals. `out` has room for them.
+// Writes the values as characters if all of them are one-character literals. `out` has room for
+// them.
 bool WriteCharacters(TypeView element, const unsigned char* bytes, std::size_t count, char* out) {
     const std::size_t size = element.ScalarSize();
     if (size == 1 && !element.HasWords()) {
         const std::string_view characters = element.Characters();
+        // One check for all values, so that the loop below is free of branches.
         unsigned char highest = 0;
         for (std::size_t i = 0; i < count; ++i) {
             highest = std::max(highest, bytes[i]);
@@ -188,7 +191,7 @@ bool WriteCharacters(TypeView element, const unsigned char* bytes, std::size_t c
             return false;
         }
         const char* const literals = characters.data();
-        constexpr std::size_t kStep = 8;  // a loop of fixed length is unrolled
+        constexpr std::size_t kStep = 8;  // a loop of fixed length is unrolled by the compiler
         std::size_t i = 0;
         for (; i + kStep <= count; i += kStep) {
             for (std::size_t j = 0; j < kStep; ++j) {
@@ -213,7 +216,8 @@ bool WriteCharacters(TypeView element, const unsigned char* bytes, std::size_t c
     return true;
 }
 
-// Puts quotes around the text from a place on, and doubles those in it.
+// Puts quotes around the text from a place on, and doubles the quotes in it. It works backwards
+// from the new end, so each character moves once.
 template <class Out>
 void Quote(Out& out, std::size_t begin) {
     const std::size_t end = out.size();

@@ -8,12 +8,13 @@
 
 namespace corv::typeinfo {
 
-// The text from the begin of one part of a text to the end of another.
+// Returns the text from the beginning of one part of a text to the end of another.
 inline std::string_view Span(std::string_view first, std::string_view last) noexcept {
     return {first.data(), static_cast<std::size_t>(last.data() + last.size() - first.data())};
 }
 
-// Reads a VHDL text word by word and tells the first problem with it. What fails gives false.
+// Reads a VHDL text word by word and records the first problem with it. Operations that fail return
+// false.
 class VhdlCursor {
 public:
     VhdlCursor(std::string_view text, TypeProblem& problem)
@@ -22,13 +23,13 @@ public:
     std::string_view Text() const noexcept { return text_; }
     const Word& Next() const noexcept { return words_.Next(); }
     std::string_view Take() noexcept { return words_.Take().text; }
-    // Takes a keyword or symbol if it stands next.
+    // Takes a keyword or symbol if it comes next.
     bool Skip(std::string_view word) noexcept;
-    // Takes one that must stand next; `where` completes the sentence "expected `)`...".
+    // Takes one that must come next; `where` completes the sentence "expected `)`...".
     bool Expect(std::string_view word, std::string_view where);
 
     bool Fail(std::string_view place, std::string sentence);
-    // The next word is not what was expected; it may be the hint, misspelt.
+    // Records that the next word is not what was expected; it may be the hint, misspelt.
     bool FailAtNext(std::string_view expected, std::string_view hint = {});
 
 private:

@@ -46,7 +46,8 @@ bool ReadBound(VhdlCursor& cursor, const Limits<std::int32_t>& limits, std::int3
     return number || cursor.Fail(place, Quote(place) + " is no value of " + Quote(limits.name));
 }
 
-// Takes the time unit of a number, the next word or what the number ends with; -1 without one.
+// Takes the time unit of a number, which is the next word or the end of the number itself; returns
+// -1 without one.
 int TakeUnit(VhdlCursor& cursor, std::string& number, std::string_view& place) {
     const Word& next = cursor.Next();
     const int unit = next.kind == WordKind::Name ? util::FindTimeUnit(next.text) : -1;
@@ -99,7 +100,8 @@ void AppendBound(std::string& out, std::int32_t bound, bool) {
     AppendInteger(out, bound, 10);
 }
 
-// In the largest unit that leaves no fraction.
+// Appends a time in the largest unit that leaves no fraction. The check multiplies back, since a
+// quotient may be rounded to a whole number.
 void AppendTime(std::string& out, double femtoseconds) {
     std::size_t unit = femtoseconds != 0 ? util::kTimeUnits.size() : 1;
     double count = 0;
@@ -133,7 +135,8 @@ void AppendRange(std::string& out, const Range<Bound>& range, bool is_time = fal
     AppendBound(out, range.right, is_time);
 }
 
-// A number type: by its name when it is known, else as a range of it, or of the kind's first type.
+// Appends a number type: by its name alone if it is exactly the known type, otherwise as a range of
+// that type or of the kind's first one (integer or real).
 template <class Bound>
 void AppendNumber(std::string& out, TypeView type, const Range<Bound>& range,
                   std::string_view first_name) {

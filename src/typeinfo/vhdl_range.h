@@ -9,7 +9,7 @@
 #include "typeinfo/type_tree.h"
 #include "typeinfo/vhdl_cursor.h"
 
-// The ranges of VHDL subtype indications, their reader and their writer.
+// Reader and writer of the ranges of VHDL subtype indications.
 //
 //     number = number-type [ "range" range ]
 //     index  = range | index-type [ "range" ( range | "<>" ) ]
@@ -17,11 +17,11 @@
 //     range  = bound ( "to" | "downto" ) bound
 //     bound  = [ "+" | "-" ] number [ time-unit ]
 //
-// Bounds are numbers as number_text.h reads them, based literals with their closing sign; those of
-// a time have a unit, which may stand right behind the number. A range holds at least one value.
+// Bounds are numbers as number_text.h reads them, with based literals closed by "#". Those of a
+// time have a unit, which may follow the number directly. A range must not be empty.
 namespace corv::typeinfo {
 
-// Whether the type is a time, stored in fs.
+// Returns whether the type is a time, which is stored in fs.
 bool IsTime(const NamedScalar& row) noexcept;
 
 // The range of a named integer or floating-point type.
@@ -36,15 +36,15 @@ struct Limits {
     bool times = false;
 };
 
-// Reads a range; the problem is told when it can't be read.
+// Reads a range, or records the problem and returns false.
 template <class Bound>
 bool ReadRange(VhdlCursor& cursor, const Limits<Bound>& limits, Range<Bound>& range);
 
-// Takes a name and the libraries and packages in front of it, of which the last part stays. The
-// next word is a name.
+// Takes a name and the libraries and packages before it; `name` becomes its last part. The next
+// word must be a name.
 bool TakePrefixedName(VhdlCursor& cursor, std::string_view& name);
 
-// What an index must be, and the words for it.
+// What an index must be, and how messages call it.
 struct IndexNeeds {
     Limits<std::int32_t> limits;
     std::string_view expected;
@@ -54,13 +54,13 @@ struct IndexNeeds {
 // Reads the index of an array; "<>" makes it unconstrained.
 bool ReadIndex(VhdlCursor& cursor, const IndexNeeds& needs, IndexRange& range);
 
-// Append a range, in the direction that its bounds have: of an array's dimension; of a number type
-// behind its name, when the name alone doesn't tell it. A type that is none of the named ones is
+// Append a range in the direction of its bounds: for an array's dimension, and for a number type
+// after its name, unless the name alone implies the range. A type that is not a named one is
 // written as a range of integer or real.
 void AppendIndex(std::string& out, const IndexRange& range);
 void AppendNumberType(std::string& out, TypeView type);
 
-// The type of indices that begin there.
+// Returns the index type whose range begins there.
 std::string_view IndexTypeName(std::int32_t first_index) noexcept;
 
 }  // namespace corv::typeinfo

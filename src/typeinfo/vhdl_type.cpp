@@ -48,8 +48,9 @@ bool AppendRecord(std::string& out, const VhdlType& type) {
     });
 }
 
-// Appends the type-description string; false as soon as it is longer than one may be, which types
-// that share their fields' types can make it.
+// Appends the type-description string. Returns false as soon as it is too long: "a, b, c : record
+// ..." shares the type of its fields, so a short text can have a description that grows
+// exponentially with its nesting.
 bool AppendTypeText(std::string& out, const VhdlType& type) {
     out += type.ready;
     bool appended = true;
@@ -93,7 +94,7 @@ bool FromVhdl(std::string_view text, CString& type, TypeProblem& problem) {
 }  // namespace
 
 bool TypeFromVhdl(const char* text, CString& type, TypeProblem* problem) noexcept {
-    // a sentence this short needs no memory of its own
+    // this sentence is short enough for std::string not to allocate memory
     TypeProblem found{0, 0, "out of memory"};
     const bool read =
         platform::Guarded(false, [&] { return FromVhdl(text ? text : "", type, found); });

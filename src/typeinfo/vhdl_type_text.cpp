@@ -16,6 +16,8 @@ const IndexNeeds kArrayIndex{{"integer", {kLowestIndex, kLastIndex, KTypeInfo::T
                              "a range of whole numbers, such as `0 to 3` or `natural range <>`",
                              true};
 
+// Reads by recursive descent and stops at the first problem, which the cursor keeps. Types are made
+// in a deque, so pointers to them stay valid while more are added.
 class VhdlReader {
 public:
     VhdlReader(std::string_view text, VhdlTypes& out) : cursor_(text, out.problem), out_(out) {}
@@ -56,6 +58,8 @@ VhdlType& VhdlReader::Make(KTypeInfo::EKind kind) {
     return type;
 }
 
+// Types with a ready string are made once each: a record of a thousand std_logic fields has one.
+// They are told apart by the address of their row in the tables.
 const VhdlType* VhdlReader::Ready(std::string_view type) {
     const auto made = std::find_if(ready_.begin(), ready_.end(), [type](const VhdlType* other) {
         return other->ready.data() == type.data();
@@ -124,7 +128,7 @@ const VhdlType* VhdlReader::ReadEnumeration() {
         return nullptr;
     }
     if (const std::string_view* repeated = FindRepeated(type.literals)) {
-        // the text of a character literal goes on with its second apostrophe
+        // the kept text of a character literal lacks its second apostrophe, the message shows it
         const std::size_t rest = repeated->starts_with('\'') ? 1 : 0;
         const std::string_view literal(repeated->data(), repeated->size() + rest);
         return Fail(literal, "the literal " + Quote(literal) + " stands twice");

@@ -1,3 +1,6 @@
+// Writes types as VHDL subtype indications, by name where the name alone says it all, so that what
+// users read is what they would have written.
+
 #include <algorithm>
 #include <cstdint>
 #include <string>
@@ -13,6 +16,7 @@
 namespace corv::typeinfo {
 namespace {
 
+// The name alone is not enough: a host may have a type of its own under a standard name.
 bool IsNamed(TypeView type, const NamedScalar& row) noexcept {
     return platform::EqualNoCase(type.Name(), row.name) && type.Body() == row.Body();
 }
@@ -36,7 +40,7 @@ bool AppendEnumeration(std::string& out, TypeView type) {
     return !literals.empty() && !FindRepeated({literals.begin(), literals.end()});
 }
 
-// Whether a type is a named array; its element and its index type must be those of the row.
+// Returns whether a type is a named array: its element and its index type must be those of the row.
 bool IsNamed(TypeView type, const NamedArray& row) {
     const IndexRange& range = type.RangeAt(0);
     return type.Count() == 1 && IsNamed(type.Element(), *FindNamedScalar(row.element)) &&

@@ -5,8 +5,8 @@
 
 #include "platform/ascii.h"
 
-// VHDL text as words. Blanks (the no-break space among them, in Latin-1 and UTF-8), line breaks and
-// comments (from "--" to the end of the line, or between "/*" and "*/") separate them.
+// VHDL text as words. They are separated by blanks (including the no-break space, in Latin-1 and
+// UTF-8), line breaks and comments (from "--" to the end of the line, or between "/*" and "*/").
 namespace corv::typeinfo {
 
 enum class WordKind {
@@ -23,7 +23,7 @@ struct Word {
     WordKind kind;
     std::string_view text;  // empty, at the end of the text, for End
 
-    // A keyword in lower case or a symbol.
+    // Returns whether this is the given keyword (in lower case) or symbol.
     bool Is(std::string_view word) const noexcept {
         return (kind == WordKind::Name || kind == WordKind::Symbol) &&
                platform::EqualNoCase(text, word);
@@ -34,7 +34,7 @@ class VhdlWords {
 public:
     explicit VhdlWords(std::string_view text) noexcept : rest_(text), next_(Read()) {}
 
-    // The word that stands next; the same, and the one behind it stands next from then on.
+    // Next returns the next word without taking it; Take returns it and moves on.
     const Word& Next() const noexcept { return next_; }
     Word Take() noexcept;
 
@@ -45,18 +45,18 @@ private:
     Word next_;
 };
 
-// What no name may be, in any letter case: one of the reserved words of VHDL-2008; with two
+// What a name must not be, in any letter case: a reserved word of VHDL-2008, or a name with two
 // underscores in a row or one at its end.
 bool IsReserved(std::string_view name) noexcept;
 bool HasWrongUnderscore(std::string_view name) noexcept;
 
-// Whether the whole text is an identifier that type descriptions can hold: an extended one without
-// blanks, or a name that is neither reserved nor has wrong underscores.
+// Return whether the whole text is an identifier that type descriptions can contain: an extended
+// one without blanks, or a name that is neither reserved nor has wrong underscores.
 bool IsIdentifier(const Word& word) noexcept;
 bool IsIdentifier(std::string_view text) noexcept;
 
-// The first of the identifiers and character literals that has stood before, null without one.
-// Letter case counts in extended identifiers and character literals only.
+// Returns the first identifier or character literal that repeats an earlier one, null if there is
+// none. Letter case matters only in extended identifiers and character literals.
 const std::string_view* FindRepeated(const std::vector<std::string_view>& names);
 
 }  // namespace corv::typeinfo

@@ -8,10 +8,10 @@
 namespace corv::typeinfo {
 namespace {
 
-constexpr std::size_t kLongestWord = 31;  // no longer ones are compared
+constexpr std::size_t kLongestWord = 31;  // longer words are not compared
 constexpr std::size_t kFar = 99;
 
-// How many letters have to be changed, put in, taken out or swapped with their neighbour.
+// Returns how many letters have to be changed, inserted, removed or swapped with their neighbour.
 std::size_t Distance(std::string_view a, std::string_view b) noexcept {
     if (a.size() > kLongestWord || b.size() > kLongestWord) {
         return kFar;
@@ -47,7 +47,7 @@ std::string Quote(std::string_view word) {
     std::size_t length = std::min(word.size(), kMaxQuoted);
     while (length < word.size() && length > kMaxQuoted - 3 &&
            (static_cast<unsigned char>(word[length]) & 0xC0) == 0x80) {
-        --length;  // a character of UTF-8 stays whole
+        --length;  // keeps UTF-8 characters whole
     }
     out += word.substr(0, length);
     std::replace_if(
@@ -63,7 +63,7 @@ std::string DidYouMean(std::string_view suggestion, std::string_view otherwise) 
 }
 
 void NearestWord::Offer(std::string_view candidate) noexcept {
-    constexpr std::size_t kBeginning = 3;  // as far off as the farthest misspelt word
+    constexpr std::size_t kBeginning = 3;  // as far as the farthest misspelt word
     const bool begins =
         word_.size() >= 3 && platform::EqualNoCase(candidate.substr(0, word_.size()), word_);
     const std::size_t most = word_.size() < 3    ? 0

@@ -26,24 +26,24 @@ bool IsSeparator(char c, char separator) noexcept {
     return c == '.' || c == '/' || c == separator;
 }
 
-// Whether the name may end where this text begins.
+// Returns whether the name may end where this text begins.
 bool EndsIn(std::string_view rest, char separator) noexcept {
     return rest.empty() || IsSeparator(rest[0], separator) || rest[0] == '(' || rest[0] == '[';
 }
 
-// Whether the first blank of a text stands in front of a separator and another level.
+// Returns whether the first blank of a text is followed by a separator and another level.
 bool EndsAtBlank(std::string_view text, std::size_t blank, char separator) noexcept {
     return blank > 1 && blank + 2 < text.size() && IsSeparator(text[blank + 1], separator);
 }
 
-// The length up to the backslash that closes a name, 0 when none does.
+// Returns the length up to the backslash that closes a name, 0 if none does.
 std::size_t ClosedLength(std::string_view text, std::size_t blank, char separator) noexcept {
     for (std::size_t at = 1; at < text.size(); ++at) {
         if (text[at] != '\\') {
             continue;
         }
         if (at == blank + 1 && EndsAtBlank(text, blank, separator)) {
-            return 0;  // it is the separator behind an escaped scope
+            return 0;  // it is the separator after an escaped scope
         }
         if (text.substr(at + 1).starts_with('\\')) {
             ++at;

@@ -10,7 +10,7 @@
 namespace corv::util {
 namespace {
 
-// White space and a plus sign stand before what from_chars reads.
+// Skips white space and a plus sign, which atoi accepts and from_chars does not.
 std::string_view SkipToNumber(std::string_view text) noexcept {
     text.remove_prefix(static_cast<std::size_t>(
         std::find_if_not(text.begin(), text.end(), platform::IsSpace) - text.begin()));
@@ -20,8 +20,9 @@ std::string_view SkipToNumber(std::string_view text) noexcept {
     return text;
 }
 
-// Whether a number that a double can't hold is too large and not too small: its first digit that is
-// not 0 stands before the point, once the exponent has moved that.
+// Returns whether a number outside the range of a double is too large rather than too small, which
+// from_chars reports alike: it is too large if its first non-zero digit is before the point, after
+// the exponent has moved that point.
 bool IsLarge(std::string_view number) noexcept {
     const std::size_t mantissa = std::min(number.find_first_of("eE"), number.size());
     const std::size_t point = std::min(number.find('.'), mantissa);

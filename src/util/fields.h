@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-// Text records cut at a separator by the rules of strtok: runs of separators count as one, so an
-// empty field is never seen. Numbers are read by the rules of atoi and atof in the C locale.
+// Text records split at a separator by the rules of strtok: runs of separators count as one, so
+// there are no empty fields. Numbers are read by the rules of atoi and atof in the C locale.
 namespace corv::util {
 
 class FieldReader {
@@ -13,7 +13,7 @@ public:
     FieldReader(std::string_view text, char separator) noexcept
         : rest_(text), separator_(separator) {}
 
-    // The next field, nothing at the end of the record.
+    // Returns the next field, nullopt at the end of the record.
     std::optional<std::string_view> Next() noexcept;
 
 private:
@@ -21,7 +21,8 @@ private:
     char separator_;
 };
 
-// The leading number of a text, 0 when there is none; past the range of the result its end.
+// Return the leading number of a text, 0 if there is none. A number past the range of the result
+// becomes its nearer end.
 std::int64_t LeadingInteger(std::string_view text) noexcept;
 int LeadingInt(std::string_view text) noexcept;
 double LeadingReal(std::string_view text) noexcept;

@@ -7,6 +7,7 @@ namespace {
 
 constexpr char kUsual = '\\';
 
+// Asked once, when the library is attached: the base library may be unloaded later.
 char separator = kUsual;
 
 }  // namespace

@@ -2,11 +2,12 @@
 
 namespace corv::util {
 
-// What corv::HierarchySeparator returns.
+// What corv::HierarchySeparator returns. It is kept here, below recordings and signals, since both
+// build hierarchical names.
 char HierarchySeparator() noexcept;
-// Asks the host's base library for the separator; without an answer it stays as it is.
+// Asks the host's base library for the separator; without an answer the separator does not change.
 void ReadHierarchySeparator() noexcept;
-// Back to what it is before anybody has been asked.
+// Restores the separator that holds before anybody has been asked.
 void ResetHierarchySeparator() noexcept;
 
 }  // namespace corv::util

@@ -5,8 +5,8 @@
 
 namespace corv::util {
 
-// A word of the user's within a sentence: in backticks, with blanks for control characters, cut
-// after 40 bytes at the border of a UTF-8 character.
+// Returns a user's word for use within a sentence: in backticks, with blanks for control
+// characters, cut after 40 bytes at the border of a UTF-8 character.
 std::string Quote(std::string_view word);
 
 }  // namespace corv::util

@@ -4,12 +4,13 @@
 #include <limits>
 #include <optional>
 
-// 64-bit arithmetic that never leaves its range silently.
+// 64-bit arithmetic that never overflows: times are user input, so any sum or product of them may
+// leave the range.
 namespace corv::util {
 
 using Int64Limits = std::numeric_limits<std::int64_t>;
 
-// Truncation toward zero; values outside go to the nearer end, NaN to 0.
+// Truncates toward zero; values outside become the nearer end, NaN becomes 0.
 inline std::int64_t ToInt64(double value) noexcept {
     if (!(value > -9223372036854775808.0)) {
         return value != value ? 0 : Int64Limits::min();
@@ -35,11 +36,11 @@ inline std::int64_t SaturatingSubtract(std::int64_t a, std::int64_t b) noexcept 
     return a - b;
 }
 
-// For a factor above 0.
+// The factor must be above 0.
 inline std::int64_t SaturatingMultiply(std::int64_t value, std::int64_t factor) noexcept {
     constexpr std::int64_t kSmall = std::numeric_limits<std::int32_t>::max();
     if (value >= -kSmall && value <= kSmall && factor <= kSmall) {
-        return value * factor;  // no division for the times that are met most
+        return value * factor;  // no division for the most frequent times
     }
     if (value > Int64Limits::max() / factor) {
         return Int64Limits::max();

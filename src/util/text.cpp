@@ -13,7 +13,8 @@ std::string_view View(const char* text) noexcept {
     return text ? text : "";
 }
 
-// Copies the part out and makes `rest`, a view of the source, the source.
+// Copies the part out and makes `rest`, a view of the source, the new source. Both copies are made
+// before the source changes, so that it is unchanged if out of memory.
 CString Consume(CString& source, std::string_view part, std::string_view rest) noexcept {
     return corv::platform::Guarded(CString(), [&] {
         CString taken(part);

@@ -12,7 +12,8 @@ namespace corv::util {
 namespace {
 
 constexpr double kMaxBaseUnits = 9.2e18;
-// The largest whole number of each unit from the base unit on.
+// The largest whole number of each unit from the base unit on, so that no time exceeds
+// kMaxBaseUnits picoseconds. That limit is a little below 2^63, where doubles would round up to it.
 constexpr auto kMaxWhole = [] {
     std::array<std::int64_t, kTimeUnits.size()> limits{};
     for (unsigned unit = kBaseUnit; unit < limits.size(); ++unit) {
@@ -20,13 +21,13 @@ constexpr auto kMaxWhole = [] {
     }
     return limits;
 }();
-constexpr std::size_t kExactDigits = 18;  // every number of so many digits fits 63 bits
+constexpr std::size_t kExactDigits = 18;  // every number with this many digits fits into 63 bits
 
-// The number of a time text, cut into its pieces.
+// The number of a time text, split into its pieces.
 struct NumberText {
     bool negative = false;
     std::string_view whole;     // digits before the point, without leading zeros
-    std::string_view fraction;  // digits behind it, without trailing zeros
+    std::string_view fraction;  // digits after it, without trailing zeros
     std::string_view rest;      // what follows the number
     std::string_view digits;    // the number as written, without its sign
 };
@@ -77,8 +78,9 @@ std::int64_t PowerOfTen(std::size_t exponent) noexcept {
     return power;
 }
 
-// A number with few digits, kept as whole + part / scale until it is whole or in the smallest unit.
-// Nothing when a step would leave 64 bits.
+// Reads a number with few digits. It is kept as whole + part / scale, which loses nothing, and
+// moved to smaller units until it is whole or in the smallest unit. Returns nullopt if a step would
+// leave 64 bits.
 std::optional<TimeReading> ReadExact(const NumberText& text, int unit) noexcept {
     std::int64_t whole = DigitsToInt(text.whole);
     std::int64_t part = DigitsToInt(text.fraction);
@@ -96,7 +98,8 @@ std::optional<TimeReading> ReadExact(const NumberText& text, int unit) noexcept 
     return TimeReading{text.negative ? -number : number, text.negative ? -whole : whole, unit};
 }
 
-// Any other number, as a double.
+// Reads any other number as a double. These have more digits than a time in 64 bits can use, so
+// rounding them changes nothing visible.
 std::optional<TimeReading> ReadRounded(const NumberText& text, int unit) noexcept {
     double number = 0;
     const char* end = text.digits.data() + text.digits.size();
@@ -122,8 +125,9 @@ bool InRange(const TimeReading& time) noexcept {
     return time.whole <= kMaxWhole[unit] && time.whole >= -kMaxWhole[unit];
 }
 
-// Whether the digits fit 64 bits and may be read exactly; a fraction without a larger unit to leave
-// is read as a double.
+// Returns whether the digits fit into 64 bits and can be read exactly. A fraction of the smallest
+// unit, or without a unit, cannot become whole and is read as a double. Three digits of room are
+// needed for the factor 1000 to the next unit.
 bool IsExact(const NumberText& text, int unit) noexcept {
     if (!text.fraction.empty()) {
         return unit > 0 && text.whole.size() <= kExactDigits &&
@@ -133,7 +137,8 @@ bool IsExact(const NumberText& text, int unit) noexcept {
            (text.whole.size() == kExactDigits + 1 && text.whole <= "9223372036854775807");
 }
 
-// Most times are a few digits and nothing else.
+// Reads a text of a few digits and nothing else, which most times are: skipping the decimal
+// arithmetic for them makes reading formulas noticeably faster.
 std::optional<std::int64_t> PlainDigits(std::string_view text) noexcept {
     if (text.empty() || text.size() > kExactDigits ||
         !std::all_of(text.begin(), text.end(), platform::IsDigit)) {

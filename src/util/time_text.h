@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-// The unit table, and the reading and writing of times on views of a text.
+// The table of units, and reading and writing of times as views of a text. Everything here is
+// exact: a time is a whole number of some unit, and fractions are resolved in decimal arithmetic.
 namespace corv::util {
 
 struct TimeUnitRow {
@@ -37,34 +38,35 @@ inline constexpr auto kFemtoseconds = [] {
     return sizes;
 }();
 
-// How many of the smaller unit make one of the larger; both known, from <= to.
+// Returns how many of the smaller unit make one of the larger. Both must be units of the table,
+// from <= to.
 constexpr std::int64_t UnitRatio(unsigned from, unsigned to) noexcept {
     return kFemtoseconds[to] / kFemtoseconds[from];
 }
 
-// The identifier of a unit name in any case, -1 for anything else.
+// Returns the identifier of a unit name in any case, -1 for anything else.
 int FindTimeUnit(std::string_view name) noexcept;
 
-// A time that was read: the number and the unit it is in (-1: none was written). `whole` is the
-// number truncated toward zero, exact where the double is rounded.
+// A time that was read: the number and its unit (-1 if none was written). `whole` is the number
+// truncated toward zero; it is exact where the double is rounded.
 struct TimeReading {
     double number = 0;
     std::int64_t whole = 0;
     int unit = -1;
 };
 
-// Reads a number and the unit right behind it; a unit may also be given as a second text that
-// counts as standing directly behind the first. Nothing when the text is not a time.
+// Reads a number and the unit directly after it. The unit may also be passed as a second text,
+// which then counts as following the first. Returns nullopt if the text is not a time.
 std::optional<TimeReading> ReadTime(std::string_view text, std::string_view unit = {}) noexcept;
 
-// Reads a number alone, given in a unit (-1: none).
+// Reads a number alone, which is in the given unit (-1 for none).
 std::optional<TimeReading> ReadTimeIn(std::string_view number, int unit) noexcept;
 
-// How much of a text is a number as times are written: a sign, digits, a point, digits. 0 when it
-// does not begin with one.
+// Returns how much of a text is a number in the form of times: a sign, digits, a point, digits.
+// Returns 0 if the text does not begin with one.
 std::size_t NumberLength(std::string_view text) noexcept;
 
-// Moves a whole number up to the largest unit in which it is still whole; 0 stays.
+// Converts a whole number to the largest unit in which it is still whole. 0 keeps its unit.
 void ScaleWhole(std::int64_t& value, unsigned& unit) noexcept;
 
 // Appends the number in decimal.

@@ -10,7 +10,8 @@ namespace {
 using corv::util::kTimeUnits;
 using corv::util::UnitRatio;
 
-// 1e0, 1e3, … 1e15: how many of a unit up to "sec" make a second, how many hertz a frequency unit.
+// 1e0, 1e3, … 1e15. Indexed from the end, how many of a unit up to "sec" make a second; indexed
+// from the front, how many hertz make a frequency unit.
 constexpr double kThousands[] = {1, 1e3, 1e6, 1e9, 1e12, 1e15};
 constexpr unsigned kSecond = 5;
 constexpr unsigned kFrequencyUnits = 5;
@@ -92,7 +93,8 @@ double PeriodFromFreq(double frequency, unsigned frequency_unit, unsigned time_u
         const double seconds = 1 / (frequency * kThousands[frequency_unit]);
         return ChangeTime(seconds, kSecond, time_unit);
     }
-    // one rounding only, so that whole periods come out whole: units a second over hertz a unit
+    // Round only once, so that whole periods come out whole: 1/f is units per second over hertz,
+    // and the powers of 1000 in both cancel out before the division.
     const unsigned per_second = kSecond - time_unit;
     return per_second >= frequency_unit ? kThousands[per_second - frequency_unit] / frequency
                                         : 1 / (frequency * kThousands[frequency_unit - per_second]);

@@ -52,7 +52,7 @@ std::size_t FindOutsidePairs(std::string_view text, Pairs pairs,
 
 namespace {
 
-// The text without the separators and blanks at its front, in any mixture.
+// Returns the text without the separators and blanks at its front, in any mixture.
 std::string_view SkipAny(std::string_view text, std::string_view separators,
                          std::string_view blanks) noexcept {
     std::size_t before = 0;

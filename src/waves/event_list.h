@@ -14,19 +14,19 @@
 
 namespace corv::waves {
 
-// A contiguous list of events, grown at its end. A short list lies in a block of the heap that
-// doubles when it is full; from Range::kWorthwhile bytes on it lies in a range of addresses and
-// grows where it is, so that long lists are not copied and take the pages that they fill. Where
-// there is no such range the heap serves on.
+// A contiguous list of events that grows at its end. A short list is in a block of the heap that
+// doubles when it is full. From Range::kWorthwhile bytes on, the list is in a range of addresses
+// and grows in place, so that long lists are not copied and take only the pages that they fill. If
+// no range is available, the list stays in the heap.
 //
-// Spare room is given back by Trim, which the wave calls before it hands out events: the list has
-// then stopped growing, or at least paused. The block that is needed after a Trim is larger by a
-// sixteenth only, so that a caller who adds and asks in turn does not have the list copied each
-// time; should it fill up without a question, the next one doubles again.
+// Spare room is released by Trim, which the wave calls before it returns events: the list has then
+// stopped growing, or at least paused. The first block after a Trim has a sixteenth of spare room,
+// enough for callers that add and ask in turn not to have the list copied each time; if that fills
+// up without another Trim, the next block doubles again.
 //
-// Events are copied one by one, since the standard lets no object with virtual operations be moved
-// as bytes. Their copies are the two stores that a block move would make, and their destruction is
-// nothing, so it is as fast.
+// Events are copied one by one, since the standard does not allow objects with virtual operations
+// to be moved as bytes. A copy compiles to the two stores that a block move would make, and
+// destruction to nothing, so this is just as fast.
 template <class Event, class Range = platform::AddressRange>
 class EventList {
     static_assert(std::is_trivially_destructible_v<Event>);
@@ -62,21 +62,22 @@ public:
     const Event* end() const noexcept { return end_; }
     Event& back() noexcept { return end_[-1]; }
 
-    // Whether the next Append has no room.
+    // Returns whether there is no room for the next Append.
     bool full() const noexcept { return end_ == limit_; }
 
-    // Makes room for an event more. False, with the list as it was, when memory runs out; so for
-    // Prepend.
+    // Makes room for one more event. Returns false and leaves the list unchanged if out of memory;
+    // so does Prepend.
     bool MakeRoom() noexcept { return GrowInPlace(1) || MoveToLarger(1, 0); }
 
-    // Adds an event made from the arguments; there must be room for it.
+    // Adds an event made from the arguments. There must be room for it.
     template <class... Args>
     void Append(Args... args) noexcept {
         ::new (static_cast<void*>(end_)) Event(args...);
         ++end_;
     }
 
-    // Puts the events of another list in front, its last one first. Each event is copied once.
+    // Inserts the events of another list at the front, its last one first. Each event is copied
+    // once.
     bool Prepend(const EventList& reversed) noexcept {
         const std::size_t count = reversed.size();
         if (count == 0) {
@@ -92,19 +93,19 @@ public:
         return true;
     }
 
-    // Removes the events from one place to another; the later ones close up.
+    // Removes the events from one place to another and moves the later ones up.
     void Erase(Event* first, Event* last) noexcept {
         end_ = std::move(last, end_, first);
         trimmed_ = false;
     }
 
-    // Removes all events. Their room stays for the next ones, until the next Trim.
+    // Removes all events. Their room is kept for the next ones, until the next Trim.
     void Clear() noexcept {
         end_ = begin_;
         trimmed_ = false;
     }
 
-    // Gives spare room back. Events may move, unless nothing was added or removed since the last
+    // Releases spare room. Events may move, unless nothing was added or removed since the last
     // Trim.
     void Trim() noexcept {
         if (!trimmed_) [[unlikely]] {
@@ -113,7 +114,7 @@ public:
         }
     }
 
-    // For the end of the list's owner: leaves the memory of a long list to the next one.
+    // To be called when the list's owner ends: leaves the memory of a long list to the next one.
     void Retire() noexcept {
         if (range_ != nullptr) {
             begin_ = end_ = limit_ = nullptr;
@@ -131,13 +132,16 @@ private:
         std::swap(trimmed_, other.trimmed_);
     }
 
-    // Room that is not worth giving back; a range is extended by at least kStep bytes.
+    // A few spare events are not worth a release. A range is extended by at least half of what
+    // makes it worthwhile (64 KiB), since each extension is a system call. A list that has outgrown
+    // its first range receives sixteen times its size in addresses: these cost nothing until
+    // touched, and the list then moves at most a handful of times up to any size.
     static constexpr std::size_t kSpareEvents = 4;
     static constexpr std::size_t kStep = Range::kWorthwhile / 2;
     static constexpr std::size_t kSpread = 16;
 
-    // An empty list with room for that many events, at least one; without room when memory runs
-    // out.
+    // Returns an empty list with room for that many events, at least one; without room if out of
+    // memory.
     static EventList WithRoom(std::size_t count) noexcept;
     bool TakeRange(std::size_t bytes) noexcept;
 
@@ -150,7 +154,7 @@ private:
     Event* begin_ = nullptr;
     Event* end_ = nullptr;
     Event* limit_ = nullptr;
-    std::unique_ptr<Range> range_;  // where the list lies; none when it lies in the heap
+    std::unique_ptr<Range> range_;  // where the list is; null if it is in the heap
     bool trimmed_ = false;          // since the last removal and the last move to a larger place
 };
 
@@ -168,11 +172,12 @@ EventList<Event, Range> EventList<Event, Range>::WithRoom(std::size_t count) noe
     return list;
 }
 
-// Puts the empty list into a range of so many usable bytes, if there is one.
+// Places the empty list in a range with that many usable bytes, if there is one.
 template <class Event, class Range>
 bool EventList<Event, Range>::TakeRange(std::size_t bytes) noexcept {
-    // Twice the addresses at first, so that many lists that grow together lie close: the processor
-    // finds their pages faster then. More for a list that outgrows them, so that it seldom moves.
+    // The first range has only twice the addresses, so that many lists that grow together are close
+    // to each other: the processor then finds their pages faster. A list that outgrows it receives
+    // kSpread times its size, so that it seldom moves.
     Range range = Range::Reserve(2 * bytes, bytes * (bytes < 4 * Range::kWorthwhile ? 2 : kSpread));
     if (!range || !range.Commit(bytes)) {
         return false;
@@ -186,7 +191,8 @@ bool EventList<Event, Range>::TakeRange(std::size_t bytes) noexcept {
     return true;
 }
 
-// Extends the range, when the list lies in one that has the addresses.
+// Extends the range, if the list is in one that has the addresses. By a sixteenth at least, so that
+// the number of extensions stays logarithmic.
 template <class Event, class Range>
 bool EventList<Event, Range>::GrowInPlace(std::size_t more) noexcept {
     if (range_ == nullptr || more > kMostEvents - size()) {
@@ -201,7 +207,8 @@ bool EventList<Event, Range>::GrowInPlace(std::size_t more) noexcept {
     return true;
 }
 
-// Moves the list to a place with room for more events, behind a gap in front of the first one.
+// Moves the list to a place with room for more events, leaving a gap before the first one. After a
+// Trim the list grows by a sixteenth only, otherwise it doubles.
 template <class Event, class Range>
 bool EventList<Event, Range>::MoveToLarger(std::size_t more, std::size_t gap) noexcept {
     if (more > kMostEvents - size()) {

@@ -7,7 +7,7 @@
 
 namespace corv::waves {
 
-// What a search compares: an event by its time, or a time itself.
+// What a search compares: the time of an event, or a time itself.
 template <class Event>
 std::int64_t TimeOf(const Event& event) noexcept {
     return event.Time();
@@ -16,11 +16,12 @@ inline std::int64_t TimeOf(std::int64_t time) noexcept {
     return time;
 }
 
-// A search for the number of items before a time, in a list in order of time. Whatever the order
-// is, the number for a later time is not below that for an earlier one.
+// A search for the number of items before a time, in a list in order of time. Even if the host has
+// broken that order, the number for a later time is never below that for an earlier one, so ranges
+// between two searches stay valid.
 //
-// The list is cut down to a quarter at each step without a branch: there is nothing for the
-// processor to guess wrong, and the three items of a step are fetched at the same time.
+// Each step narrows the list to a quarter without a branch: the processor has nothing to
+// mispredict, and the three items of a step are fetched at the same time.
 template <class Item>
 class ItemSearch {
 public:
@@ -29,16 +30,17 @@ public:
         : items_(items), base_(items), count_(count), time_(time) {}
 
     bool IsWide() const noexcept { return count_ >= 8; }
-    // One step; only when it is wide.
+    // Does one step. The search must be wide.
     void Narrow() noexcept {
         const std::size_t quarter = count_ / 4;
         const std::size_t quarters = IsBefore(base_[quarter - 1]) +
                                      IsBefore(base_[2 * quarter - 1]) +
                                      IsBefore(base_[3 * quarter - 1]);
+        // Without Opaque the compilers turn the product into branches again.
         base_ += quarter * platform::Opaque(quarters);
         count_ -= 3 * quarter;
     }
-    // The number, when it is not wide any more.
+    // Returns the number, once the search is no longer wide.
     std::size_t Count() const noexcept {
         std::size_t rest = 0;
         for (std::size_t i = 0; i < count_; ++i) {
@@ -53,8 +55,8 @@ private:
     }
 
     const Item* items_ = nullptr;
-    const Item* base_ = nullptr;  // the items in front of it are before the time
-    std::size_t count_ = 0;       // of those from there on that may be
+    const Item* base_ = nullptr;  // all items before this one are before the time
+    std::size_t count_ = 0;       // of the items from there on that may be before it
     std::int64_t time_ = 0;
 };
 

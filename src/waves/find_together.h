@@ -13,8 +13,9 @@ namespace corv::waves {
 
 inline constexpr std::size_t kMostTogether = 8;
 
-// Timeline::Find for several lists, up to kMostTogether. The searches take turns, so that while one
-// waits for an event to come from memory the others go on.
+// Timeline::Find for up to kMostTogether lists. The searches take turns, so that while one waits
+// for an event from memory the others go on. Lists with an index are searched through it, one after
+// the other.
 template <class Event>
 void FindTogether(Timeline<Event>* const* lists, std::size_t count, std::int64_t time,
                   std::uint32_t mode, std::size_t* found) noexcept {

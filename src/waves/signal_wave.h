@@ -134,7 +134,7 @@ public:
         return events_[index].GetValue(buffer, buffer_size) > 0 ? S_OK : E_FAIL;
     }
 
-    // The events, for the library itself.
+    // The events, for use within the library.
     Timeline<WaveEvent<Value>>& List() noexcept { return events_; }
 
 private:
@@ -147,7 +147,7 @@ private:
     static constexpr std::uint8_t kMarked = 1;
     static constexpr std::uint8_t kOverwritten = 2;
 
-    // Apart, so that adding an event without it saves no registers.
+    // A separate function, so that adding an event without it need not save registers.
     [[gnu::noinline]] HRESULT MakeRoomAndAdd(std::int64_t time, std::uint32_t stamp,
                                              const void* value, std::uint32_t value_size) noexcept {
         return events_.MakeRoom() ? AddEvent(time, stamp, value, value_size) : E_OUTOFMEMORY;
@@ -157,7 +157,8 @@ private:
         return !events_.empty() && events_.back().Time() == time;
     }
 
-    // A design has a wave for each bit, and most are short: what few waves need is held apart.
+    // A design has a wave for each bit, and most are short, so whatever only few waves need is
+    // allocated separately.
     Events events_;                           // in non-falling order of time
     std::unique_ptr<PendingEvents> pending_;  // in falling order of time, older than all events_
     std::uint32_t last_stamp_ = 0;

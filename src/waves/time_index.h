@@ -11,16 +11,16 @@
 
 namespace corv::waves {
 
-// The times of every 32nd event of a long list, and every 32nd of these, for searches: they lie
-// close together where the events would have to be fetched from all over the memory. The index is
-// brought up to date when it is asked and takes a quarter of a byte an event.
+// The times of every 32nd event of a long list, and every 32nd of these, for searches: they are
+// close together, whereas the events themselves would have to be fetched from all over memory. The
+// index is brought up to date when it is used and takes a quarter of a byte per event.
 class TimeIndex {
 public:
-    // Lists of up to so many events stay in the processor's caches and are searched as fast
-    // without.
+    // Lists of up to this many events stay in the processor's caches and are searched just as fast
+    // without an index.
     static constexpr std::size_t kWorthwhile = 32'768;
 
-    // The number of events before a time. Without memory for the index it takes longer.
+    // Returns the number of events before a time. Without memory for the index this takes longer.
     template <class Event>
     std::size_t CountEventsBefore(const Event* events, std::size_t count,
                                   std::int64_t time) noexcept {
@@ -32,7 +32,7 @@ public:
         return CountInGroup(events, count, fine, time);
     }
 
-    // The events from an index on are not what they were.
+    // Says that the events from an index on have changed.
     void Forget(std::size_t first) noexcept {
         Shorten(fine_, Groups(first));
         Shorten(coarse_, Groups(fine_.size()));
@@ -46,12 +46,13 @@ private:
         return (count + kGroup - 1) / kGroup;
     }
 
-    // Of both lists: memory may have run out between them.
+    // Checks both lists, since memory may have run out between them.
     bool IsComplete(std::size_t count) const noexcept {
         return fine_.size() >= Groups(count) && coarse_.size() >= Groups(fine_.size());
     }
 
-    // The number of items before a time, when so many groups of them begin before it.
+    // Returns the number of items before a time if `groups` groups of them begin before it: all
+    // groups but the last are entirely before it, so only that one is searched.
     template <class Item>
     static std::size_t CountInGroup(const Item* items, std::size_t count, std::size_t groups,
                                     std::int64_t time) noexcept {
@@ -66,7 +67,7 @@ private:
         return start + CountBefore(items + start, length, time);
     }
 
-    // Adds the times of the groups that are not in the list yet.
+    // Adds the times of the groups that are not yet in the list.
     template <class Item>
     static void Extend(Times& times, const Item* items, std::size_t count) {
         const std::size_t groups = Groups(count);

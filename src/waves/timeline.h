@@ -30,7 +30,7 @@ public:
 
     Event& operator[](std::size_t index) noexcept { return List::begin()[index]; }
 
-    // As of the list; an index stands for the event there.
+    // As in EventList, but with indices for the events.
     bool Prepend(const List& reversed) noexcept {
         Forget(0);
         return List::Prepend(reversed);
@@ -44,7 +44,7 @@ public:
         List::Clear();
     }
 
-    // The number of events before a time; up to and including it.
+    // Return the number of events before a time, and up to and including it.
     std::size_t CountBefore(std::int64_t time) noexcept {
         if (size() > TimeIndex::kWorthwhile && HasIndex()) {
             return index_->CountEventsBefore(List::begin(), size(), time);
@@ -55,13 +55,13 @@ public:
         return time == std::numeric_limits<std::int64_t>::max() ? size() : CountBefore(time + 1);
     }
 
-    // The index of the event that a search mode (EFindMode) chooses; size() or a larger number when
-    // there is none, or no such mode.
+    // Returns the index of the event that a search mode (EFindMode) selects; size() or a larger
+    // number if there is none, or no such mode.
     std::size_t Find(std::int64_t time, std::uint32_t mode) noexcept {
         return Chosen(mode == FindAfter ? CountUpTo(time) : CountBefore(time), time, mode);
     }
-    // The same when the number of events before the time is known; for FindAfter that of those up
-    // to and including it.
+    // The same if the number of events before the time is known (for FindAfter, up to and including
+    // it). With no event before the time, FindBefore wraps around to a large number on purpose.
     std::size_t Chosen(std::size_t before, std::int64_t time, std::uint32_t mode) noexcept {
         const auto is_at = [&] { return before < size() && (*this)[before].Time() == time; };
         switch (mode) {
@@ -86,7 +86,7 @@ private:
         }
         return index_ != nullptr;
     }
-    // The events from an index on change.
+    // Says that the events from an index on change.
     void Forget(std::size_t first) noexcept {
         if (index_ != nullptr) {
             index_->Forget(first);

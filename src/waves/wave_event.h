@@ -9,7 +9,8 @@
 
 namespace corv::waves {
 
-// The value bytes of a value argument; zero bytes unless it is usable: not null and long enough.
+// Return whether a value argument is usable (not null and long enough), and its value bytes: zero
+// unless it is usable.
 template <class Value>
 inline bool IsUsable(const void* value, std::size_t size) noexcept {
     return value != nullptr && size >= sizeof(Value);
@@ -23,8 +24,8 @@ inline Value UsableOrZero(const void* value, std::size_t size) noexcept {
     return bytes;
 }
 
-// An event as the lists of a wave hold it, by value: 24 bytes with a 4-byte value, 32 with an
-// 8-byte one. The capitalised operations without Get are for the library itself, inline.
+// An event as stored in the lists of a wave, by value: 24 bytes with a 4-byte value, 32 with an
+// 8-byte one. The operations that are not virtual are for the library itself.
 template <class Value>
 class WaveEvent final : public IWaveEvent {
 public:
@@ -60,7 +61,7 @@ public:
     std::uint8_t SetFlags(std::uint8_t flags) noexcept override { return fields_.flags = flags; }
 
 private:
-    // In one piece, since an event is copied often: the compilers then move it as a block.
+    // In one piece, since events are copied often and compilers move a struct as a block.
     struct Fields {
         std::int64_t time;
         Value value;

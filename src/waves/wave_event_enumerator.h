@@ -13,8 +13,8 @@
 
 namespace corv::waves {
 
-// Where an enumerator stands. The position is an index, so that it means something after any change
-// of the events; past the last one it means the end.
+// The position of an enumerator. It is an index, so that it stays meaningful after any change of
+// the events; an index past the last event means the end.
 template <class Value>
 struct WavePlace {
     Timeline<WaveEvent<Value>>& events_;
@@ -32,7 +32,7 @@ class WaveEventEnumerator final
     using Base::position_;
 
 public:
-    // Stands on the first event of a wave, which must outlive the enumerator.
+    // Starts on the first event of a wave, which must outlive the enumerator.
     explicit WaveEventEnumerator(Timeline<WaveEvent<Value>>& events) noexcept : Base({events}) {}
 
     HRESULT CORV_CALL Current(IWaveEvent** event) noexcept override {
@@ -83,9 +83,9 @@ public:
         return S_OK;
     }
 
-    // Next for one event and CurrentTime in one, inline, for the library itself: delivers the event
-    // unless at the end and gives the time of the one behind it, -1 when there is none. What later
-    // steps read is fetched ahead, since many waves may be walked in turn.
+    // Next for one event combined with CurrentTime, inline, for the library itself: delivers the
+    // event unless at the end and returns the time of the following one, -1 if there is none. The
+    // events of later steps are prefetched, since a bus walks many waves in turn.
     std::int64_t Take(IWaveEvent** event) noexcept {
         events_.Trim();
         const std::size_t size = events_.size();

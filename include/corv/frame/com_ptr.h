@@ -4,14 +4,14 @@
 
 namespace corv::frame {
 
-// A counted reference to an interface, or none.
+// An owned reference to an interface, or none. It is released with this object.
 template <class Interface>
 class ComPtr {
 public:
     ComPtr() noexcept = default;
-    // Takes over a reference that the caller has.
+    // Takes over a reference that the caller owns.
     explicit ComPtr(Interface* counted) noexcept : pointer_(counted) {}
-    // Counts one of its own.
+    // Adds a reference of its own to a borrowed pointer.
     static ComPtr Share(Interface* borrowed) noexcept {
         if (borrowed != nullptr) {
             borrowed->AddRef();
@@ -34,12 +34,12 @@ public:
     Interface* operator->() const noexcept { return pointer_; }
     Interface& operator*() const noexcept { return *pointer_; }
 
-    // For a factory's out; what is held is released first.
+    // Releases what is held and returns the address for a factory to write to.
     Interface** Out() noexcept {
         ComPtr().Swap(*this);
         return &pointer_;
     }
-    // Gives the reference away.
+    // Hands the reference over to the caller.
     Interface* Detach() noexcept { return std::exchange(pointer_, nullptr); }
     void Swap(ComPtr& other) noexcept { std::swap(pointer_, other.pointer_); }
 

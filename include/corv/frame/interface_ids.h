@@ -2,8 +2,8 @@
 
 #include "corv/platform/guid.h"
 
-// The identifiers of the COM interfaces, for QueryInterface. IID_IUnknown stands with IUnknown. An
-// object answers the identifier of its own interface and IID_IUnknown, no other.
+// The identifiers of the COM interfaces, for QueryInterface. IID_IUnknown is declared with
+// IUnknown. An object supports the identifier of its own interface and IID_IUnknown, no others.
 
 inline constexpr GUID IID_ISignal{
     0xDA43AC40, 0x0985, 0x11D1, {0xA5, 0xBA, 0x00, 0xC0, 0xDF, 0x12, 0x53, 0x3A}};

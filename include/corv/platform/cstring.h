@@ -11,9 +11,9 @@
 // An owned, zero-terminated 8-bit text: the text type of the exported signatures.
 //
 // Lengths and positions count bytes. A null `const char*` is an empty text everywhere. Positions
-// and counts outside the text are cut to it; reading outside gives 0, writing outside does nothing.
-// Letters are the 26 ASCII ones, whatever the locale. When memory runs out, the operations that
-// make a text longer throw std::bad_alloc, as std::string does; Format and LoadString do not.
+// and counts outside the text are limited to it; reading outside returns 0, writing outside does
+// nothing. Letters are the 26 ASCII ones, whatever the locale. If out of memory, the operations
+// that make a text longer throw std::bad_alloc, as std::string does; Format and LoadString do not.
 class CORV_API CString {
 public:
     CString() noexcept = default;
@@ -28,14 +28,14 @@ public:
     }
     CString& operator=(char c) {
         if (text_.size() == 1) {
-            text_[0] = c;  // what a loop over one-character values does each time
+            text_[0] = c;  // the usual case in a loop over one-character values
         } else {
             text_.assign(1, c);
         }
         return *this;
     }
 
-    // The text, zero-terminated; it lives until the next change of this object.
+    // The text, zero-terminated; the pointer is valid until this object changes.
     operator const char*() const noexcept { return text_.c_str(); }  // NOLINT
     std::string_view View() const noexcept { return text_; }
 
@@ -51,14 +51,16 @@ public:
                    : '\0';
     }
     char operator[](int index) const noexcept { return GetAt(index); }
-    // Replaces the byte at a position inside the text.
+    // Replaces the byte at a position; does nothing outside the text.
     void SetAt(int index, char c) noexcept;
 
-    // The first occurrence at or after `start`, -1 when there is none or `start` is outside.
+    // Returns the position of the first occurrence at or after `start`, -1 if there is none or
+    // `start` is outside.
     int Find(const char* text, int start = 0) const noexcept;
     int Find(char c, int start = 0) const noexcept;
 
-    // Copies of the first `count` bytes, the last `count` bytes, `count` bytes from `first` on.
+    // Return copies: the first `count` bytes, the last `count` bytes, everything from `first` on,
+    // and `count` bytes from `first` on.
     CString Left(int count) const;
     CString Right(int count) const;
     CString Mid(int first) const;
@@ -70,21 +72,23 @@ public:
     void MakeLower() noexcept;
     void MakeUpper() noexcept;
 
-    // Less than 0, 0, more than 0, bytes compared as unsigned; NoCase takes A to Z as a to z.
+    // Return a number below 0, 0, or a number above 0; bytes are compared as unsigned.
+    // CompareNoCase treats A to Z as a to z.
     int Compare(const char* text) const noexcept;
     int CompareNoCase(const char* text) const noexcept;
 
     // Replaces the text by a printf-style formatted one; the arguments may use the text itself.
-    // `%I64i`, `%I64d`, `%I64u`, `%I64x` and `%I64X` take 64-bit integers on every platform.
-    // When memory runs out or the format can't be used, the text is left empty.
+    // `%I64i`, `%I64d`, `%I64u`, `%I64x` and `%I64X` take 64-bit integers on every platform. If out
+    // of memory, or if the format cannot be used, the text becomes empty.
     void Format(const char* format, ...) noexcept;
 
-    // Replaces the text by the library's string-table entry. False, with the text left empty,
-    // when there is no such entry or memory runs out.
+    // Replaces the text by an entry of the library's string table. Returns false, with the text
+    // empty, if there is no such entry or no memory.
     bool LoadString(unsigned id) noexcept;
 
-    // A buffer of at least `min_length` characters and a terminating zero, holding the text.
-    // It may be written until ReleaseBuffer, which takes the new length, -1 for "up to the zero".
+    // GetBuffer returns a buffer with room for at least `min_length` characters and a terminating
+    // zero, which contains the text. It may be written to until ReleaseBuffer sets the new length;
+    // -1 means up to the first zero.
     char* GetBuffer(int min_length);
     void ReleaseBuffer(int new_length = -1) noexcept;
 

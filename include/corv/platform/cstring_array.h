@@ -6,18 +6,18 @@
 
 #include "corv/platform/cstring.h"
 
-// An indexed list of owned texts. Indices run from 0. Reading outside the list gives an empty
-// text; sizes below 0 count as 0. When memory runs out, the operations that make the list longer
-// throw std::bad_alloc and leave it as it was.
+// An indexed list of owned texts. Indices run from 0. Reading outside the list returns an empty
+// text; sizes below 0 count as 0. If out of memory, the operations that make the list longer throw
+// std::bad_alloc and leave it unchanged.
 class CStringArray {
 public:
     int GetSize() const noexcept { return static_cast<int>(texts_.size()); }
-    // Cuts the list or lengthens it with empty texts.
+    // Shortens the list, or extends it with empty texts.
     void SetSize(int size) { texts_.resize(size > 0 ? static_cast<std::size_t>(size) : 0); }
     void RemoveAll() noexcept { texts_.clear(); }
 
-    // The entry, valid until the list changes. Outside the list: an empty text that belongs to no
-    // entry, so that what is written there is lost.
+    // Returns the entry, valid until the list changes. Outside the list it returns an empty text
+    // that belongs to no entry, so anything written to it is lost.
     const CString& GetAt(int index) const noexcept {
         return Holds(index) ? Entry(index) : outside_;
     }
@@ -36,13 +36,13 @@ public:
             Entry(index) = text;
         }
     }
-    // The same, lengthening the list up to the index; an index below 0 does nothing.
+    // The same, but extends the list up to the index if necessary; an index below 0 does nothing.
     void SetAtGrow(int index, const char* text) {
         if (index < 0) {
             return;
         }
         if (index == std::numeric_limits<int>::max()) {
-            throw std::bad_alloc();  // its length is no int
+            throw std::bad_alloc();  // its length would not fit into an int
         }
         CString copy(text);
         if (!Holds(index)) {
@@ -50,7 +50,7 @@ public:
         }
         Entry(index) = std::move(copy);
     }
-    // Appends a text and gives its index.
+    // Appends a text and returns its index.
     int Add(const char* text) {
         texts_.emplace_back(text);
         return GetSize() - 1;

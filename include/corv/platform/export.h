@@ -1,7 +1,7 @@
 #pragma once
 
-// CORV_API marks what the shared library exports; everything else stays hidden.
-// Hosts that link the static library define CORV_STATIC (the CMake target does it for them).
+// CORV_API marks what the shared library exports; everything else stays hidden. Hosts that link the
+// static library define CORV_STATIC (the CMake target does so for them).
 
 #if defined(_WIN32)
 #if defined(CORV_STATIC)

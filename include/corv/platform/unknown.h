@@ -14,17 +14,17 @@
 
 inline constexpr GUID IID_IUnknown{0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-// What every COM interface begins with. There is no virtual destructor: an object ends at its last
+// The base of every COM interface. It has no virtual destructor: an object ends with its last
 // Release.
 class IUnknown {
 public:
-    // Stores the object's interface pointer in the target, counts one reference and gives S_OK, for
-    // the object's own identifier and IID_IUnknown; any other gives E_NOINTERFACE and leaves the
-    // target alone. The target must not be null.
+    // For the object's own identifier and IID_IUnknown, stores the interface pointer in the target,
+    // adds a reference and returns S_OK. For any other identifier, returns E_NOINTERFACE and leaves
+    // the target unchanged. The target must not be null.
     virtual HRESULT CORV_CALL QueryInterface(const GUID& id, void** target) = 0;
-    // Counts one reference more; gives the new count.
+    // Adds a reference and returns the new count.
     virtual std::uint32_t CORV_CALL AddRef() = 0;
-    // Counts one less; gives the new count. At 0 the object is destroyed.
+    // Removes a reference and returns the new count. At 0 the object is destroyed.
     virtual std::uint32_t CORV_CALL Release() = 0;
 
 protected:

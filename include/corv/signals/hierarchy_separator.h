@@ -4,9 +4,10 @@
 
 namespace corv {
 
-// The separator between the levels of hierarchical names: what the function
-// `char GetVHDLHierarchySeparator()` of the host's base library (QUILLBASE.DLL on Windows,
-// libquillbase.so elsewhere) gave when this library was attached, "\" without such a function.
+// Returns the separator between the levels of hierarchical names. It is what the function `char
+// GetVHDLHierarchySeparator()` of the host's base library (QUILLBASE.DLL on Windows,
+// libquillbase.so elsewhere) returned when this library was attached, or "\" if there is no such
+// function.
 CORV_API char HierarchySeparator() noexcept;
 
 }  // namespace corv

@@ -5,11 +5,12 @@
 #include "corv/platform/cstring.h"
 #include "corv/platform/export.h"
 
-// The settings of a clock stimulator: the one-line record that a host stores, and the formula that
-// CStimulus reads. No setting is tested for its range.
+// The settings of a clock stimulator, which convert to the one-line record that a host stores and
+// to the formula that CStimulus reads (docs/formats/clocks.md). No setting is checked for its
+// range.
 class CORV_API CClock {
 public:
-    // A frequency of 10 kHz with a duty cycle of 50 %, starting high at 0.
+    // A frequency of 10 kHz with a duty cycle of 50 %, starting high at time 0.
     CClock() noexcept = default;
     CClock(const CClock&) noexcept = default;
     CClock& operator=(const CClock&) noexcept = default;
@@ -18,7 +19,8 @@ public:
     // The frequency or the period, in the rate unit.
     double GetRateValue() const noexcept { return rate_value_; }
     void SetRateValue(double value) noexcept { rate_value_ = value; }
-    // A period: the time units of time_units.h. A frequency: 0 Hz, 1 kHz, 2 MHz, 3 GHz, 4 THz.
+    // The unit of the rate. For a period, a time unit of time_units.h; for a frequency, 0 Hz, 1
+    // kHz, 2 MHz, 3 GHz, 4 THz.
     std::uint8_t GetRateUnit() const noexcept { return rate_unit_; }
     void SetRateUnit(std::uint8_t unit) noexcept { rate_unit_ = unit; }
     // True: the rate is a period; false: a frequency.
@@ -35,17 +37,18 @@ public:
     void SetStartLow(bool low) noexcept { start_low_ = low; }
 
     // Writes the settings record: rate value with six decimals, rate unit, rate type, the low 32
-    // bits of the offset, rate cycle, start low: "10.000000;1;0;0;50;0". Empty when memory runs
-    // out.
+    // bits of the offset, rate cycle, start low: "10.000000;1;0;0;50;0". The text is empty if out
+    // of memory.
     void StreamOut(CString& record) const noexcept;
 
-    // Reads a settings record. False for a null record and one with fewer than six fields; the
-    // fields before the missing one are set. Runs of ";" count as one; more fields are ignored.
+    // Reads a settings record. Returns false for a null record and for one with fewer than six
+    // fields; the fields before the missing one have been set by then. Runs of ";" count as one;
+    // further fields are ignored.
     bool StreamIn(const char* record) noexcept;
 
-    // Writes the clock's formula with its times in the unit, truncated: "1 0, 0 50 -r 100". With a
-    // pointer for the offset, that receives the offset and the pattern starts at 0; without, the
-    // offset is part of the text. Always true; the text is empty when memory runs out.
+    // Writes the clock's formula with its times in the unit, truncated: "1 0, 0 50 -r 100". If
+    // `offset` is not null, it receives the offset and the pattern starts at 0; otherwise the
+    // offset is part of the text. Always returns true; the text is empty if out of memory.
     bool GenerateFormula(CString& out, std::uint8_t target_unit,
                          std::int64_t* offset) const noexcept;
 

@@ -5,9 +5,9 @@
 namespace corv {
 
 // The settings of a counter stimulator and their formula text,
-// "\counter\TYPE\1\DIR\1\RADIX\10\START\0\INC\1\PERIOD\10ns\REV\0". No setting is tested for sense
-// here; RegisterCounter does that. When memory runs out while a setting is stored, the setting
-// stays as it was; an object that got no memory at all has the defaults and keeps them.
+// "\counter\TYPE\1\DIR\1\RADIX\10\START\0\INC\1\PERIOD\10ns\REV\0". No setting is checked here;
+// RegisterCounter does that. If memory runs out while a setting is stored, the setting stays as it
+// was; an object that could not allocate any memory has the defaults and keeps them.
 class CORV_API CCounterStimulusInfo {
 public:
     enum Type : int { Binary = 1, Gray, Johnson, OneHot, OneCold };  // 0: unset
@@ -35,19 +35,20 @@ public:
     void SetStartingValue(const char* text) noexcept;
     void SetIncrementBy(const char* text) noexcept;
     void SetCountPeriod(const char* text) noexcept;
-    // Copy the text into a buffer, cut to its size in bytes with the terminating zero. Give whether
-    // the text is not empty.
+    // Copy the text into a buffer, cut to the buffer's size in bytes including the terminating
+    // zero. Return whether the text is not empty.
     bool GetStartingValue(char* buffer, int size) const noexcept;
     bool GetIncrementBy(char* buffer, int size) const noexcept;
     bool GetCountPeriod(char* buffer, int size) const noexcept;
 
-    // Writes the formula text. False, the buffer untouched, when type, direction or radix is 0, a
-    // text is empty, or the buffer's size in bytes does not hold the text and its zero.
+    // Writes the formula text. Returns false, with the buffer unchanged, if type, direction or
+    // radix is 0, if a text is empty, or if the text and its zero do not fit into the buffer's size
+    // in bytes.
     bool GenerateFormula(char* buffer, int size) const noexcept;
 
     // Reads a formula text: "counter", then the keys TYPE, DIR, RADIX, START, INC, PERIOD and REV
-    // in this order and in any case, each with its value, separated by runs of "\". False at the
-    // first word that is missing or wrong; the fields before it are set.
+    // in this order and in any case, each with its value, separated by runs of "\". Returns false
+    // at the first word that is missing or wrong; the fields before it have been set by then.
     bool FromFormula(const char* text) noexcept;
 
 private:
@@ -56,7 +57,7 @@ private:
     template <class Change>
     void Write(Change change) noexcept;
 
-    Settings* settings_;  // owned; null when there was no memory for it
+    Settings* settings_;  // owned; null if there was no memory for it
 };
 
 }  // namespace corv

@@ -8,17 +8,17 @@
 
 class CCustomStimulus;
 
-// Walks the events of a recorded signal. The element that it hands out is itself, with an absolute
-// time in picoseconds; it is overwritten by the next step. The stimulus must outlive it.
+// Walks the events of a recorded signal. The element that it returns is the iterator itself, with
+// an absolute time in picoseconds; the next step overwrites it. The stimulus must outlive it.
 class CORV_API CCustomIterator : public CSimpleStimulus {
 public:
     // A null stimulus has no events.
     explicit CCustomIterator(CCustomStimulus* stimulus) noexcept;
 
-    // Back to the first event.
+    // Goes back to the first event.
     void Reset() noexcept;
 
-    // The next event, null behind the last one; the walk then starts over.
+    // Returns the next event, null after the last one; the walk then starts over.
     const CSimpleStimulus* Next() noexcept;
 
 private:

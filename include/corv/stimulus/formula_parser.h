@@ -9,30 +9,34 @@
 #include "corv/platform/cstring_array.h"
 #include "corv/platform/export.h"
 
-// Formulas of a vector cut into one formula per element, element 0 first. `width` is the number of
-// elements, at most kMaxVectorWidth. `split_mode` 0 cuts values into words, "(red,green) 0" into
-// red and green; any other cuts them into characters, "01XZ" into four. Numbers such as 16#F become
-// the digits of a bit string of the width in both. Each Run gives 1 on success and 0 on failure; 0
-// for a null or empty formula, with the list unchanged, and when memory runs out.
+// Splits the formula of a vector into one formula per element, element 0 first. `width` is the
+// number of elements, at most kMaxVectorWidth. A `split_mode` of 0 splits values into words,
+// "(red,green) 0" into red and green; any other splits them into characters, "01XZ" into four. In
+// both modes numbers such as 16#F become the digits of a bit string of the given width. Each Run
+// returns 1 on success and 0 on failure. For a null or empty formula it returns 0 with the list
+// unchanged; it also returns 0 if out of memory.
 
 inline constexpr int kMaxVectorWidth = 1'048'576;
 
-// Cuts a formula of any kind.
+// Splits a formula of any kind.
 class CORV_API CFormulaParser {
 public:
-    // As CCounterFormulaParser for counters; "/custom run.evt, bus" gives "/custom run.evt,bus(1)"
-    // and so on for the members of the recorded signal, whatever the width, and 0 when it can't be
-    // found or has no members; any other formula as CSimpleFormulaParser.
+    // Counters are split as by CCounterFormulaParser. "/custom run.evt, bus" becomes "/custom
+    // run.evt,bus(1)" and so on, one formula per member of the recorded signal, whatever the width;
+    // Run returns 0 if the signal cannot be found or has no members. Any other formula is split as
+    // by CSimpleFormulaParser.
     int Run(const char* formula, CStringArray& list, int width, int split_mode) noexcept;
 };
 
-// Cuts formulas of values and times: `"01XZ" 0, "1X10" 10 -r 20` of width 4 and in characters gives
-// "'0' 0,'1' 10 -r 20", "'1' 0,'X' 10 -r 20" and so on; characters are quoted where the value was.
+// Splits formulas of values and times: `"01XZ" 0, "1X10" 10 -r 20` of width 4, split into
+// characters, becomes "'0' 0,'1' 10 -r 20", "'1' 0,'X' 10 -r 20" and so on. Characters are quoted
+// if the value was.
 class CORV_API CSimpleFormulaParser {
 public:
-    // The list is emptied and filled with `width` formulas. 0 with the list unchanged when a
-    // stimulus refuses the formula, or the formulas would fill more than 1 GiB; 0 with what was cut
-    // before it for a value that is neither a number nor, in characters, of exactly the width.
+    // Clears the list and fills it with `width` formulas. Returns 0 with the list unchanged if a
+    // stimulus refuses the formula or if the formulas would fill more than 1 GiB. If a value is
+    // neither a number nor, in characters, exactly of the width, it returns 0, and the list
+    // contains what was split before that value.
     int Run(const char* formula, CStringArray& list, int width, int split_mode) noexcept;
 
 private:
@@ -44,10 +48,10 @@ private:
     int split_mode_ = 0;
 };
 
-// Registers a counter and gives each element its reference text.
+// Registers a counter and makes a reference text for each element.
 class CORV_API CCounterFormulaParser {
 public:
-    // Appends `width` references to the list; 0 with the list unchanged and no counter registered
-    // for a formula that RegisterCounter refuses. A width below 1 appends nothing.
+    // Appends `width` references to the list. For a formula that RegisterCounter refuses it returns
+    // 0, with the list unchanged and no counter registered. A width below 1 appends nothing.
     int Run(const char* formula, CStringArray& list, int width, int split_mode) noexcept;
 };

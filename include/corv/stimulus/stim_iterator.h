@@ -8,23 +8,23 @@
 
 class CStimulus;
 
-// Walks the elements of a stimulus in formula order, of a replayed signal its events. It stays
-// valid while the stimulus lives and is neither created anew nor destroyed. A copy stands where its
-// original stands and moves on its own.
+// Walks the elements of a stimulus in formula order, or the events of a replayed signal. It stays
+// valid as long as the stimulus lives and is neither created anew nor destroyed. A copy starts at
+// the position of its original and moves independently.
 class CORV_API CStimIterator {
 public:
-    // A null stimulus has no elements, nor has a counter.
+    // A null stimulus has no elements, and neither has a counter.
     explicit CStimIterator(CStimulus* stimulus) noexcept;
     CStimIterator(const CStimIterator& other) noexcept;
     CStimIterator& operator=(const CStimIterator& other) noexcept;
     ~CStimIterator();
 
-    // Back to the first element.
+    // Goes back to the first element.
     void Reset() noexcept;
 
-    // The next element, null after the last one. The element belongs to the stimulus, that of a
-    // replayed signal to the iterator. A relative element's time counts from the first relative
-    // one.
+    // Returns the next element, null after the last one. The element belongs to the stimulus, for a
+    // replayed signal to the iterator. The time of a relative element counts from the first
+    // relative one.
     const CSimpleStimulus* Next() noexcept;
 
 private:

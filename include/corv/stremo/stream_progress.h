@@ -7,13 +7,13 @@
 
 namespace corv {
 
-// Takes how much of a file has been read through, in bytes, and how long it is. The last call of a
-// reading through has both equal.
+// Receives how many bytes of a file have been read, and how many there are. In the last call for a
+// file both are equal.
 using StreamProgress = std::function<void(std::uint64_t done, std::uint64_t all)>;
 
-// Sets what is called now and then, every few megabytes, while a large recording of another format
-// is read through, which happens when it is opened or first asked about events. An empty function
-// ends that, as detaching the library does. Exceptions of the function are ignored.
+// Sets a function that is called every few megabytes while a large recording of another format is
+// read from beginning to end, which happens when it is opened or first asked for events. An empty
+// function, or detaching the library, ends the calls. Exceptions of the function are ignored.
 CORV_API void SetStreamProgress(StreamProgress progress) noexcept;
 
 }  // namespace corv

@@ -7,15 +7,15 @@
 
 namespace stremo {
 
-// Gives a name such as "corv:replay:1" to recordings of the host's making: CreateStreamRead of that
-// name, and custom formulas, which name a recording, then call the factory (a reader that the
-// caller owns, or null). Case does not matter. A registered name stands for no file and is never
-// remembered for deletion. False for an empty name, no factory, a name that is taken, and when
-// memory runs out.
+// Registers a name such as "corv:replay:1" for recordings that the host provides: CreateStreamRead
+// and custom formulas with that name then call the factory, which returns a reader that the caller
+// owns, or null. Case does not matter. A registered name does not mean a file and is never
+// remembered for deletion. Returns false for an empty name, an empty factory, a name that is
+// already taken, and if out of memory.
 CORV_API bool RegisterStream(const char* name,
                              std::function<IEventsStreamRead*()> factory) noexcept;
 
-// Forgets a name. False when it is not registered. Readers that are open stay so.
+// Removes a name. Returns false if it is not registered. Open readers stay open.
 CORV_API bool UnregisterStream(const char* name) noexcept;
 
 }  // namespace stremo

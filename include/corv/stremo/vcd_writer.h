@@ -8,26 +8,26 @@
 
 namespace corv {
 
-// What WriteVcd is to do. Times are picoseconds.
+// Options of WriteVcd. Times are picoseconds.
 struct VcdOptions {
-    // Writes the four values of Verilog only: U X - as x, Z W as z, 0 L as 0, 1 H as 1. For tools
-    // that don't know the others.
+    // Writes only the four values of Verilog: U X - as x, Z W as z, 0 L as 0, 1 H as 1. For tools
+    // that do not know the others.
     bool four_state = false;
 
     // Writes blanks in names as they are. VHDL allows them in extended identifiers, but most tools
     // read a name up to its first blank; without this they become "_".
     bool raw_names = false;
 
-    // The part of the recording that is written: the values that the signals have at `start`, the
-    // events from there, up to and including `end` (below 0: to the end). Times stay what they are.
+    // The part of the recording that is written: the values that the signals have at `start`, and
+    // the events from there up to and including `end` (below 0: all of them). Times do not change.
     std::int64_t start = 0;
     std::int64_t end = -1;
 
-    // Says which top-level signals are written, by name and handle; none: all.
+    // Decides which top-level signals are written, by name and handle. An empty function takes all.
     std::function<bool(const char* name, int handle)> takes;
 
-    // Called now and then with the time that has been reached; false ends the work, which has
-    // failed then.
+    // Called now and then with the time that has been reached. Returning false stops the writing,
+    // which then counts as failed.
     std::function<bool(std::int64_t time)> progress;
 };
 
@@ -45,10 +45,10 @@ struct VcdOptions {
 // The hierarchy separator in a name divides scopes. Signals that share a handle share a code. The
 // file's unit is the picosecond. Scalars without a type are left out.
 //
-// The reader's place is moved; a reader of this library that has not been asked for events is told
-// the signals of interest. Gives false when the file could not be written (what was written stays)
-// or memory runs out; corv::LastStreamError says why. No exception leaves it, those of the
-// functions in the options included.
+// The reader's position changes. On a reader of this library that has not been asked for events
+// yet, the signals to be written are selected first (SelectStreamSignals). Returns false if the
+// file could not be written (the written part stays) or if out of memory; corv::LastStreamError
+// says why. No exception leaves it, not even one of the functions in the options.
 CORV_API bool WriteVcd(stremo::IEventsStreamRead& reader, const char* file_name,
                        const VcdOptions& options = {}) noexcept;
 

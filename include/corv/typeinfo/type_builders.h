@@ -6,11 +6,11 @@
 #include "corv/platform/export.h"
 #include "corv/platform/result.h"
 
-// Writing type-description strings.
+// Builders of type-description strings (docs/formats/type-descriptions.md).
 
-// A literal of an enumeration: an owned text, or none. Setting a text that is no longer than the
-// one held reuses its storage; should memory run out, the object is left without text. A null text
-// is no text.
+// A literal of an enumeration: an owned text, or none. Setting a text that is not longer than the
+// present one reuses its storage; if out of memory, the object is left without a text. A null text
+// means no text.
 class CORV_API TEnumValue {
 public:
     TEnumValue() noexcept = default;
@@ -22,17 +22,16 @@ public:
     }
 
     void Set(const char* text) noexcept;
-    // The text, null when there is none; valid until the next change.
+    // Returns the text, null if there is none; valid until the next change.
     const char* Get() const noexcept { return text_.get(); }
-    // Its length in characters, 0 without text.
+    // Returns its length in characters, 0 without a text.
     int GetLen() const noexcept;
 
 private:
     std::unique_ptr<char[]> text_;
 };
 
-// A field of a record: its name and its type-description string, each kept as TEnumValue keeps a
-// text.
+// A field of a record: its name and its type-description string, each stored as in TEnumValue.
 class CORV_API TRecordField {
 public:
     TRecordField() noexcept = default;
@@ -60,40 +59,43 @@ private:
 };
 
 // The bounds of one dimension as VHDL writes them. A left bound below the right one makes the range
-// ascending (to), any other descending (downto), one of a single element too.
+// ascending (to); otherwise it is descending (downto), even with a single element.
 struct TArrayRange {
     std::int32_t left;
     std::int32_t right;
 };
 
 // The builders write a type-description string and its terminating zero into a buffer of `*size`
-// characters. With a null buffer they store the size needed in `*size` instead, and give S_OK. A
-// buffer that is too small, a null size, name, list (even of no entries) or entry gives
-// E_INVALIDARG; when memory runs out the result is E_OUTOFMEMORY. After a failure the buffer and
-// the size are as they were.
+// characters. With a null buffer they store the required size in `*size` instead and return S_OK.
+// They return E_INVALIDARG for a buffer that is too small and for a null size, name, list (even an
+// empty one) or entry, and E_OUTOFMEMORY if out of memory. After a failure the buffer and the size
+// are unchanged.
 //
 //     std::uint32_t size = 0;
 //     CreateStdTypeInfo(1, nullptr, &size);   // size is 26
 //     std::string text(size, '\0');
 //     CreateStdTypeInfo(1, text.data(), &size);   // "e#9#std_logicc9 UX01ZWLH-"
 
-// A standard type: 0 bit, 1 std_logic, 2 std_ulogic, 3 integer, 4 real, 5 character, and without
-// constraint 6 bit_vector, 7 std_logic_vector, 8 std_ulogic_vector; another index is E_INVALIDARG.
+// Writes a standard type: 0 bit, 1 std_logic, 2 std_ulogic, 3 integer, 4 real, 5 character, and,
+// unconstrained, 6 bit_vector, 7 std_logic_vector, 8 std_ulogic_vector. Returns E_INVALIDARG for
+// any other index.
 CORV_API HRESULT CreateStdTypeInfo(int index, char* buffer, std::uint32_t* size) noexcept;
 
-// An array; the ranges stand behind its name, as "bus(7 downto 0)". The element type is copied
-// unchanged. E_INVALIDARG also when the name with its ranges is longer than 259 characters.
+// Writes an array; its ranges become part of its name, as in "bus(7 downto 0)". The element type is
+// copied unchanged. Also returns E_INVALIDARG if the name with its ranges is longer than 259
+// characters.
 CORV_API HRESULT CreateArrayTypeInfo(const char* name, const TArrayRange* ranges,
                                      std::uint32_t count, const char* element, char* buffer,
                                      std::uint32_t* size) noexcept;
 
-// A record. The types of the fields are copied unchanged.
+// Writes a record. The types of the fields are copied unchanged.
 CORV_API HRESULT CreateRecordTypeInfo(const char* name, const TRecordField* fields,
                                       std::uint32_t count, char* buffer,
                                       std::uint32_t* size) noexcept;
 
-// An enumeration. When every literal is one character long, they stand as a list of characters;
-// else as words, where the literal 'A' must be given with its first apostrophe alone ('A).
+// Writes an enumeration. If every literal is one character long, they are written as a list of
+// characters; otherwise as words, for which the literal 'A' must be passed with only its first
+// apostrophe ('A).
 CORV_API HRESULT CreateEnumTypeInfo(const char* name, const TEnumValue* literals,
                                     std::uint32_t count, char* buffer,
                                     std::uint32_t* size) noexcept;

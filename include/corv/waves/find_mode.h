@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-// Which event a search by time delivers. Operations take the mode as a number; one above 4 finds
-// nothing. With events at 10, 20 and 30:
+// Which event a search by time selects. Operations take the mode as a number; a number above 4
+// finds nothing. The examples have events at 10, 20 and 30.
 enum EFindMode : std::uint32_t {
     FindAt = 0,          // the first event at the time: 20 finds 20, 25 finds nothing
     FindBefore = 1,      // the last event before it: 20 finds 10

@@ -7,8 +7,8 @@
 #include "corv/waves/wave_event.h"
 
 // Walks the events of a wave forwards. The wave makes it (ISignalWave::CreateEnumerator) and must
-// outlive it: the enumerator takes no reference on its wave. After a change of the wave's events it
-// is placed again, with Reset or Seek, before it is used.
+// outlive it: the enumerator takes no reference to its wave. After the wave's events have changed,
+// place it anew with Reset or Seek before using it.
 //
 //     for (HRESULT found = events->Seek(t, FindAtOrAfter); found == S_OK;) {
 //         IWaveEvent* event;
@@ -16,30 +16,32 @@
 //     }
 class IWaveEventEnumerator : public IUnknown {
 public:
-    // The event of the position, which stays; E_FAIL at the end, nothing is written then.
+    // Delivers the event at the position without moving. Returns E_FAIL, with nothing written, at
+    // the end.
     virtual HRESULT CORV_CALL Current(IWaveEvent** event) = 0;
 
-    // Stores up to `count` events from the position on and moves behind the last one. Writes their
-    // number unless `delivered` is null. S_OK when there was at least one, S_FALSE when none.
+    // Stores up to `count` events from the position on and moves past the last one. Stores their
+    // number unless `delivered` is null. Returns S_OK if there was at least one, otherwise S_FALSE.
     virtual HRESULT CORV_CALL Next(std::uint32_t count, IWaveEvent** events,
                                    std::uint32_t* delivered) = 0;
 
-    // Back to the first event.
+    // Goes back to the first event.
     virtual HRESULT CORV_CALL Reset() = 0;
 
-    // 1 when the position is not the first event; 0 on it and when there are no events.
+    // Returns 1 if the position is not the first event, 0 on the first event and if there are no
+    // events.
     virtual int CORV_CALL IsNotFirst() = 0;
 
-    // 1 when the position is not the last event, also at the end and when there are no events.
+    // Returns 1 if the position is not the last event, also at the end and if there are no events.
     virtual int CORV_CALL IsNotLast() = 0;
 
-    // 1 when the wave has events, else 0.
+    // Returns 1 if the wave has events, else 0.
     virtual int CORV_CALL HasEvents() = 0;
 
-    // The time of the position's event, -1 at the end.
+    // Returns the time of the event at the position, -1 at the end.
     virtual std::int64_t CORV_CALL CurrentTime() = 0;
 
-    // Moves to the event that the mode chooses; E_FAIL when there is none, the position stays then.
+    // Moves to the event that the mode selects. Returns E_FAIL, without moving, if there is none.
     virtual HRESULT CORV_CALL Seek(std::int64_t time, std::uint32_t mode) = 0;
 
 protected:

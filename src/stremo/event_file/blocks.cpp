@@ -64,7 +64,7 @@ void EventFileBlocks::Walk(std::uint64_t offset) {
     checked_.resize(walked_.size());
 }
 
-// False for a record that can't stand there.
+// Returns false for a record that cannot be at that place.
 bool EventFileBlocks::AddWalked(std::uint64_t offset, const RecordHeader& header) {
     const BlockHead& head = header.head;
     switch (header.kind) {
@@ -134,7 +134,7 @@ std::optional<Bytes> EventFileBlocks::Content(std::size_t block) {
     if (!entry) {
         return std::nullopt;
     }
-    if (checked_[block]) {  // a page that it shares with another block may be gone
+    if (checked_[block]) {  // a page shared with a block that was released may be gone
         const unsigned char* const record =
             file_.BringPart(entry->offset, kRecordHeaderSize).data();
         return file_.BringPart(entry->offset + kRecordHeaderSize,
@@ -161,7 +161,8 @@ std::optional<Bytes> EventFileBlocks::Content(std::size_t block) {
     return content;
 }
 
-// Takes a block to those that are there, and lets the oldest go.
+// Adds a block to those in memory and releases the oldest ones. The page at the end of the file's
+// front is spared, since the first block may share it with the signals.
 void EventFileBlocks::Keep(std::size_t block, platform::Bytes content) {
     constexpr std::size_t kPage = 65'536;  // of any system
     kept_.emplace_back(block, content);
@@ -179,7 +180,7 @@ void EventFileBlocks::Keep(std::size_t block, platform::Bytes content) {
     }
 }
 
-// What could not be read is no damage.
+// A failure to read is reported as such, not as damage.
 bool EventFileBlocks::Fail(std::uint64_t offset, const char* what) const {
     const char* const failure = file_.failure();
     failure != nullptr ? SetError(file_name_, failure) : SetError(file_name_, offset, what);

@@ -11,22 +11,23 @@
 
 namespace corv::recording {
 
-// The blocks of an event file, found through the pages of its index; of a file that has no root, by
-// walking from record to record. Pages and blocks are checked when they are first used; of the
-// blocks the last ones stay there, of so many bytes.
+// The blocks of an event file, found through the pages of its index or, in a file without a root,
+// by walking from record to record. Pages and blocks are checked when they are first used. The
+// blocks used last stay in memory, up to `most_kept` bytes.
 class EventFileBlocks final : public BlockStore {
 public:
-    // The file must outlive the object. Of its front nothing is forgotten. Throws std::bad_alloc.
+    // The file must outlive the object. Its first `front` bytes, which contain the signals, are
+    // never released. Throws std::bad_alloc.
     EventFileBlocks(std::string file_name, const platform::FileContent& file, std::uint64_t front,
                     std::size_t most_kept)
         : file_name_(std::move(file_name)), file_(file), front_(front), most_kept_(most_kept) {}
 
-    // Uses the root that the trailer points to; false, when it is not there or damaged.
+    // Uses the root that the trailer points to. Returns false if it is missing or damaged.
     bool UseRoot();
     // Walks over the records from an offset on.
     void Walk(std::uint64_t offset);
 
-    // The content of the record of latest times; nothing without a whole one.
+    // Returns the content of the record of latest times, nullopt without a complete one.
     std::optional<platform::Bytes> LatestTimes() const noexcept;
 
     std::size_t Count() const noexcept override { return checked_.size(); }
@@ -44,7 +45,7 @@ private:
     };
     struct Page {
         std::uint64_t offset;
-        std::vector<unsigned char> entries = {};  // none: not checked yet
+        std::vector<unsigned char> entries = {};  // empty: not checked yet
     };
 
     bool CountBlocks(std::uint64_t blocks);
@@ -62,8 +63,8 @@ private:
     const std::size_t most_kept_;
     std::vector<Page> pages_;    // with a root
     std::vector<Entry> walked_;  // without
-    std::vector<bool> checked_;  // a block's content, which is there then
-    std::deque<std::pair<std::size_t, platform::Bytes>> kept_;  // the blocks that are there
+    std::vector<bool> checked_;  // by block: its content is checked and in memory
+    std::deque<std::pair<std::size_t, platform::Bytes>> kept_;  // the blocks in memory
     std::size_t kept_bytes_ = 0;
     std::uint64_t events_ = 0;
     std::uint64_t latest_times_ = 0;  // where the record is; 0: nowhere

@@ -9,7 +9,7 @@
 namespace corv::recording {
 namespace {
 
-constexpr std::size_t kHeaderChecksum = 56;  // where it stands in a record's header
+constexpr std::size_t kHeaderChecksum = 56;  // its place in a record's header
 
 // ---- signals ----
 
@@ -17,7 +17,7 @@ void WriteText(ByteWriter& out, std::string_view text) {
     out.Variable(text.size());
     out.Text(text);
 }
-// With a zero, so that it can be used where it is.
+// With a terminating zero, so that the reader can use it in place.
 void WriteEndedText(ByteWriter& out, std::string_view text) {
     WriteText(out, text);
     out.Byte(0);
@@ -38,7 +38,7 @@ const char* ReadEndedText(ByteReader& in) noexcept {
 
 using TypeNumbers = std::unordered_map<std::string_view, std::uint64_t>;
 
-// Each type once, numbered from 1.
+// Writes each type once, numbered from 1.
 TypeNumbers WriteTypes(ByteWriter& out, const SignalTable& signals) {
     TypeNumbers numbers;
     std::vector<std::string_view> types;

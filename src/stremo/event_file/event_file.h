@@ -10,8 +10,8 @@
 #include "stremo/recording.h"
 
 // The library's own recordings, "event files" (.evt). The format is described byte for byte in
-// docs/formats/event-file.md; what its reader and its writer share stands here, the content of the
-// blocks in block_layout.h.
+// docs/formats/event-file.md. What its reader and writer share is here; the content of blocks is in
+// block_layout.h.
 //
 //     file mark | record (signals) | records (blocks, a page after every 256) | record (latest
 //     times) | record (root) | trailer
@@ -36,51 +36,51 @@ enum class RecordKind : std::uint32_t {  // four characters each
     kRoot = 0x544F4F52,                  // ROOT
 };
 
-// What a signal's first byte says.
+// The bits of a signal's first byte.
 enum SignalFlag : unsigned { kComposite = 1, kJoins = 2 };
 
 struct RecordHeader {
     RecordKind kind;
     std::uint64_t length = 0;    // of the content
     std::uint64_t checksum = 0;  // of its first bytes
-    std::uint64_t checked = 0;   // the number of these: a block's front, all of others
-    BlockHead head{0, 0, 0};     // of a block; of others the count alone
+    std::uint64_t checked = 0;   // their number: a block's front, or all
+    BlockHead head{0, 0, 0};     // of a block; other records use the count alone
 };
 
-// The bytes from one record to the next for a content of that length.
+// Returns the bytes from one record to the next for a content of that length.
 constexpr std::uint64_t RecordSize(std::uint64_t length) noexcept {
     return kRecordHeaderSize + (length + 7) / 8 * 8;
 }
 
-// Appends a record that will lie at an offset of the file; `checked` bytes of its content get a
-// checksum.
+// Appends a record that will be at an offset of the file. The checksum covers the first `checked`
+// bytes of its content.
 void AppendRecord(std::vector<unsigned char>& out, std::uint64_t offset, RecordKind kind,
                   const BlockHead& head, platform::Bytes content, std::size_t checked);
 
-// The record at an offset: nothing when its header is not there, or is damaged.
+// Returns the header of the record at an offset, nullopt if it is missing or damaged.
 std::optional<RecordHeader> ReadRecordHeader(const platform::FileContent& file,
                                              std::uint64_t offset) noexcept;
-// Its content, which is not brought; nothing when it is not there as a whole.
+// Returns its content, without bringing it into memory; nullopt if it is not complete.
 std::optional<platform::Bytes> RecordContent(const platform::FileContent& file,
                                              std::uint64_t offset,
                                              const RecordHeader& header) noexcept;
-// Whether the content fits its checksum.
+// Returns whether the content matches its checksum.
 bool FitsChecksum(platform::Bytes content, const RecordHeader& header) noexcept;
-// The content of a record of a kind, brought and checked; nothing when something is wrong.
+// Returns the content of a record of a kind, in memory and checked; nullopt if anything is wrong.
 std::optional<platform::Bytes> CheckedContent(const platform::FileContent& file,
                                               std::uint64_t offset, RecordKind kind) noexcept;
 
 bool IsEventFile(platform::Bytes beginning) noexcept;
 std::unique_ptr<Recording> OpenEventFile(const std::string& file_name,
                                          std::unique_ptr<platform::FileContent> content);
-// The same, of whose blocks so many bytes stay in memory when they have been read.
+// The same with a limit for the bytes of blocks that stay in memory after reading.
 std::unique_ptr<Recording> OpenEventFileIn(const std::string& file_name,
                                            std::unique_ptr<platform::FileContent> content,
                                            std::size_t most_kept);
 
-// The content of the record of signals.
+// Returns the content of the record of signals.
 std::vector<unsigned char> WriteSignals(const SignalTable& signals);
-// False when it makes no sense. The content must outlive the table.
+// Returns false if it is malformed. The content must outlive the table, whose texts point into it.
 bool ReadSignals(platform::Bytes content, SignalTable& signals);
 
 }  // namespace corv::recording

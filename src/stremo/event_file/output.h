@@ -11,19 +11,20 @@
 
 namespace corv::recording {
 
-// The records of an event file in the making. Each record is handed to the system as a whole, so
-// that a writer that is killed leaves all of them. After a failure nothing more is written: what
-// stands in the file stays whole.
+// Writes the records of an event file. Each record is handed to the system as a whole, so that a
+// writer that is killed leaves only complete records. After a failure nothing more is written, so
+// the file stays readable up to there.
 class EventFileOutput final : public BlockSink {
 public:
     EventFileOutput(std::string file_name, std::unique_ptr<platform::FileOutput> output) noexcept
         : file_name_(std::move(file_name)), output_(std::move(output)) {}
 
-    // Each gives false, with the stream error set, when the disk does not take it, or did not take
+    // Each returns false, with the stream error set, if the disk does not accept it or has refused
     // something before.
     bool PutSignals(const SignalTable& signals);
     bool Put(const BlockHead& head, Bytes content, std::size_t front) override;
-    // The end of the file: the index, the latest times of all signals and the root.
+    // Writes the end of the file: the rest of the index, the latest times of all signals and the
+    // root.
     bool PutEnd(const SignalTable& signals);
     bool Close();
 
@@ -44,8 +45,8 @@ private:
     std::uint64_t offset_ = 0;
     std::uint64_t blocks_ = 0;
     std::uint64_t events_ = 0;
-    std::vector<unsigned char> page_;   // the entries of blocks that no page has yet
-    std::vector<std::uint64_t> pages_;  // where pages lie
+    std::vector<unsigned char> page_;   // entries of blocks that are on no page yet
+    std::vector<std::uint64_t> pages_;  // where the pages are
     std::vector<unsigned char> bytes_;  // what is written next
 };
 

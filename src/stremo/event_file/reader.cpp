@@ -1,3 +1,7 @@
+// Opens event files: reads the signals, then the index at the end of the file. If the writer was
+// killed there is no index, and the records are walked instead, which is slower but finds every
+// whole block.
+
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -55,7 +59,7 @@ bool EventFile::Open() {
     return true;
 }
 
-// The signals, and where their record ends.
+// Reads the signals; `end` is where their record ends.
 bool EventFile::OpenSignals(std::uint64_t& end) {
     const platform::FileContent& file = *content_;
     ByteReader in(file.BringPart(0, kFileHeaderSize));

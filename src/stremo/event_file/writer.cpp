@@ -14,7 +14,7 @@
 namespace corv::recording {
 namespace {
 
-// A value of 1 to 16 bytes as a number; nothing when it does not fit one.
+// Returns a value of 1 to 16 bytes as a number, nullopt if it does not fit into 64 bits.
 std::optional<std::uint64_t> LoadValue(const void* value, unsigned size) noexcept {
     const auto* const bytes = static_cast<const unsigned char*>(value);
     switch (size) {
@@ -37,9 +37,9 @@ std::optional<std::uint64_t> LoadValue(const void* value, unsigned size) noexcep
                : std::nullopt;
 }
 
-// A writer first collects the signals; the first event, or the end, writes them and begins the
-// blocks. An argument that makes no sense is refused and changes nothing; when the disk or the
-// memory fails, nothing more is taken.
+// The writer first collects the signals; the first event, or the end, writes them and begins the
+// blocks. An invalid argument is refused and changes nothing; after a failure of disk or memory
+// nothing more is accepted.
 class EventFileWriter final : public IEventsStreamWrite {
 public:
     EventFileWriter(std::string file_name, std::unique_ptr<platform::FileOutput> output,
@@ -81,7 +81,7 @@ private:
     bool closed_ = false;
 };
 
-// Does work that may end in failure for good.
+// Does work after which, if out of memory, the writer has failed for good.
 template <class Work>
 bool EventFileWriter::Do(Work work) noexcept {
     bool done = false;
@@ -107,7 +107,7 @@ bool EventFileWriter::TakesSignals() noexcept {
     return !blocks_ || Refuse("signals are written before the first event");
 }
 
-// The last one that was written with the handle, -1 included.
+// Returns the signal written last with the handle, -1 included.
 std::uint32_t EventFileWriter::FindSignal(int handle) const noexcept {
     if (handle == -1) {
         return unnamed_;
@@ -171,7 +171,8 @@ bool EventFileWriter::WriteProperty(int handle, const char* key, const char* val
 
 // ---- events ----
 
-// Elements of arrays of enumerations change together and have small values: they share channels.
+// Elements of arrays of enumerations tend to change together and have small values, so they share
+// channels. Signals without a type are treated alike.
 void EventFileWriter::JoinElements() noexcept {
     for (std::uint32_t i = 0; i < signals_.size(); ++i) {
         const Signal& signal = signals_[i];

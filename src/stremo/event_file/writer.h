@@ -9,8 +9,8 @@
 
 namespace corv::recording {
 
-// A writer of event files to an output that was opened under that name. The number of changes in
-// a block is what BlockBuilder takes.
+// Returns a writer of event files to an output that was opened under that name. The number of
+// changes per block is passed to BlockBuilder.
 std::unique_ptr<IEventsStreamWrite> MakeEventFileWriter(
     std::string file_name, std::unique_ptr<platform::FileOutput> output,
     std::size_t block_changes = 0);

@@ -19,17 +19,18 @@ inline constexpr std::string_view kHierarchyEnd("EOH", 4);
 inline constexpr std::string_view kDirectoryTag("DIR", 4);
 inline constexpr std::string_view kTailTag("TAI", 4);
 
-// Reads the sections of values and tells a sink:
+// Reads the sections of values and passes them to a sink. It is a template, since its inner loop
+// handles tens of millions of values a second:
 //
 //     void Time(std::int64_t time, std::size_t offset)    the time of the values that follow
 //     void Value(Input& in, std::size_t rank)             reads the value of a net
 //     bool Byte(std::size_t rank, unsigned value)         takes a value of one byte, if it can; a
-//                                                         value that is refused is given to Value
-//     void Forget()                                       the values since Time were none
+//                                                         value that is refused goes to Value
+//     void Forget()                                       the values since Time are void
 template <class Sink>
 class ChangeWalk {
 public:
-    // Without notes nothing is noted.
+    // With null, nothing is noted.
     ChangeWalk(const ChangeSource& source, Sink& sink, Notes* notes)
         : source_(source),
           sink_(sink),
@@ -49,21 +50,22 @@ public:
         Pass(source_.file.size());
     }
 
-    // The latest time of which all values were read, -1 without one, and where the last of these
-    // values ends.
+    // The latest time for which all values were read, -1 if there is none, and where the last of
+    // these values ends.
     std::int64_t whole_time() const noexcept { return whole_time_; }
     std::size_t whole_end() const noexcept { return whole_end_; }
 
 private:
     static constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
     static constexpr std::size_t kPart = std::size_t{1} << 22;
-    static constexpr std::size_t kMostValue = 20;  // the bytes of a distance and a value
+    static constexpr std::size_t kMostValue = 20;  // the most bytes of a distance and a value
 
     void Pass(std::size_t offset) {
         source_.passed(source_.file.subspan(passed_, offset - passed_));
         passed_ = offset;
     }
-    // A list that begins here, with what stands around it, can be looked at.
+    // Brings the bytes of a list that begins here and what surrounds it into memory. The longest
+    // possible list is brought, so that reading it need not check for the end of a part.
     void Bring() {
         if (in_.left() > 0 && in_.offset() + most_list_ > brought_) [[unlikely]] {
             const std::size_t offset = in_.offset();
@@ -87,7 +89,7 @@ private:
         return text;
     }
 
-    // False at the end of what can be read.
+    // Returns false at the end of what can be read.
     bool ReadSection() {
         Bring();
         if (in_.Skip(kSnapshotTag)) {
@@ -104,7 +106,7 @@ private:
         return in_.ok();
     }
 
-    // A finished file ends in a mark and eight bytes.
+    // A finished file ends with a mark and eight bytes.
     void CheckTail() {
         constexpr std::size_t kSize = 12;
         const std::size_t offset = source_.file.size() - std::min(source_.file.size(), kSize);
@@ -113,8 +115,8 @@ private:
         }
     }
 
-    // The mark that stands here is damaged. What follows the snapshot are the cycles; else goes to
-    // what can be found.
+    // The mark at this place is damaged. After the snapshot these must be the cycles; otherwise
+    // reading continues at the next section that can be found.
     bool FindSection() {
         constexpr std::string_view kSnapshot("SNP\0\0\0\0", 8);
         const std::size_t offset = in_.offset();
@@ -132,7 +134,7 @@ private:
         return in_.ok();
     }
 
-    // Where bytes stand from a place on, looked for part by part.
+    // Returns where these bytes are, from a place on, searching part by part.
     std::size_t Find(std::string_view bytes, std::size_t from) {
         const Bytes file = source_.file;
         while (file.size() - from >= bytes.size()) {
@@ -147,7 +149,7 @@ private:
         }
         return kNowhere;
     }
-    // The mark of the cycles behind the end of a snapshot.
+    // Finds the mark of the cycles after the end of a snapshot.
     std::size_t FindCycles(std::size_t from) {
         const std::size_t found = Find(std::string_view("ESN\0CYC", 8), from);
         return found == kNowhere ? kNowhere : found + kSnapshotEnd.size();
@@ -167,8 +169,9 @@ private:
         TimeIsWhole();
     }
 
-    // The values of the snapshot and the nets don't fit. If no net is missing, the cycles can still
-    // be told apart; a snapshot behind other values is damage that ends the recording.
+    // The values of the snapshot do not match the nets. If no net is missing, the values of the
+    // cycles can still be assigned; a snapshot after other values is damage that ends the
+    // recording.
     void Resume(std::size_t begin) {
         const std::size_t cycles = FindCycles(begin);
         brought_ = 0;
@@ -218,16 +221,21 @@ private:
         }
     }
 
-    // False when it is not whole. Nearly all values are single bytes.
+    // Reads the changes of one time: pairs of a distance and a value, ended by the distance 0. A
+    // distance counts ranks from the previous net of the list, so ranks rise; the first counts from
+    // 0, so that rank 1 is the first net. Nearly all values are single bytes, which the fast path
+    // handles. Returns false if the list is not complete.
     bool ReadList() {
         const std::size_t nets = source_.nets.size();
-        std::size_t rank = 0;  // of the net, from 1
+        std::size_t rank = 0;  // of the last net, counting from 1
         const unsigned char* at = in_.at();
         const unsigned char* const last =
             in_.at() + in_.left() - std::min<std::size_t>(in_.left(), 2);
         for (;;) {
             if (at < last) [[likely]] {
-                // a distance of one byte or two, without a branch: which it is can't be foreseen
+                // A distance of one byte or two without a branch, since the processor cannot
+                // predict which it is. `distance - 1 < nets - rank` also rejects 0, by wrapping
+                // around.
                 const std::size_t more = *at >> 7;
                 const std::size_t distance =
                     (*at & 0x7FU) | (std::size_t{at[1]} << 7 & (0 - more) & 0x3FFF);
@@ -286,7 +294,7 @@ private:
     std::int64_t whole_time_ = -1;
     std::size_t whole_end_ = 0;
     std::size_t passed_ = 0;
-    const std::size_t most_list_;  // bytes of a list of values with what stands around it
+    const std::size_t most_list_;  // bytes of the longest list of values with what surrounds it
     std::size_t brought_ = 0;
     bool behind_snapshot_ = false;
     bool finished_ = false;

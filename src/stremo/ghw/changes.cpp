@@ -15,14 +15,14 @@ using recording::BlockBuilder;
 using recording::Channel;
 using recording::kNone;
 
-// Twice the usual: here the price of starting a block is paid while somebody waits for it, and no
-// file has to be read for what a search needs of one.
+// Twice the usual size. The cost of starting a block is paid while a user waits for the file to
+// open, and a search in memory does not have to read its block from a file.
 std::size_t BlockSize(const recording::SignalTable& signals) noexcept {
     return std::clamp(std::size_t{4} * signals.channel_count(), std::size_t{8192},
                       std::size_t{1} << 22);
 }
 
-// Passes all values by.
+// Skips all values.
 class Passer {
 public:
     explicit Passer(const ChangeSource& source) {
@@ -44,9 +44,9 @@ private:
     std::vector<Kind> kinds_;
 };
 
-// Tells a builder the changes, moment by moment. What a moment does to a channel is gathered as a
-// mask of the elements whose lowest bit flips, which is what nearly all changes are; a value that
-// goes and comes back within the moment leaves nothing. Other elements are listed.
+// Passes the changes to a builder, moment by moment. What happens to a channel at a moment is
+// collected as a mask of the elements whose lowest bit flips, which covers nearly all changes; a
+// value that changes and returns within the moment leaves nothing. Other elements are listed.
 class Changes {
 public:
     Changes(const ChangeSource& source, const recording::SignalTable& signals,
@@ -57,16 +57,16 @@ public:
     void Value(Input& in, std::size_t rank);
     void Forget();
 
-    // False when the blocks could not be kept.
+    // Returns false if the blocks could not be kept.
     bool Finish() {
         TellMoment();
         return builder_.Flush() && kept_;
     }
 
 private:
-    // A net of an enumeration, by rank; of other nets it has no literals.
+    // A net of an enumeration, by rank. For other nets `literals` is 0, so that a byte never fits.
     struct Position {
-        std::uint32_t channel;  // the last one, which nobody asks for, when it is not of interest
+        std::uint32_t channel;  // for nets of no interest, an extra one after the last
         std::uint32_t bit = 0;  // of the element
         std::uint16_t literals = 0;
         std::uint8_t value = 0;  // the latest
@@ -89,7 +89,7 @@ private:
         std::uint32_t channel = kNone;
         bool known = false;
         bool waits = false;
-        std::uint64_t value = 0;  // as it was told
+        std::uint64_t value = 0;  // as last passed on
         std::uint64_t next = 0;   // at the present moment
     };
 
@@ -108,8 +108,8 @@ private:
 
     std::vector<Position> positions_;
     std::vector<std::uint32_t> ranks_;    // by leaf
-    std::vector<Gathered> gathered_;      // by channel, and one more
-    std::vector<std::uint32_t> waiting_;  // channels; with room for all, and one more
+    std::vector<Gathered> gathered_;      // by channel, and an extra one
+    std::vector<std::uint32_t> waiting_;  // channels; has room for all, and an extra one
     std::size_t waiting_count_ = 0;
     std::vector<Other> others_;
     std::unordered_map<std::size_t, Number> numbers_;  // by rank
@@ -130,6 +130,8 @@ Changes::Changes(const ChangeSource& source, const recording::SignalTable& signa
     for (const std::uint32_t leaf : leaves) {
         wanted[leaf] = true;
     }
+    // The extra channel always waits, so its nets never enter the list: nets of no interest take
+    // the same branch-free path as the others.
     gathered_.back().waits = true;
     for (std::size_t i = 0; i < positions_.size(); ++i) {
         AddNet(i, wanted);
@@ -167,7 +169,7 @@ void Changes::Time(std::int64_t time, std::size_t offset) {
     }
 }
 
-// Values of a snapshot, before which nothing has one.
+// Voids the values of a snapshot, before which no net has a value.
 void Changes::Forget() {
     for (Position& position : positions_) {
         position.known = false;
@@ -191,6 +193,8 @@ inline bool Changes::Byte(std::size_t rank, unsigned value) {
         return false;
     }
     Gathered& gathered = gathered_[position.channel];
+    // Always stored, but counted only if the channel does not wait yet: an addition instead of a
+    // branch.
     waiting_[waiting_count_] = position.channel;
     waiting_count_ += gathered.waits ? 0 : 1;
     gathered.waits = true;
@@ -268,7 +272,7 @@ void Changes::TakeNumber(std::size_t rank, std::uint64_t value) {
 // ---- telling ----
 
 void Changes::TellMoment() {
-    // listed elements that are what they were before
+    // Listed elements that are back at their previous value are not changes.
     for (const Other& other : others_) {
         const Position& position = positions_[other.rank];
         if (other.known && other.value == position.value) {
@@ -290,7 +294,7 @@ void Changes::TellMoment() {
     TellNumbers();
 }
 
-// The elements of a channel of which some do not just flip.
+// Passes on the elements of a channel of which some do more than flip.
 void Changes::TellElements(std::uint32_t number) {
     const Gathered& gathered = gathered_[number];
     const Channel& channel = signals_.channel(number);

@@ -13,35 +13,36 @@
 #include "stremo/signal_table.h"
 
 // The values of a file: a snapshot of all nets, then cycles, each a list of the nets that change at
-// a time. A net is told by how many places it stands behind the one before in the list.
+// a time. A net is identified by its rank, the position among all nets sorted by number; a list has
+// the distance of each net's rank from that of the net before it.
 namespace corv::ghw {
 
-// Where the values stand and what they are to be taken for.
+// Where the values are and how they are to be interpreted.
 struct ChangeSource {
     const platform::FileContent& content;
-    Bytes file;  // its bytes, or the first of them
+    Bytes file;  // its bytes, or as many of them as are to be read
     bool big_endian;
-    std::size_t offset;  // behind the hierarchy
+    std::size_t offset;  // after the hierarchy
     const Nets& nets;
     const TimeScale& time_scale;
-    // Told now and then what part of the file has been read, which is not needed any more.
+    // Called now and then with a part of the file that has been read and is no longer needed.
     std::function<void(Bytes)> passed;
 };
 
-// What of the values is whole: all that stand in front of a place.
+// How much of the values is complete: everything before a place.
 struct WholeValues {
-    std::int64_t latest;  // the last time in picoseconds, -1 without one
+    std::int64_t latest;  // the last time in picoseconds, -1 if there is none
     std::size_t end;
 };
 
-// Walks over all values without keeping any. Notes where the file is cut or damaged; the list that
-// this befalls is not whole.
+// Walks over all values without keeping any. Notes where the file is cut or damaged; the list in
+// which that happens does not count as complete.
 WholeValues FindWholeValues(const ChangeSource& source, Notes& notes);
 
-// Puts the changes of the leaves of interest (in rising order; none: all) into blocks. Of several
-// values at one picosecond the last one counts; a value that the net has already is none. Notes
-// what values are lost. The file of the source ends where the whole values do. False when the
-// blocks can't be kept.
+// Puts the changes of the leaves of interest (in rising order; an empty list means all) into
+// blocks. Of several values at one picosecond the last one counts; a value that the net already has
+// is dropped. Notes which values are lost. The file of the source must end where the complete
+// values do. Returns false if the blocks cannot be kept.
 bool ReadChanges(const ChangeSource& source, const recording::SignalTable& signals,
                  std::span<const std::uint32_t> leaves, recording::BlockSink& blocks, Notes& notes);
 

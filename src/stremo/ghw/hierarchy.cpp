@@ -14,6 +14,7 @@ using recording::Signal;
 
 constexpr std::size_t kMostMemberName = 255;
 
+// The kinds of elements in the file's numbering.
 enum Element : unsigned {
     kBlock = 3,
     kIfGenerate = 4,
@@ -27,7 +28,7 @@ enum Element : unsigned {
     kLinkage = 21,
 };
 
-// A position of an enumeration as its literal.
+// Returns an index as text: the literal for an enumeration, otherwise the number.
 std::string IndexText(const Types& types, std::uint32_t type, std::int64_t value) {
     const Type& index = types[type];
     if (index.kind == Kind::kEnumeration && value >= 0 && value < index.count) {
@@ -49,7 +50,7 @@ bool Nets::Add(const Net& net) {
         near_.resize(net.number + std::size_t{1});
     }
     std::uint32_t& place = net.number < near_.size() ? near_[net.number] : far_[net.number];
-    // what was far when it was added may be near now
+    // a number that was far when it was added may be near by now
     if (place == 0 && is_near && !far_.empty()) {
         const auto found = far_.find(net.number);
         place = found != far_.end() ? found->second : 0;
@@ -75,7 +76,9 @@ void Hierarchy::Read(Input& in) {
     in.Number32();  // scopes
     in.Number32();  // declared signals
     const std::uint32_t most = in.Number32();
-    // a leaf takes a byte, and few levels are above it; parts without leaves take no bytes
+    // A leaf takes at least a byte of the file, and there are few levels above it. Parts without
+    // leaves take no bytes at all, so only such a limit keeps a small file from making signals
+    // without end.
     most_signals_ = 65'536 + 16 * in.file().size();
     while (in.ok()) {
         const unsigned kind = in.Byte();
@@ -125,7 +128,7 @@ void Hierarchy::ReadElement(unsigned kind, Input& in) {
 
 void Hierarchy::OpenScope(std::string_view name) {
     path_lengths_.push_back(path_.size());
-    // what is too long for a name stays so until the scope ends
+    // a path that is too long for a name stays so until the scope ends
     if (path_.size() <= kMostCharacters && !name.empty() && budget_.Take(name.size())) {
         path_ += name;
         path_ += util::HierarchySeparator();
@@ -175,7 +178,8 @@ void Hierarchy::ReadSignal(Input& in) {
     AddSignal(signals_.Keep(path_ + std::string(own_name.empty() ? "?" : own_name)), type, false);
 }
 
-// Of all leaves of a signal. Parts without leaves, of which there may be very many, cost nothing.
+// Reads the numbers of all leaves of a signal. Parts without leaves, of which there may be very
+// many, cost nothing.
 bool Hierarchy::ReadNumbers(Input& in, std::uint32_t place) {
     const Type& type = types_[place];
     if (type.IsScalar()) {
@@ -193,7 +197,8 @@ bool Hierarchy::ReadNumbers(Input& in, std::uint32_t place) {
     return in.ok();
 }
 
-// A number that makes no sense gives the leaf a handle of its own, without values.
+// Reads the number of a leaf. A meaningless number makes it a leaf with a handle of its own and
+// without values.
 void Hierarchy::ReadNumber(Input& in, const Type& type) {
     const std::size_t offset = in.offset();
     const std::uint64_t number = in.Unsigned();
@@ -212,7 +217,7 @@ void Hierarchy::ReadNumber(Input& in, const Type& type) {
     }
 }
 
-// Why a signal can't be shown, null when it can.
+// Returns why a signal cannot be shown, null if it can.
 const char* Hierarchy::WhyNot(std::string_view name, std::uint32_t place) {
     const Type& type = types_[place];
     if (path_.size() + name.size() > kMostCharacters) {
@@ -252,7 +257,7 @@ void Hierarchy::AddSignal(std::string_view name, std::uint32_t place, bool joins
 }
 
 void Hierarchy::AddElements(Signal& signal, const Type& type) {
-    // as many as there are signals below for each
+    // each element has as many signals below it, plus itself
     signal.member_count =
         static_cast<std::uint32_t>(type.members / (types_[type.element].members + 1));
     signals_.Add(signal);
@@ -267,7 +272,7 @@ void Hierarchy::AddElements(Signal& signal, const Type& type) {
     }
 }
 
-// To the next element: the last index runs fastest.
+// Moves to the next element; the last index runs fastest.
 void Hierarchy::Advance(const Type& type, std::vector<std::int64_t>& indices) const noexcept {
     for (std::uint32_t i = type.count; i-- > 0;) {
         const Bounds& bounds = types_.DimensionOf(type, i).bounds;

@@ -13,7 +13,7 @@
 
 namespace corv::ghw {
 
-// How the values of a net are written and what they become.
+// How the values of a net are stored in the file and what they become.
 struct Net {
     std::uint32_t number;    // in the file, from 1; also the handle of its signals
     Kind kind;               // of a scalar
@@ -21,22 +21,24 @@ struct Net {
     std::int64_t scale;      // of types of 64 bits
 };
 
-// The nets of a file: what its scalars are connected to. Those of one number are one net.
+// The nets of a file, which its scalars are connected to. Scalars with the same number are one net.
 class Nets {
 public:
-    // False when the net of that number has values of another kind.
+    // Adds a net. Returns false if the net of that number has values of another kind.
     bool Add(const Net& net);
-    // Sorts them by number. Values are told by their place in this order, from 1.
+    // Sorts the nets by number. The position in this order is the rank by which lists of values
+    // refer to them.
     void Finish();
 
     std::size_t size() const noexcept { return nets_.size(); }
     const Net& operator[](std::size_t rank) const noexcept { return nets_[rank]; }
-    // After Finish, whether the numbers have no gaps.
+    // Returns, after Finish, whether the numbers have no gaps: then each rank is known even if
+    // signals are missing.
     bool dense() const noexcept { return nets_.empty() || nets_.back().number == nets_.size(); }
 
 private:
     std::vector<Net> nets_;
-    std::vector<std::uint32_t> near_;  // places in nets_ by number, 0 for none, else 1 more
+    std::vector<std::uint32_t> near_;  // by number: 1 + the place in nets_, 0 for none
     std::unordered_map<std::uint32_t, std::uint32_t> far_;
 };
 
@@ -54,12 +56,12 @@ public:
           signals_(signals),
           notes_(notes) {}
 
-    // Reads the section behind its tag. A failure is the input's; what was read stays. The table
-    // is not finished.
+    // Reads the section after its tag. A failure is recorded in the input; what was read stays. The
+    // table is not finished.
     void Read(Input& in);
 
     Nets TakeNets() noexcept { return std::move(nets_); }
-    // Whether the values of the nets can be told apart.
+    // Returns whether values can be assigned to nets.
     bool nets_known() const noexcept { return nets_known_; }
 
 private:
@@ -88,7 +90,7 @@ private:
 
     Nets nets_;
     bool nets_known_ = true;
-    std::string path_;                       // of the present scope, with a separator at its end
+    std::string path_;                       // of the present scope, ending with a separator
     std::vector<std::size_t> path_lengths_;  // of the scopes around it
     std::vector<std::int32_t> handles_;      // of the leaves of a signal
     std::size_t next_handle_ = 0;

@@ -8,15 +8,15 @@
 
 #include "stremo/byte_code.h"
 
-// What all parts of a GHW file are made of: bytes, numbers of 4 and 8 bytes in the file's byte
-// order, and numbers of variable length: seven bits to a byte, the low ones first, the highest bit
-// set in all bytes but the last; of signed ones the last byte's bit 6 is the sign.
+// What all parts of a GHW file consist of: bytes, numbers of 4 and 8 bytes in the file's byte
+// order, and numbers of variable length with seven bits per byte, the low ones first, and the
+// highest bit set in all bytes but the last. In signed numbers bit 6 of the last byte is the sign.
 namespace corv::ghw {
 
 using recording::Bytes;
 
-// Reads from a file that may hold anything. What can't be read is 0 and makes the input fail: it
-// stays where that began and gives nothing more until it is sent elsewhere.
+// Reads from a file that may contain anything. What cannot be read is 0 and makes the input fail:
+// it stays at that place and returns nothing more until GoTo sends it elsewhere.
 class Input {
 public:
     explicit Input(Bytes file) noexcept
@@ -30,7 +30,7 @@ public:
         cut_ = false;
     }
 
-    // The place as a pointer, for loops that read by themselves.
+    // The place as a pointer, for loops that read on their own.
     const unsigned char* at() const noexcept { return at_; }
     void MoveTo(const unsigned char* at) noexcept { at_ = at; }
 
@@ -40,11 +40,11 @@ public:
     bool AtEnd() const noexcept { return at_ == end_; }
 
     bool ok() const noexcept { return failure_ == nullptr; }
-    // Whether it failed because the file ends.
+    // Returns whether it failed because the file ends.
     bool cut() const noexcept { return cut_; }
-    // Why it failed, a part of a sentence.
+    // Returns why it failed, as a part of a sentence.
     const char* failure() const noexcept { return failure_; }
-    // For a reader that finds no sense. The first failure counts; the text must be static.
+    // For callers that find nonsense. The first failure counts; the text must be static.
     void Fail(const char* why) noexcept {
         failure_ = ok() ? why : failure_;
         end_ = at_;
@@ -71,10 +71,10 @@ public:
         return Long<true>();
     }
     std::uint32_t Number32() noexcept { return Number<std::uint32_t>(); }
-    // Of a real number the bits of its double.
+    // For a real number, the bits of its double.
     std::uint64_t Number64() noexcept { return Number<std::uint64_t>(); }
 
-    // Whether these bytes stand next, which are then read.
+    // Reads these bytes if they come next; returns whether they do.
     bool Skip(std::string_view bytes) noexcept {
         const bool stands =
             left() >= bytes.size() && std::memcmp(at_, bytes.data(), bytes.size()) == 0;
@@ -82,7 +82,7 @@ public:
         return stands;
     }
 
-    // Whether the file ends within these bytes, which is a failure then.
+    // Returns whether the file ends within these bytes, which then is a failure.
     bool IsCutIn(std::string_view bytes) noexcept {
         if (left() >= bytes.size() || std::memcmp(at_, bytes.data(), left()) != 0) {
             return false;
@@ -112,7 +112,7 @@ private:
         unsigned shift = 0;
         for (const unsigned char* at = at_; at != end_; shift += 7) {
             const std::uint64_t byte = *at++;
-            // the tenth byte holds the last bit, or the sign
+            // the tenth byte has only the last bit, or the sign
             if (shift == 63 && byte > 1 && !(kIsSigned && byte == 0x7F)) {
                 Fail("a number has more than 64 bits");
                 return 0;

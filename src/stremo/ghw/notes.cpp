@@ -6,7 +6,7 @@ namespace corv::ghw {
 
 void Notes::Add(std::size_t offset, std::string_view sentence) {
     constexpr std::size_t kMost = 100;
-    // mostly it is the one that was added last
+    // searched from the end, since it mostly is the one that was added last
     const auto same = std::find_if(notes_.rbegin(), notes_.rend(),
                                    [&](const Note& note) { return note.sentence == sentence; });
     if (same != notes_.rend()) {

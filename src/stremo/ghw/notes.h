@@ -8,14 +8,15 @@
 
 namespace corv::ghw {
 
-// What a reader had to repair, guess or leave out.
+// What a reader had to repair, assume or leave out.
 class Notes {
 public:
-    // Equal sentences become one with the place of the first and their number. Only the first
-    // hundred different ones are kept.
+    // Adds a sentence. Equal ones become one with the place of the first and their number. Only the
+    // first hundred different ones are kept, so that a damaged file cannot fill the memory.
     void Add(std::size_t offset, std::string_view sentence);
 
-    // All sentences in the order of their places: "byte 4096: the type has no name (2 times)".
+    // Returns all sentences in the order of their places: "byte 4096: the type has no name (2
+    // times)".
     std::vector<std::string> Sentences() const;
 
 private:

@@ -25,8 +25,8 @@ using ghw::Input;
 constexpr std::string_view kMark = "GHDLwave\n";
 constexpr std::size_t kHeaderSize = 16;
 
-// The sections in front of the values, in the order in which they need each other. Behind the tag
-// stand four zeros.
+// The sections before the values, in the order in which they need each other. A tag is three
+// letters and a zero, followed by four zeros.
 enum Section : std::size_t { kStrings, kTypes, kWellKnown, kHierarchy, kSectionCount };
 constexpr std::array<std::string_view, kSectionCount> kTags{
     std::string_view("STR\0\0\0\0\0", 8),
@@ -39,7 +39,7 @@ constexpr std::array<const char*, kSectionCount> kSectionNames{
 
 class GhwRecording final : public Recording {
 public:
-    // Of the file that many bytes are taken for what stands in front of the values.
+    // `front` bytes of the file are read as the part before the values.
     GhwRecording(std::string file_name, std::unique_ptr<platform::FileContent> content,
                  std::size_t front)
         : Recording(std::move(file_name)),
@@ -50,13 +50,14 @@ public:
     const char* FormatName() const noexcept override { return kGhwName; }
     std::unique_ptr<BlockStore> OpenBlocks(std::span<const std::uint32_t> leaves) override;
 
-    // Reads the front. False with the stream error set.
+    // Reads the front. Returns false, with the stream error set, on failure.
     bool Open(int time_unit);
-    // Whether the values begin where the front ends well.
+    // Returns whether the front ended well, so that the values follow it.
     bool has_values() const noexcept { return changes_ != 0; }
     // Finds the end of the values.
     void Finish();
-    // Whether all that was asked for could be read; else the stream error says why not.
+    // Returns whether everything that was needed could be read; otherwise the stream error says why
+    // not.
     bool IsWhole() const {
         const char* const failure = content_->failure();
         if (failure != nullptr) {
@@ -98,8 +99,8 @@ private:
     ghw::Notes remarks_;
     ghw::Nets nets_;
     ghw::TimeScale time_scale_{0};
-    std::size_t changes_ = 0;  // where they stand, 0 when they can't be read
-    std::size_t values_end_;   // where those end that are whole, once this is known
+    std::size_t changes_ = 0;  // where they begin, 0 if they cannot be read
+    std::size_t values_end_;   // where the complete ones end, once this is known
 };
 
 // ---- the sections ----
@@ -171,8 +172,9 @@ bool GhwRecording::ReadSections(int time_unit) {
     return true;
 }
 
-// The section that stands next, whose tag is read; kSectionCount when there is none any more: then
-// the input has failed.
+// Reads the tag of the next section and returns it; kSectionCount if there is none, in which case
+// the input has failed. Sections may come in any order, and damaged ones are skipped if a later tag
+// can be found.
 Section GhwRecording::NextSection(const bool (&read)[kSectionCount], const std::string& place) {
     const std::size_t offset = in_.offset();
     if (!in_.ok()) {
@@ -186,7 +188,7 @@ Section GhwRecording::NextSection(const bool (&read)[kSectionCount], const std::
         }
         next = read[i] ? next : std::min(next, i);
     }
-    // what ends well is followed by the next in the usual order
+    // after a section that ended well, the next one in the usual order is likely
     if (in_.left() < kTags[0].size()) {
         return FindSection(read);
     }
@@ -195,8 +197,8 @@ Section GhwRecording::NextSection(const bool (&read)[kSectionCount], const std::
     return static_cast<Section>(next);
 }
 
-// Goes to the first section that stands somewhere behind. Without one the input fails, or still has
-// its failure.
+// Goes to the first section found further on. If there is none, the input fails, or keeps its
+// failure.
 Section GhwRecording::FindSection(const bool (&read)[kSectionCount]) {
     const platform::Bytes rest = in_.file().subspan(in_.offset());
     auto first = rest.end();
@@ -274,7 +276,8 @@ std::unique_ptr<Recording> OpenGhw(const std::string& file_name,
 std::unique_ptr<Recording> OpenGhwIn(const std::string& file_name,
                                      std::unique_ptr<platform::FileContent> content,
                                      int time_unit) {
-    // the front of most files is small, and as much again is read when it is larger
+    // The front of most files is small and its size is not stored. So the first 4 MiB are tried,
+    // and four times as much each time that was not enough; nothing of a previous attempt is kept.
     constexpr std::uint64_t kMostFront = std::uint64_t{1} << 29;
     const std::uint64_t most = std::min<std::uint64_t>(content->bytes().size(), kMostFront);
     for (std::uint64_t front = std::uint64_t{1} << 22;; front *= 4) {

@@ -30,7 +30,8 @@ void Strings::Read(Input& in, Notes& notes) {
     const std::size_t begin = in.offset();
     const std::uint32_t count = in.Number32();
     const std::uint32_t total = in.Number32();
-    // Names are in lower case or stand in quotes or backslashes; the end can't be taken for one.
+    // The end mark is in capitals and cannot be taken for a string: names are in lower case, or in
+    // quotes or backslashes.
     for (std::uint64_t shared = 0; in.ok();) {
         if ((shared == 0 || size() >= count) && in.Skip(kEnd)) {
             break;
@@ -44,7 +45,7 @@ void Strings::Read(Input& in, Notes& notes) {
 }
 
 void Strings::ReadString(Input& in, std::uint64_t shared, Notes& notes) {
-    // a few bytes can stand for a long string; honest files stay far below
+    // A few bytes can expand to a long string. Honest files stay far below this limit.
     const std::size_t most = (std::size_t{1} << 26) + 16 * in.file().size();
     const std::size_t before = ends_.size() > 1 ? ends_[ends_.size() - 2] : 0;
     const std::size_t length = characters_.size() - before;

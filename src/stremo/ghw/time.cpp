@@ -19,6 +19,8 @@ TimeScale TimeScale::Find(const Types& types, Notes& notes) {
 }
 
 double ToReal(std::int64_t value, std::int64_t scale, bool& exact) noexcept {
+    // Exact if the value fits into the 53 bits of a double and the product was not rounded, which
+    // fma shows as a remainder of 0.
     const double number = static_cast<double>(value);
     const double factor = static_cast<double>(scale);
     const double scaled = number * factor;

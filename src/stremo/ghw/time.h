@@ -11,22 +11,23 @@
 
 namespace corv::ghw {
 
-// The unit that a file's times are in, which it does not say.
+// The unit of a file's times, which the file does not state.
 class TimeScale {
 public:
     // A unit's identifier (corv/util/time_units.h).
     explicit TimeScale(unsigned unit) noexcept : unit_(unit) {}
 
-    // Found by the type time: its values are in the unit as well, and its units have a value of 0
-    // below it and of 1 where it is. Femtoseconds, the usual unit, and a note when there is no such
-    // type.
+    // Finds the unit by the type time, whose values are in the same unit: in the list of its units,
+    // the one with the value 1 is the unit, and smaller ones have 0. Without such a type,
+    // femtoseconds, the usual unit, are assumed and noted.
     static TimeScale Find(const Types& types, Notes& notes);
 
     std::string_view unit_name() const noexcept { return util::kTimeUnits[unit_].name; }
-    // What a value of the type time is multiplied with to be femtoseconds, its primary unit.
+    // The factor from a value of the type time to femtoseconds, its primary unit.
     std::int64_t femtoseconds() const noexcept { return util::kFemtoseconds[unit_]; }
 
-    // A time of the file, rounded down and at most the last one; whether nothing is lost.
+    // Return a time of the file in picoseconds, rounded down and saturated, and whether nothing was
+    // lost.
     std::int64_t ToPicoseconds(std::int64_t time) const noexcept {
         return unit_ == 0 ? time / kPicosecond
                           : util::SaturatingMultiply(time, femtoseconds() / kPicosecond);
@@ -39,8 +40,7 @@ private:
     unsigned unit_;
 };
 
-// A value of the type time in femtoseconds or of another type of 64 bits as it is; `exact` becomes
-// false when the double has lost digits.
+// Returns the scaled value as a double. `exact` becomes false if the double has lost digits.
 double ToReal(std::int64_t value, std::int64_t scale, bool& exact) noexcept;
 
 }  // namespace corv::ghw

@@ -12,18 +12,19 @@
 namespace corv::ghw {
 namespace {
 
-// Looks like the blank that a word of an enumeration can't have.
+// Looks like a blank, which a word of an enumeration must not contain.
 constexpr char kNoBreakSpace = '\xA0';
 
 using Int32 = std::numeric_limits<std::int32_t>;
 
-// The character of a literal such as 'x', nothing for others.
+// Returns the character of a literal such as 'x', nullopt for other literals.
 std::optional<char> CharacterOf(std::string_view literal) noexcept {
     const bool quoted = literal.size() == 3 && literal.front() == '\'' && literal.back() == '\'';
     return quoted ? std::optional(literal[1]) : std::nullopt;
 }
 
-// A name that ends at no blank; `blank` stands for those in it.
+// Returns a name without blanks, which are replaced by `blank`. A name that could not be read back
+// becomes "?" and its number.
 std::string Word(std::string_view name, std::size_t number, char blank) {
     std::string word(name);
     if (word.empty() || word.front() == '\'') {
@@ -44,7 +45,7 @@ std::string_view TypeTexts::Of(std::uint32_t type) {
         std::string text;
         const bool made = !budget_.spent() && Append(text, types_[type]) &&
                           text.size() <= typeinfo::kMaxTextLength;
-        // texts that come to nothing have cost their time too
+        // texts that are dropped have cost their time, too
         const bool kept = budget_.Take(text.size()) && made;
         texts_[type] =
             kept ? std::string_view(signals_.KeepShared(text), text.size()) : std::string_view();
@@ -100,7 +101,7 @@ bool TypeTexts::AppendEnumeration(std::string& out, const Type& type) {
     }
     const std::vector<std::string_view> literals(words.begin(), words.end());
     typeinfo::AppendWordEnum(out, type.name, literals);
-    // the standard type writes the control characters in capital letters
+    // the standard type character has its control characters in capital letters
     const std::string_view character_type = typeinfo::kStandardTypes[5];
     if (platform::EqualNoCase(out, character_type)) {
         out = character_type;
@@ -140,7 +141,7 @@ void TypeTexts::AppendReal(std::string& out, const Type& type) {
 }
 
 bool TypeTexts::AppendArray(std::string& out, const Type& type) {
-    constexpr std::uint32_t kMostDimensions = 127;  // more give element names that are too long
+    constexpr std::uint32_t kMostDimensions = 127;  // more would make element names too long
     std::vector<typeinfo::IndexRange> ranges;
     if (type.count > kMostDimensions) {
         return false;
@@ -185,7 +186,7 @@ const char* TypeTexts::UnitsOf(std::uint32_t type) {
     std::string text;
     for (std::uint32_t i = 0; i < types_[root].count && !budget_.spent(); ++i) {
         const Unit& unit = types_.UnitOf(types_[root], i);
-        // what the file says of those of time depends on its own unit
+        // the file's values for the units of time depend on its own unit
         const int time_unit = root == types_.time() ? util::FindTimeUnit(unit.name) : -1;
         const std::int64_t value =
             time_unit >= 0 ? util::kFemtoseconds[static_cast<unsigned>(time_unit)] : unit.value;

@@ -12,12 +12,13 @@
 
 namespace corv::ghw {
 
-// How much text a file may make of names and types: a few bytes can stand for much of it.
+// The limit for texts of names and types, since a few bytes of a hostile file can expand to very
+// long ones.
 class TextBudget {
 public:
     explicit TextBudget(std::size_t file_size) noexcept
         : left_((std::size_t{1} << 27) + 64 * file_size) {}
-    // False when there is no more; all that follow are refused then.
+    // Returns false if the budget is used up; from then on everything is refused.
     bool Take(std::size_t characters) noexcept {
         const bool fits = characters <= left_;
         left_ = fits ? left_ - characters : 0;
@@ -32,9 +33,9 @@ private:
 // The type-description strings of types, each made once and kept by a table of signals.
 //
 // Integers and physical types of 64 bits become floating-point types; time is in femtoseconds
-// whatever the unit of the file. Names of literals and fields can't have blanks there: those of
-// extended identifiers become no-break spaces in literals, which are shown, and underscores in
-// fields.
+// whatever the unit of the file. Names of literals and fields must not have blanks there. The
+// blanks of extended identifiers become no-break spaces in literals, which are shown to users, and
+// underscores in fields.
 class TypeTexts {
 public:
     // All types must be known.
@@ -47,12 +48,13 @@ public:
           texts_(types.size()),
           units_(types.size()) {}
 
-    // Empty for a type that has no description: too long a one, arrays whose bounds pass 32 bits.
+    // Returns an empty text for a type that cannot be described: one that is too long, or an array
+    // whose bounds exceed 32 bits.
     std::string_view Of(std::uint32_t type);
-    // Of a physical type its units in the primary one: "ohm = 1, kohm = 1000".
+    // Returns the units of a physical type in terms of the primary one: "ohm = 1, kohm = 1000".
     const char* UnitsOf(std::uint32_t type);
 
-    // What a value of a type is multiplied with.
+    // Returns the factor for the values of a type.
     std::int64_t ScaleOf(const Type& type) const noexcept {
         return type.kind == Kind::kWidePhysical && type.root == types_.time()
                    ? time_scale_.femtoseconds()

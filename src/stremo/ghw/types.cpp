@@ -15,7 +15,7 @@ std::uint64_t Add(std::uint64_t a, std::uint64_t b) noexcept {
     return a > kTooMany - b ? kTooMany : a + b;
 }
 
-// What a kind byte of the file stands for.
+// The meaning of a kind byte of the file.
 enum FileKind : unsigned {
     kTwoValues = 22,
     kEnumeration8 = 23,
@@ -124,7 +124,8 @@ void Types::ReadType(unsigned kind, Input& in) {
     }
 }
 
-// Of the type whose units are those of time. Others may have its name, but not its primary unit.
+// Recognises the type time by its name and units. Other types may have the name, but not its
+// primary unit.
 void Types::FindTime(std::uint32_t place, std::size_t offset) noexcept {
     const Type& type = types_[place];
     if (time_ == kNoType && type.kind == Kind::kWidePhysical && type.root == place &&
@@ -235,8 +236,8 @@ void Types::ReadScalarSubtype(Input& in, Type& type) {
     }
 }
 
-// A subtype of an array or record, which gives bounds to what has none in the type that was
-// declared, or only a name.
+// Reads a subtype of an array or record, which adds bounds to parts that have none in the declared
+// type, or only a name.
 void Types::ReadSubtype(Input& in, Type& type, bool bounds) {
     const std::string_view name = type.name;
     const Type base = types_[ReadNumber(in)];
@@ -246,7 +247,8 @@ void Types::ReadSubtype(Input& in, Type& type, bool bounds) {
     }
     type = bounds ? Bounded(in, base.root) : base;
     type.bounded = bounds || (base.bounded && base.kind == Kind::kRecord);
-    // the name of an array without bounds says what it is an array of: "std_logic_vector"
+    // the name of the unconstrained array, "std_logic_vector", is more useful than that of its
+    // subtype
     const bool keeps = name.empty() || (bounds && base.kind == Kind::kArray);
     type.name = keeps ? base.name : name;
 }
@@ -266,7 +268,7 @@ Bounds Types::ReadBounds(Input& in) noexcept {
     return bounds;
 }
 
-// The type with bounds, read from the input, for all that has none.
+// Returns the type with bounds read from the input for every part that has none.
 Type Types::Bounded(Input& in, std::uint32_t place) {
     Type type = types_[place];
     if (!HasRoom(in, type.count)) {
@@ -319,7 +321,8 @@ std::uint32_t Types::BoundedPart(Input& in, std::uint32_t place) {
     return Keep(type);
 }
 
-// A few bytes can make a copy of a long list of fields.
+// Limits the parts of all types together, since a few bytes can make a copy of a long list of
+// fields.
 bool Types::HasRoom(Input& in, std::size_t parts) noexcept {
     constexpr std::size_t kMostParts = std::size_t{1} << 23;
     if (parts > kMostParts - std::min(kMostParts, fields_.size() + dimensions_.size())) {

@@ -10,7 +10,7 @@
 
 namespace corv::ghw {
 
-inline constexpr std::uint32_t kNoType = 0;               // the place of a type that makes no sense
+inline constexpr std::uint32_t kNoType = 0;               // the place of a type that cannot be used
 inline constexpr std::uint64_t kMostMembers = 1'048'576;  // below one signal
 
 enum class Kind : unsigned char {
@@ -27,10 +27,10 @@ enum class Kind : unsigned char {
 
 // The bounds of a scalar type or of one dimension, as written.
 struct Bounds {
-    std::int64_t left = 0;  // of real numbers the bits of the double; so for right
+    std::int64_t left = 0;  // for real numbers the bits of the double, also in `right`
     std::int64_t right = 0;
     bool downto = false;
-    Kind kind = Kind::kNone;  // none: unbounded
+    Kind kind = Kind::kNone;  // kNone: unbounded
 
     std::uint64_t Length() const noexcept;
 };
@@ -48,19 +48,19 @@ struct Unit {
     std::int64_t value;
 };
 
-// Types are told by their place in a list. Subtypes stand there as types of their own, with all
-// that they take from their base; so do the elements and fields that a subtype gives bounds.
+// Types are identified by their place in a list. Subtypes are types of their own, with everything
+// that they inherit from their base; so are elements and fields to which a subtype adds bounds.
 struct Type {
     Kind kind = Kind::kNone;
-    bool bounded = true;  // no array in it misses its bounds
+    bool bounded = true;  // every array in it has bounds
     std::uint32_t levels = 1;
     std::uint32_t root = kNoType;  // the type that it is a subtype of
-    std::string_view name;         // of an array its name without bounds
+    std::string_view name;         // for an array, its name without bounds
     std::uint32_t first = 0;       // of the literals, units, dimensions or fields,
     std::uint32_t count = 0;       // and their number
     std::uint32_t element = kNoType;
     Bounds bounds;              // of a scalar
-    std::uint64_t leaves = 1;   // scalars that it consists of; 2^64 - 1: or more
+    std::uint64_t leaves = 1;   // scalars that it consists of, saturated at 2^64 - 1
     std::uint64_t members = 0;  // signals below a signal of this type
 
     bool IsScalar() const noexcept { return kind < Kind::kArray; }
@@ -68,24 +68,24 @@ struct Type {
 
 class Types {
 public:
-    // Units are not written in the oldest files.
+    // The oldest files have no units.
     Types(const Strings& strings, bool has_units, Notes& notes)
         : strings_(strings), notes_(notes), has_units_(has_units) {}
 
-    // Reads the sections of types and of well-known types behind their tags. Failures are the
-    // input's; what was read stays.
+    // Read the sections of types and of well-known types after their tags. Failures are recorded in
+    // the input; what was read stays.
     void Read(Input& in);
     void ReadWellKnown(Input& in);
 
-    // The place of the type of a number in the file, which is read; kNoType when it is not there,
-    // which is noted.
+    // Reads the number of a type and returns its place; kNoType, with a note, if there is no such
+    // type.
     std::uint32_t ReadNumber(Input& in) const;
-    // A value of a scalar type of this kind; of a real number the bits.
+    // Reads a value of a scalar type of this kind; for a real number, its bits.
     static std::int64_t ReadValue(Input& in, Kind kind) noexcept;
 
-    // How many the file numbers.
+    // The number of types that have a number in the file.
     std::size_t count() const noexcept { return numbers_.size(); }
-    // Places begin at 0, with kNoType.
+    // The number of places, including place 0, which is kNoType.
     std::uint32_t size() const noexcept { return static_cast<std::uint32_t>(types_.size()); }
     const Type& operator[](std::uint32_t type) const noexcept { return types_[type]; }
     std::string_view Literal(const Type& type, std::uint32_t position) const noexcept {
@@ -133,7 +133,7 @@ private:
     Notes& notes_;
     const bool has_units_;
     std::vector<Type> types_{Type()};
-    std::vector<std::uint32_t> numbers_;  // the places of the types that the file numbers
+    std::vector<std::uint32_t> numbers_;  // by number in the file: the type's place
     std::vector<std::string_view> literals_;
     std::vector<Unit> units_;
     std::vector<Dimension> dimensions_;

@@ -13,8 +13,9 @@ using recording::kNone;
 
 namespace {
 
-// All changes are read at once, and the values at the start of each block weigh more than the
-// search in it: larger blocks than those of a file that is searched on the disk.
+// All changes are read in one go and stay in memory, where the values at the start of each block
+// matter more than the search within it. So blocks are larger than those of a file that is searched
+// on the disk.
 std::uint64_t BlockEvents(const recording::SignalTable& signals) noexcept {
     return std::clamp<std::uint64_t>(std::uint64_t{16} * signals.channel_count(), 1U << 12,
                                      1U << 20);
@@ -84,7 +85,7 @@ bool Changes::Read(const Byte* end, const Passed& passed) {
     return builder_.Flush() && kept_;
 }
 
-// They are blanks to the scanner.
+// Counts zero bytes, which the scanner treats as blanks.
 void Changes::CountZeros(Bytes part) noexcept {
     const void* const first = std::memchr(part.data(), 0, part.size());
     if (first != nullptr) {
@@ -94,7 +95,8 @@ void Changes::CountZeros(Bytes part) noexcept {
     }
 }
 
-// A time that may have been cut is believed when it is not before the last one.
+// Reads the last word, which may have been cut. A time is accepted if it is not before the previous
+// one.
 void Changes::ReadLastWord(const Byte* end) {
     const Byte* const file_end = file_.data() + file_.size();
     content_.Bring({end, file_end});
@@ -142,7 +144,8 @@ void Changes::BeginBlock(std::string_view word, const Byte* at) {
 
 // ---- values ----
 
-// Calls `action` with the variables of a code that are of interest.
+// Calls `action` with the variables of a code that are of interest. Returns false for an undeclared
+// code.
 template <class Action>
 bool Changes::ForTargets(const Code& code, Action action) {
     std::uint32_t number = codes_.Find(code);
@@ -201,7 +204,7 @@ bool Changes::Text(std::string_view text, const Code& code) {
 
 bool Changes::Port(std::string_view states, const Code& code) {
     return ForTargets(code, [&](Target& target) {
-        // the levels' digits, so that a port is read as a vector is
+        // written as digits of the levels, so that a port can be read like a vector
         characters_.clear();
         for (const char state : states) {
             const unsigned level = LevelOfPort(static_cast<Byte>(state));
@@ -218,12 +221,12 @@ bool Changes::Port(std::string_view states, const Code& code) {
     });
 }
 
-// The value stands in the file, behind the letter of its kind.
+// The value is in the file, after the letter of its kind.
 void Changes::WrongKind(std::string_view value) {
     Note(Problem::kWrongKind, reinterpret_cast<const Byte*>(value.data()) - 1, value);
 }
 
-// What a block of values says of an event is no event.
+// Adds the event of an event variable. What a block of values says about one is not an event.
 void Changes::Trigger(const Target& target, const Digits& digits) {
     if ((block_ == nullptr || block_over_) && digits.at[digits.count - 1] == '1') {
         const std::uint64_t value = 0;
@@ -278,7 +281,7 @@ void Changes::SetVector(Target& target, const Digits& digits) {
     }
 }
 
-// New values of a channel, all 0 or 1.
+// Sets new values of a channel, all of them 0 or 1.
 void Changes::SetPlain(std::uint32_t channel, std::uint32_t bits) {
     Held& held = held_[channel];
     if (held.others == 0) [[likely]] {
@@ -297,7 +300,7 @@ void Changes::SetPlain(std::uint32_t channel, std::uint32_t bits) {
     SetLevels(channel, levels);
 }
 
-// New levels of a channel's elements.
+// Sets new levels of a channel's elements.
 void Changes::SetLevels(std::uint32_t number, const unsigned char* levels) {
     const Channel channel = signals_.channel(number);
     Held& held = held_[number];
@@ -324,7 +327,7 @@ void Changes::SetLevels(std::uint32_t number, const unsigned char* levels) {
     }
 }
 
-// The levels of a value's digits for so many elements.
+// Stores the levels of a value's digits for that many elements.
 void Changes::SpreadDigits(const Digits& digits, std::uint32_t width) {
     spread_.resize(width);
     const std::size_t left = digits.count > width ? digits.count - width : 0;
@@ -348,10 +351,10 @@ void Changes::SpreadDigits(const Digits& digits, std::uint32_t width) {
     }
 }
 
-// Two's complement. Missing digits are zeros.
+// Sets an integer in two's complement; missing digits are zeros.
 void Changes::SetInteger(Target& target, const Digits& digits) {
     if (!digits.two_valued) {
-        return;  // before the first number: no value yet
+        return;  // the survey has shown that this comes before the first number: no value yet
     }
     if (digits.count > target.width) {
         Note(Problem::kTooManyDigits, digits.at - 1,
@@ -371,7 +374,7 @@ void Changes::SetNumber(Target& target, std::uint64_t number) {
     }
 }
 
-// The characters, filled up with blanks.
+// Sets a text, padded with blanks.
 void Changes::SetText(Target& target, std::string_view text) {
     Unescape(text, characters_);
     if (characters_.size() > target.width) {

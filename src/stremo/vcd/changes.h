@@ -12,25 +12,25 @@
 
 namespace corv::vcd {
 
-// Called with parts of a file that have been read.
+// Called with each part of a file that has been read.
 using Passed = std::function<void(Bytes)>;
 
-// The sink that puts the changes of a file into blocks. Values that a variable already has are left
-// out.
+// The scanner's sink that puts the changes of a file into blocks. Values that a variable already
+// has are dropped.
 class Changes {
 public:
-    // `leaves` are those of interest, in rising order; none: all.
+    // `leaves` are those of interest, in rising order; an empty list means all.
     Changes(const platform::FileContent& content, const Declarations& declarations,
             const recording::SignalTable& signals, std::span<const std::uint32_t> leaves,
             recording::BlockSink& blocks, Notes& notes);
 
-    // Reads all changes up to `end`. False when the blocks could not be kept.
+    // Reads all changes up to `end`. Returns false if the blocks could not be kept.
     bool Read(const Byte* end, const Passed& passed);
 
-    // The latest time of the file in picoseconds, -1 without one.
+    // The latest time of the file in picoseconds, -1 if there is none.
     std::int64_t latest() const noexcept { return latest_; }
 
-    // What the scanner tells.
+    // The operations of a scanner's sink.
     void Time(std::uint64_t time, const Byte* at);
     bool Scalar(unsigned level, const Code& code);
     bool Vector(const Digits& digits, const Code& code);
@@ -56,8 +56,9 @@ private:
         unsigned level = kNoLevel;  // of a scalar of bits
         std::uint64_t number = 0;   // an integer or the bits of a real
     };
-    // The levels of a vector's elements, by channel: the bits of those that are 0 or 1, the mask of
-    // the others, whose levels stand in levels_.
+    // The levels of a vector's elements, by channel: the bits of those that are 0 or 1, and the
+    // mask of the others, whose levels are in levels_. A vector of 0 and 1 is then compared with
+    // its new value by a single XOR.
     struct Held {
         std::uint32_t bits = 0;
         std::uint32_t others = 0;
@@ -91,7 +92,7 @@ private:
 
     std::vector<Target> targets_;
     std::vector<Held> held_;             // by channel
-    std::vector<unsigned char> levels_;  // by leaf; of texts the characters
+    std::vector<unsigned char> levels_;  // by leaf; for texts, the characters
     std::vector<bool> wanted_;           // by channel
     std::vector<unsigned char> spread_;  // the levels of a value's digits
     std::string characters_;             // of a text
@@ -103,7 +104,7 @@ private:
     std::int64_t off_time_ = 0;
     std::uint64_t zeros_ = 0;  // bytes
     std::size_t first_zero_ = 0;
-    bool block_over_ = false;  // a time stands in the block
+    bool block_over_ = false;  // the block contains a time
     bool kept_ = true;
 };
 

@@ -36,7 +36,8 @@ void Codes::Set(const Code& code, std::uint32_t number) {
     slot = {code.bytes, number};
 }
 
-// The slot of a code, or the free one that it would take.
+// Returns the slot of a code, or the free one that it would take. The multiplication mixes all
+// bytes into the high bits, of which as many are used as there are slots.
 std::size_t Codes::SlotOf(EightBytes bytes) const noexcept {
     const int shift = 64 - std::countr_zero(slots_.size());
     auto slot = static_cast<std::size_t>((bytes * 0x9E3779B97F4A7C15U) >> shift);

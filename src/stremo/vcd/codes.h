@@ -12,16 +12,16 @@
 
 namespace corv::vcd {
 
-// The code of a variable, as it stands in the file.
+// The code of a variable, in place in the file.
 struct Code {
     const Byte* at;
     std::size_t length;
-    EightBytes bytes;  // of a code of at most 8 bytes, filled up with zeros
+    EightBytes bytes;  // of a code of at most 8 bytes, padded with zeros
 
     std::string_view text() const noexcept { return Text(at, at + length); }
 };
 
-// The code that begins at `at`, which ends at the first blank.
+// Reads the code that begins at `at` and ends at the first blank.
 inline Code ReadCode(const Byte* at, const Byte* end) noexcept {
     if (end - at >= 8) [[likely]] {
         const EightBytes bytes = LoadEight(at);
@@ -41,7 +41,9 @@ namespace detail {
 
 inline constexpr std::uint32_t kNoDigit = 1U << 24;
 
-// What each character of a short code adds to its number.
+// What each character of a short code adds to its number: codes are numbers of base 94, whose
+// lowest digit comes first. A character that is not printable adds so much that the sum is out of
+// range, which saves a check for each.
 struct CodeDigits {
     std::array<std::array<std::uint32_t, 256>, 3> add{};
     constexpr CodeDigits() noexcept {
@@ -59,10 +61,11 @@ inline constexpr CodeDigits kCodeDigits;
 
 }  // namespace detail
 
-// Numbers for codes. Those of up to three characters stand in a table, the others are hashed.
+// Maps codes to numbers. Simulators count codes up, so nearly all have at most three characters and
+// are found in a table without hashing; the others are hashed.
 class Codes {
 public:
-    // recording::kNone when the code is not there.
+    // Returns recording::kNone for an unknown code.
     std::uint32_t Find(const Code& code) const noexcept {
         if (code.bytes < EightBytes{1} << 24 && code.length <= 3) [[likely]] {
             const std::uint32_t place = NearPlace(code);
@@ -76,7 +79,7 @@ public:
         return FindFar(code);
     }
 
-    // The text of the code must stay where it is.
+    // The text of the code must keep its address.
     void Set(const Code& code, std::uint32_t number);
 
 private:
@@ -95,7 +98,7 @@ private:
     void Grow();
 
     std::vector<std::uint32_t> near_;
-    std::vector<Slot> slots_;  // codes of up to 8 bytes; a power of two, half of them free
+    std::vector<Slot> slots_;  // for up to 8 bytes; a power of two, at most half used
     std::size_t used_ = 0;
     std::unordered_map<std::string_view, std::uint32_t> long_;
 };

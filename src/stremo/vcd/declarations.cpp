@@ -14,8 +14,8 @@ constexpr std::uint64_t kMostWidth = 65'536;
 constexpr std::size_t kLongestName = 4096;
 constexpr int kMostShapes = 8;  // of one code
 
-// Elements are signals, which take some hundred bytes each. A file may ask for some millions, and
-// for more when its declarations are long.
+// Elements are signals, which take some hundred bytes each, while a short declaration can ask for
+// 65,536 of them. A file may have some millions, and more if its declarations are long.
 constexpr std::uint64_t kFreeElements = 2'000'000;
 constexpr std::uint64_t kElementsForByte = 8;
 
@@ -59,7 +59,7 @@ public:
         too_deep_ -= too_deep_ > 0 ? 1 : 0;
         return true;
     }
-    // The whole name of a variable, empty when it would be too long.
+    // Returns the full name of a variable, empty if it would be too long.
     std::string Name(std::string_view name) const {
         if (too_deep_ > 0 || path_.size() + name.size() >= kLongestName) {
             return {};
@@ -70,7 +70,7 @@ public:
 
 private:
     std::string path_;
-    std::vector<std::size_t> lengths_;  // of the path in front of each scope
+    std::vector<std::size_t> lengths_;  // of the path before each scope
     std::size_t too_deep_ = 0;          // the innermost scopes, which are not in the path
 };
 
@@ -88,7 +88,7 @@ public:
     Declarations Read();
 
 private:
-    // What a declaration says.
+    // The shape that a declaration gives.
     struct Shape {
         Kind kind;
         std::uint64_t width;
@@ -114,8 +114,8 @@ private:
     const Byte* const begin_;
     const Byte* at_;
     const Byte* const last_end_;  // of all bytes
-    const Byte* end_ = nullptr;   // of those that were brought
-    bool in_text_ = false;        // a text goes on behind them
+    const Byte* end_ = nullptr;   // of the bytes in memory
+    bool in_text_ = false;        // a text continues after them
     const Byte* word_ = nullptr;  // the beginning of the present command
     Notes& notes_;
     recording::SignalTable& texts_;
@@ -147,7 +147,8 @@ Declarations Reader::Read() {
     return std::move(result_);
 }
 
-// A declaration that is longer than what is brought behind a part is cut.
+// Reads the declarations that begin in the next part. Some bytes after the part are brought too, in
+// which the last one ends; a declaration longer than these is cut.
 void Reader::ReadPart() {
     constexpr std::size_t kPart = std::size_t{1} << 22;
     constexpr std::size_t kRest = std::size_t{1} << 20;
@@ -162,7 +163,7 @@ void Reader::ReadPart() {
     content_.Forget({from, at_});
 }
 
-// False when the changes begin.
+// Returns false if the changes begin.
 bool Reader::ReadNext() {
     if (in_text_) {
         ReadText();
@@ -244,7 +245,7 @@ void Reader::ReadTimeScale() {
     }
 }
 
-// A number of elements, or their range.
+// Reads a number of elements, or their range.
 bool Reader::ReadSize(std::string_view word, Shape& shape) const noexcept {
     if (const std::optional<Range> range = ReadRange(word)) {
         shape.range = range;
@@ -253,7 +254,7 @@ bool Reader::ReadSize(std::string_view word, Shape& shape) const noexcept {
     }
     const std::optional<std::uint64_t> width = ReadDecimal(word);
     shape.width = width.value_or(0);
-    // more digits than a number has is wide, whatever it is
+    // more digits than fit into a number are too wide, whatever the number is
     return width.has_value() ||
            (!word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos &&
             (shape.width = kMostWidth + 1) != 0);
@@ -291,7 +292,7 @@ void Reader::ReadVariable() {
     }
 }
 
-// Settles the shape of a variable whose name has this range.
+// Completes the shape of a variable whose name has this range.
 void Reader::FitRange(Shape& shape, const std::optional<Range>& range, std::string_view name) {
     shape.range = range ? range : shape.range;
     if (shape.kind == Kind::kInteger && shape.width > 32) {
@@ -322,7 +323,8 @@ bool Reader::FitsBudget(const Shape& shape, std::string_view name) {
     return true;
 }
 
-// The variable of a code with that shape; kNone when the code has too many of them.
+// Returns the variable of a code with that shape, which is made if necessary; kNone if the code has
+// too many shapes.
 std::uint32_t Reader::FindVariable(const Code& code, const Shape& shape) {
     const bool is_open = shape.kind == Kind::kString && !shape.range;
     std::uint32_t last = kNone;
@@ -367,7 +369,7 @@ void Reader::AddName(const Code& code, const Shape& shape, std::string_view name
     result_.is_open = result_.is_open || shape.kind == Kind::kInteger;
     Range range = shape.range.value_or(Range{static_cast<std::int32_t>(shape.width) - 1, 0});
     if (is_text) {
-        range = shape.range.value_or(Range{1, 0});  // its end is found later
+        range = shape.range.value_or(Range{1, 0});  // its end is found by the survey
     }
     result_.names.push_back({texts_.Keep(name), variable, range, is_text || is_vector});
 }

@@ -17,18 +17,19 @@ namespace corv::vcd {
 
 enum class Kind : unsigned char { kBits, kInteger, kReal, kString, kEvent };
 
-// What the changes of a code go to. Declarations that give a code the same kind and width again are
-// other names of it; one that gives it another shape makes another variable of the code.
+// What receives the changes of a code. Further declarations of the code with the same kind and
+// width are other names of the variable; one with another shape makes another variable with the
+// same code.
 struct Variable {
     Kind kind;
-    std::uint32_t width;                    // in elements; of a text, the longest value
-    std::uint32_t leaf = recording::kNone;  // the first one, none until there are signals
+    std::uint32_t width;                    // in elements; for a text, its longest value
+    std::uint32_t leaf = recording::kNone;  // the first one, kNone until there are signals
     std::uint32_t next = recording::kNone;  // the next variable of the same code
     bool is_open = false;                   // a text whose length is not declared
     bool is_signed = false;                 // bits of an integer that has unknown values
 };
 
-// The number of its leaves.
+// Returns the number of the variable's leaves.
 constexpr std::uint32_t LeafCount(const Variable& variable) noexcept {
     return variable.kind == Kind::kBits || variable.kind == Kind::kString ? variable.width : 1;
 }
@@ -41,13 +42,13 @@ struct Name {
     bool is_array;  // with members; vectors of bits and texts
 };
 
-// What stands in front of the changes of a file.
+// Everything before the changes of a file.
 struct Declarations {
     std::vector<Name> names;
     std::vector<Variable> variables;
     Codes codes;
     TimeScale time_scale = TimeScale::Nanosecond();
-    bool is_open = false;     // the changes say more (vcd_survey.h)
+    bool is_open = false;     // the changes decide more (survey.h)
     bool ended = false;       // with $enddefinitions
     std::size_t changes = 0;  // where the changes begin
 };
@@ -60,8 +61,8 @@ inline constexpr std::uint32_t kMostText = 256;
 Declarations ReadDeclarations(const platform::FileContent& content, const Byte* end, Notes& notes,
                               recording::SignalTable& texts);
 
-// Makes the signals of all names and numbers the variables' leaves. Handles of scalars are their
-// leaves' numbers. All signals get the latest time.
+// Makes the signals of all names and numbers the variables' leaves. The handle of a scalar is the
+// number of its leaf. All signals have the same latest time.
 void MakeSignals(Declarations& declarations, std::int64_t latest, recording::SignalTable& signals);
 
 }  // namespace corv::vcd

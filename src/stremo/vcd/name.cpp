@@ -19,7 +19,7 @@ std::string_view WithoutEndBlanks(std::string_view text) noexcept {
     return text;
 }
 
-// The last group in brackets that ends a text, where it begins; nothing without one.
+// Returns where the group in brackets begins that ends a text, nullopt if there is none.
 std::optional<std::size_t> LastGroup(std::string_view text) noexcept {
     if (text.empty() || text.back() != ']') {
         return std::nullopt;
@@ -28,7 +28,7 @@ std::optional<std::size_t> LastGroup(std::string_view text) noexcept {
     return open != std::string_view::npos && open > 0 ? std::optional(open) : std::nullopt;
 }
 
-// Whether a text holds bracket groups and blanks only.
+// Returns whether a text consists only of bracket groups and blanks.
 bool IsGroups(std::string_view text) noexcept {
     text = WithoutEndBlanks(text);
     while (!text.empty()) {
@@ -41,7 +41,7 @@ bool IsGroups(std::string_view text) noexcept {
     return true;
 }
 
-// Where the part of a name ends that brackets can't be taken from.
+// Returns where the escaped part of a name ends, whose brackets belong to it.
 std::size_t EscapedEnd(std::string_view text) noexcept {
     if (text.empty() || text[0] != '\\') {
         return 0;
@@ -53,7 +53,7 @@ std::size_t EscapedEnd(std::string_view text) noexcept {
     return static_cast<std::size_t>(std::find_if(text.begin(), text.end(), IsBlank) - text.begin());
 }
 
-// The name with the blanks in front of its bracket groups left out.
+// Returns the name without the blanks before its bracket groups.
 std::string Joined(std::string_view text, std::size_t escaped_end) {
     std::string name(text.substr(0, escaped_end));
     for (std::size_t i = escaped_end; i < text.size(); ++i) {

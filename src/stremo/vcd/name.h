@@ -18,14 +18,14 @@ struct Range {
     }
 };
 
-// What stands between the code of a variable and the $end of its declaration.
+// The part between the code of a variable and the $end of its declaration.
 struct VariableName {
-    std::string name;  // with the brackets that are no range, blanks in front of them left out
+    std::string name;  // with brackets that are not the range, without blanks before them
     std::optional<Range> range;
 };
 
-// Reads a name and its range. `width` is what the last bracket group must fit to be the range of
-// the value, 0 when any [left:right] does; otherwise the group belongs to the name:
+// Reads a name and its range. The last bracket group is the range if it has `width` elements (for a
+// width of 0, any [left:right]); otherwise the group belongs to the name:
 //
 //     q [3:0], 4          q, 3 downto 0
 //     mem[2][7:0], 8      mem[2], 7 downto 0
@@ -34,13 +34,13 @@ struct VariableName {
 //     \esc!id [1:0], 2    \esc!id, 1 downto 0   (a Verilog name, up to the first blank)
 VariableName ReadVariableName(std::string_view text, std::uint64_t width);
 
-// The name of a scope as it stands in front of other levels, so that it can be told from them:
+// Returns the name of a scope as it appears before other levels, so that its end can be recognised:
 //
 //     \my scope\x\      \my scope\\x\   (a VHDL name, its backslashes doubled)
 //     \u_1/u_2          \u_1/u_2_       (a Verilog name; the blank that ends it is _ here)
 std::string ScopeName(std::string_view name);
 
-// "[left:right]", nothing when it is something else.
+// Reads "[left:right]"; returns nullopt for anything else.
 std::optional<Range> ReadRange(std::string_view group) noexcept;
 
 }  // namespace corv::vcd

@@ -7,7 +7,7 @@ namespace {
 
 using Byte = unsigned char;
 
-// What is said of a problem; % stands for the detail.
+// The sentence for each problem; % is replaced by the detail.
 constexpr const char* kTexts[] = {
     "the file ends in the middle of a word; what it belongs to is left out",
     "the file ends among its declarations; signals may be missing and there are no values",
@@ -37,7 +37,7 @@ static_assert(std::size(kTexts) == static_cast<std::size_t>(Problem::kCount));
 
 constexpr std::size_t kMostSaid = 100;
 
-// Words of a damaged file may be anything.
+// Returns a word in printable form, since a damaged file may contain anything.
 std::string Shown(std::string_view word) {
     constexpr std::size_t kMost = 60;
     std::string shown(word.substr(0, kMost));
@@ -47,7 +47,7 @@ std::string Shown(std::string_view word) {
     return word.size() > kMost ? shown + "..." : shown;
 }
 
-// The place of a byte, found by reading on from the one before.
+// The place of a byte, found by reading on from the previous one.
 struct Place {
     std::uint64_t line = 1;
     std::size_t line_begin = 0;

@@ -9,7 +9,7 @@
 
 #include "platform/files.h"
 
-// What a reader had to repair, guess or leave out.
+// What a reader had to repair, assume or leave out.
 namespace corv::vcd {
 
 enum class Problem : unsigned char {
@@ -39,16 +39,17 @@ enum class Problem : unsigned char {
     kCount
 };
 
-// Problems of one kind become one sentence with the place of the first and their number, however
-// many there are.
+// Problems of one kind become one sentence with the place of the first and their number, so that
+// any number of them takes constant memory.
 class Notes {
 public:
-    // `detail` is what the sentence is about, a word of the file.
+    // `detail` is a word of the file that the sentence is about.
     void Add(Problem problem, std::size_t offset, std::string_view detail = {});
-    // A sentence of its own. Only the first hundred are kept.
+    // Adds a sentence of its own. Only the first hundred are kept.
     void Say(std::size_t offset, std::string_view sentence);
 
-    // All sentences in the order of their places, each with line and column.
+    // Returns all sentences in the order of their places, each with line and column. Lines are
+    // counted only here, since most files have nothing to report.
     std::vector<std::string> Sentences(const platform::FileContent& content) const;
 
 private:

@@ -16,7 +16,7 @@ constexpr std::string_view kLogicLetters = "UX01ZWLH-";
 constexpr int kMostLevels = 256;
 constexpr std::uint32_t kNoType = 0xFFFFFFFF;
 
-// Codes are numbers of base 94 whose digits are the printable characters.
+// Returns a code: numbers of base 94 whose digits are the printable characters, shortest first.
 std::string CodeOf(std::size_t number) {
     std::string code;
     do {
@@ -26,7 +26,7 @@ std::string CodeOf(std::size_t number) {
     return code;
 }
 
-// The literals of an enumeration as letters; empty when they are no bits.
+// Returns the literals of an enumeration as letters, empty if it is not a type of bits.
 std::string BitLetters(const KTypeInfo& type) {
     std::string letters;
     const int count = type.GetNbOfValues();
@@ -219,7 +219,7 @@ void OutputTree::AddSignal(const Member& signal, const std::string& name, int le
     }
 }
 
-// Vectors of bits and strings; false for what is neither.
+// Adds a vector of bits or a string; returns false for other arrays.
 bool OutputTree::AddArray(const Member& signal, const std::string& name) {
     const std::vector<Member> members = Members(signal);
     if (members.empty() || members[0].composite) {
@@ -250,7 +250,7 @@ std::string OutputTree::VectorRange(const std::vector<Member>& members) const {
                 : " [" + std::to_string(members.size() - 1) + ":0]";
 }
 
-// A scope with the fields, or the elements one by one.
+// Adds a scope with the fields, or the elements one by one.
 void OutputTree::AddRecord(const Member& signal, const std::string& name, int level) {
     const std::vector<Member> members = Members(signal);
     const bool is_array = std::all_of(members.begin(), members.end(), [](const Member& m) {

@@ -8,7 +8,7 @@
 
 #include "corv/stremo/vcd_writer.h"
 
-// The variables of a VCD file that is written.
+// The variables of a VCD file being written.
 namespace corv::vcd {
 
 // How the values of a variable are written.
@@ -16,25 +16,25 @@ enum class Form : unsigned char { kBits, kInteger, kReal, kText, kLiteral, kEven
 
 struct OutputVariable {
     Form form;
-    bool is_vector;       // with elements, however few
+    bool is_vector;       // has elements, even if only one
     std::uint32_t first;  // of its elements
     std::uint32_t count;  // of them
     std::uint32_t type;   // in the list of types
     std::string code;
 };
 
-// What the writer needs of a type, once for all signals that have it.
+// What the writer needs to know about a type, made once for all its signals.
 struct OutputType {
     Form form;
-    std::string letters;                // of kBits: the letter of each position
-    std::vector<std::string> literals;  // of kLiteral: as they are written
+    std::string letters;                // for kBits: the letter of each position
+    std::vector<std::string> literals;  // for kLiteral: as they are written
 };
 
-// An element of a variable that takes the events of a handle.
+// An element of a variable that receives the events of a handle.
 struct Use {
     std::uint32_t variable;
     std::uint32_t element;
-    std::uint32_t next;  // the next one of the same handle
+    std::uint32_t next;  // the next one with the same handle
 };
 inline constexpr std::uint32_t kNoUse = 0xFFFFFFFF;
 
@@ -52,7 +52,8 @@ public:
     std::uint32_t element_count = 0;
     std::int64_t latest = 0;  // the latest time of the signals
 
-    // Asks the signals for their latest time again.
+    // Asks the signals for their latest time again: some readers know it only after all events were
+    // read.
     void AskLatest();
 
 private:
@@ -79,18 +80,18 @@ private:
 
     stremo::IEventsStreamRead& reader_;
     const VcdOptions& options_;
-    std::vector<int> top_level_;  // the handles of those that are written
+    std::vector<int> top_level_;  // the handles of the written ones
     std::vector<std::string> scopes_;
     std::unordered_map<std::string, std::uint32_t> type_numbers_;
     std::unordered_map<std::string, std::uint32_t> known_;  // variables by form and handles
 };
 
-// The scopes and the name that a hierarchical name consists of. In a part that begins with a
-// backslash the separator stands for itself (corv::EscapedNameLength).
+// Splits a hierarchical name into its scopes and the name. In a part that begins with a backslash
+// the separator is an ordinary character (corv::EscapedNameLength).
 std::vector<std::string> SplitName(std::string_view name, char separator);
 
-// A text as a value is written: blanks, control characters and those beyond the 7-bit alphabet as
-// octal numbers behind a backslash.
+// Returns a text as it is written as a value: blanks, control characters and those beyond 7 bits
+// become octal numbers after a backslash.
 std::string EscapedText(std::string_view text);
 
 }  // namespace corv::vcd

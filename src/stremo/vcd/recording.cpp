@@ -14,7 +14,7 @@ namespace {
 
 using vcd::Byte;
 
-// Whether a word stands where a code is expected: behind a value that is a word of its own.
+// Returns whether a word may be a code: it follows a value that is a word of its own.
 bool MayBeCode(const Byte* begin, const Byte* word) noexcept {
     const Byte* end = word;
     while (end != begin && vcd::IsBlank(end[-1])) {
@@ -28,8 +28,7 @@ bool MayBeCode(const Byte* begin, const Byte* word) noexcept {
     return before != end && kValues.find(static_cast<char>(*before)) != std::string_view::npos;
 }
 
-// Bytes in which places are looked at from the last to the first; those around them tell what
-// stands there.
+// Bytes that are searched backwards from `last` to `first`; those around them show the context.
 struct Stretch {
     const Byte* begin;
     const Byte* first;
@@ -37,8 +36,8 @@ struct Stretch {
     const Byte* end;
 };
 
-// The last time that is written there, nothing without one. At the beginning of a line it is never
-// taken for a code.
+// Returns the last time written there, nullopt if there is none. A word at the beginning of a line
+// is never taken for a code. Searching from the end finds it without reading the whole file.
 std::optional<std::uint64_t> FindLastTime(const Stretch& in) noexcept {
     const auto [begin, first, last, end] = in;
     for (const Byte* at = last; at != first; --at) {
@@ -55,11 +54,11 @@ std::optional<std::uint64_t> FindLastTime(const Stretch& in) noexcept {
     return std::nullopt;
 }
 
-// The same for all of a content from an offset on, part by part from its end.
+// The same for a content from an offset on, part by part from its end.
 std::optional<std::uint64_t> FindLastTime(const platform::FileContent& content, std::size_t offset,
                                           std::size_t end) {
     constexpr std::size_t kPart = std::size_t{1} << 22;
-    constexpr std::size_t kWord = 4096;  // what a place in a part can be judged by
+    constexpr std::size_t kWord = 4096;  // enough context to judge a place in a part
     std::size_t before = end;
     while (before > offset) {
         const std::size_t from = before - std::min(before - offset, kPart);
@@ -86,7 +85,7 @@ public:
     const char* FormatName() const noexcept override { return kVcdName; }
     std::unique_ptr<BlockStore> OpenBlocks(std::span<const std::uint32_t> leaves) override;
 
-    // False with the stream error set.
+    // Returns false, with the stream error set, on failure.
     bool Open() {
         const bool opened = OpenWhole();
         return IsWhole() && opened;
@@ -107,7 +106,7 @@ private:
 
     std::unique_ptr<platform::FileContent> content_;
     const platform::Bytes file_;
-    const Byte* end_ = nullptr;  // of the words that are whole
+    const Byte* end_ = nullptr;  // of the complete words
     vcd::Declarations declarations_;
     vcd::Notes declaration_notes_;
 };
@@ -130,7 +129,8 @@ bool VcdRecording::OpenWhole() {
     return true;
 }
 
-// Whether all that was asked for could be read; else the stream error says why not.
+// Returns whether everything that was needed could be read; otherwise the stream error says why
+// not.
 bool VcdRecording::IsWhole() const {
     if (const char* const failure = content_->failure()) {
         SetError(file_name(), failure);
@@ -139,8 +139,8 @@ bool VcdRecording::IsWhole() const {
     return true;
 }
 
-// The time that the file ends with. A last one that may have been cut counts if it is not before
-// the one in front of it.
+// Returns the last time of the file. A final one that may have been cut counts if it is not before
+// the previous one.
 std::int64_t VcdRecording::LatestTime() const {
     const std::size_t end = OffsetOf(end_);
     auto time = FindLastTime(*content_, declarations_.changes, end);

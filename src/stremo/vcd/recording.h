@@ -9,8 +9,8 @@
 // Value change dumps, the recordings that every simulator writes. Scopes become hierarchical names
 // with the hierarchy separator between them, one-bit variables std_logic, those with a range or
 // more bits std_logic_vector; integers, reals, texts and events have types of their own. Times are
-// rounded down to picoseconds. The signals are listed from the declarations; the changes are read
-// once, when blocks are asked for, and only those of the leaves of interest are held.
+// rounded down to picoseconds. The signals come from the declarations. The changes are read once,
+// when blocks are needed, and only those of the leaves of interest are kept.
 namespace corv::recording {
 
 inline constexpr char kVcdName[] = "VCD";

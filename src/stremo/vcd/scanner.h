@@ -12,15 +12,15 @@
 
 namespace corv::vcd {
 
-// Reads the changes of a file word by word and tells them to a sink:
+// Reads the changes of a file word by word and passes them to a sink:
 //
 //     void Time(std::uint64_t, const Byte* at)
-//     bool Scalar(unsigned level, Code)     and so for the next ones: false when the code is not
+//     bool Scalar(unsigned level, Code)     these five return false if the code is not
 //     bool Vector(Digits, Code)             declared
 //     bool Real(std::string_view, Code)
 //     bool Text(std::string_view, Code)
 //     bool Port(std::string_view, Code)
-//     void BeginBlock(std::string_view, const Byte* at)    $dumpvars and its like
+//     void BeginBlock(std::string_view, const Byte* at)    $dumpvars and the like
 //     void EndBlock()
 //     void Note(Problem, const Byte* at, std::string_view detail)
 template <class Sink>
@@ -28,8 +28,8 @@ class Scanner {
 public:
     Scanner(Sink& sink, const Byte* begin) noexcept : sink_(sink), at_(begin) {}
 
-    // Reads the words that begin before `stop`, of bytes up to `end`, which is `last` when no more
-    // follow: a text that is not ended is read on at the next call.
+    // Reads the words that begin before `stop`, from bytes up to `end`. `last` means that no more
+    // bytes follow; otherwise a text that has not ended is continued by the next call.
     void ReadTo(const Byte* stop, const Byte* end, bool last) {
         end_ = end;
         last_ = last;
@@ -89,7 +89,7 @@ private:
         }
     }
 
-    // A real number, a text or the state of a port.
+    // Reads a real number, a text or the state of a port.
     const Byte* ReadValue(const Byte* at, unsigned lead) {
         const Byte* const value_end = WordEnd(at, end_);
         const std::string_view value = vcd::Text(at + 1, value_end);
@@ -105,8 +105,8 @@ private:
         return Tell(at, code, value_end, declared);
     }
 
-    // What follows a value and its code. An unknown code that reads as a time or a command is one,
-    // and the value's own is missing.
+    // Returns where to go on after a value and its code. An unknown code that reads as a time or a
+    // command is one, and the code of the value is missing.
     const Byte* Tell(const Byte* at, const Code& code, const Byte* value_end, bool declared) {
         if (declared) [[likely]] {
             return code.at + code.length;
@@ -194,12 +194,13 @@ private:
     bool in_text_ = false;
 };
 
-// The bytes that are brought for a part of a scan: a change that is longer than the rest is cut.
+// How many bytes are brought for a part of a scan, and after it: a change that is longer than the
+// latter is cut.
 inline constexpr std::size_t kScanPart = std::size_t{1} << 22;
 inline constexpr std::size_t kScanRest = std::size_t{1} << 20;
 
 // Scans the content from an offset up to `end`, part by part, until `done()`. `passed` is called
-// with each part behind the scanner, which is forgotten after that.
+// with each part that has been scanned, which is released after that.
 template <class Sink, class Done, class Passed>
 void ScanContent(const platform::FileContent& content, Sink& sink, std::size_t offset,
                  const Byte* end, Done done, Passed passed) {

@@ -12,7 +12,7 @@ using recording::kNone;
 using recording::Signal;
 using recording::SignalTable;
 
-// A trigger has no value but that it happens.
+// An event variable carries no value, only the time.
 constexpr const char* kEventType = "e#5#events1 trigger ";
 
 class Maker {
@@ -52,7 +52,7 @@ const char* Maker::ScalarType(Kind kind) {
     return signals_.KeepShared(typeinfo::kStandardTypes[1]);
 }
 
-// An array without elements gets a range that is null: 0 downto 1.
+// Returns the type of an array. One without elements has a null range, 0 downto 1.
 const char* Maker::ArrayType(const Name& name, std::uint32_t count, const char* element) {
     const Variable& variable = variables_[name.variable];
     const bool is_text = variable.kind == Kind::kString;

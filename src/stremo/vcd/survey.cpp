@@ -6,7 +6,7 @@
 namespace corv::vcd {
 namespace {
 
-// The sink that looks at texts and integers only.
+// The scanner's sink that looks only at texts and integers.
 class Survey {
 public:
     explicit Survey(Declarations& declarations)
@@ -16,7 +16,7 @@ public:
         }
     }
 
-    // Whether nothing is open any more.
+    // Returns whether everything is decided.
     bool done() const noexcept { return open_ == 0; }
 
     void Time(std::uint64_t, const Byte*) noexcept {}
@@ -49,7 +49,8 @@ bool Survey::Vector(const Digits& digits, const Code& code) {
     return Value(digits.two_valued, code);
 }
 
-// Before its first number an unknown integer has no value yet.
+// Notes a value of an integer. Before its first number an unknown value only means that it has none
+// yet; after it, the integer needs a type that can show both.
 bool Survey::Value(bool is_number, const Code& code) {
     const std::uint32_t first = declarations_.codes.Find(code);
     for (std::uint32_t i = first; i != recording::kNone; i = declarations_.variables[i].next) {

@@ -16,7 +16,7 @@ constexpr Command kCommands[] = {
     {"$version", true, false},
 };
 
-// Whether nothing but blanks stands between a word and the beginning of its line, which is not
+// Returns whether there are only blanks between a word and the beginning of its line, which is not
 // before `from`.
 bool BeginsLine(const Byte* word, const Byte* from) noexcept {
     while (word != from && (word[-1] == ' ' || word[-1] == '\t')) {

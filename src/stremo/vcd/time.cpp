@@ -36,7 +36,7 @@ constexpr std::uint64_t PowerOfTen(int exponent) noexcept {
     return power;
 }
 
-// A number with a fraction as digits and an exponent of ten.
+// A number with a fraction, as digits and an exponent of ten.
 struct Decimal {
     std::uint64_t digits = 0;
     int exponent = 0;
@@ -80,6 +80,7 @@ std::optional<TimeScale> TimeScale::Read(std::string_view text) noexcept {
         if (exponent > 12 || exponent < -12) {
             return std::nullopt;
         }
+        // A fraction in lowest terms: its limits keep `time % divisor * factor` within 64 bits.
         const std::uint64_t factor = number->digits * PowerOfTen(exponent);
         const std::uint64_t divisor = PowerOfTen(-exponent);
         const std::uint64_t common = std::gcd(factor, divisor);

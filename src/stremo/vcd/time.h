@@ -6,17 +6,17 @@
 
 namespace corv::vcd {
 
-// From the numbers of a recording to picoseconds, in whole numbers, rounded down.
+// Converts the times of a file to picoseconds, in whole numbers, rounded down.
 class TimeScale {
 public:
-    // A number and a unit with or without a blank between: 1ns, 100 ps, 1 sec, 0.001fs. Nothing
-    // when the text is none, and for numbers of more than six digits.
+    // Reads a number and a unit with or without a blank between them: 1ns, 100 ps, 1 sec, 0.001fs.
+    // Returns nullopt for other texts and for numbers of more than six digits.
     static std::optional<TimeScale> Read(std::string_view text) noexcept;
     static TimeScale Nanosecond() noexcept { return {1000, 1}; }
 
-    // Times that pass 64 bits become the last one that fits.
+    // Times beyond 64 bits become the last one that fits.
     std::int64_t ToPicoseconds(std::uint64_t time) const noexcept;
-    // Whether times may lie between picoseconds.
+    // Returns whether times may be between picoseconds.
     bool Rounds() const noexcept { return divisor_ > 1; }
 
 private:
@@ -27,7 +27,8 @@ private:
     std::uint64_t divisor_;  // at most 10^12
 };
 
-// Digits as a number; nothing when there are none, others or too many for 64 bits.
+// Reads digits as a number; returns nullopt if there are none, other characters, or too many for 64
+// bits.
 std::optional<std::uint64_t> ReadDecimal(std::string_view digits) noexcept;
 
 }  // namespace corv::vcd

@@ -11,7 +11,7 @@
 namespace corv::vcd {
 namespace {
 
-// By level.
+// The letters of port states, by level.
 constexpr std::string_view kPortStates[] = {"", "NX?AaBbCc", "DLdl0", "UHuh1", "ZTFf"};
 
 int HexDigit(char c) noexcept {
@@ -22,7 +22,7 @@ int HexDigit(char c) noexcept {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// The number behind a backslash in front of `at`, of digits below a radix.
+// Reads the number after a backslash, with digits below a radix.
 char ReadNumber(std::string_view text, std::size_t& at, int radix, std::size_t most) noexcept {
     unsigned number = 0;
     for (std::size_t i = 0; i < most && at < text.size(); ++i, ++at) {
@@ -50,8 +50,8 @@ char ReadEscape(std::string_view text, std::size_t& at) noexcept {
     return letter != std::string_view::npos ? kMeanings[letter] : c;
 }
 
-// Whether a decimal number that is no double is too small for one, not too large: whether its first
-// digit that counts stands behind the point.
+// Returns whether a decimal number outside the range of doubles is too small rather than too large:
+// whether its first significant digit is after the point.
 bool IsTiny(std::string_view text) noexcept {
     const std::size_t e = std::min(text.find_first_of("eE"), text.size());
     const std::size_t point = std::min(text.find('.'), e);
@@ -64,7 +64,7 @@ bool IsTiny(std::string_view text) noexcept {
     if (error == std::errc::result_out_of_range) {
         return negative;
     }
-    // places before the point, as if the exponent were there
+    // places before the point, with the exponent applied
     const auto places = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
     return first < e && places + (negative ? -exponent : exponent) < 0;
 }

@@ -9,12 +9,13 @@
 
 namespace corv::vcd {
 
-// Values of std_logic are positions in UX01ZWLH-. No value yet is beyond them.
+// Values of std_logic are positions in UX01ZWLH-. "No value yet" is beyond them.
 inline constexpr unsigned kNoLevel = 15;
 inline constexpr std::string_view kLevels = "UX01ZWLH-";
 enum Level : unsigned { kLevelU = 0, kLevelX = 1, kLevel0 = 2, kLevel1 = 3, kLevelZ = 4 };
 
-// What a word of the changes begins with: up to 8 a level, then these.
+// What a word of the changes begins with: up to 8 is a level, the others are these. One table
+// look-up per word decides how to read it.
 enum Lead : unsigned char {
     kLeadBlank = 16,
     kLeadTime,
@@ -37,7 +38,7 @@ struct Leads {
         for (unsigned i = 0; i < kLevels.size(); ++i) {
             const auto c = static_cast<unsigned char>(kLevels[i]);
             of[c] = static_cast<unsigned char>(i);
-            of[c | 0x20U] = static_cast<unsigned char>(i);  // letters of lower case
+            of[c | 0x20U] = static_cast<unsigned char>(i);  // lower-case letters
         }
         of['?'] = kLevelX;
         of['#'] = kLeadTime;
@@ -52,29 +53,30 @@ inline constexpr Leads kLeads;
 
 }  // namespace detail
 
-// The level of a digit; above 8 for other characters.
+// Returns the level of a digit; above 8 for other characters.
 constexpr unsigned LevelOf(Byte digit) noexcept {
     return detail::kLeads.of[digit];
 }
 
-// The digits of a vector. `bits` and `others` tell of the last 64 of them, the last one as bit 0.
+// The digits of a vector. `bits` are the last 64 of them, the last one as bit 0.
 struct Digits {
     const Byte* at;
     std::size_t count;
-    std::uint64_t bits;  // of the digits when there is no other one
-    bool two_valued;     // no other digit than 0 and 1
+    std::uint64_t bits;  // meaningful if two_valued
+    bool two_valued;     // all digits are 0 or 1
 };
 
 namespace detail {
 
-// The lowest bits of eight bytes, the first byte's highest.
+// Gathers the lowest bits of eight bytes, that of the first byte as the highest. The multiplication
+// shifts each of them to its place in the top byte.
 constexpr unsigned GatherBits(EightBytes bytes) noexcept {
     return static_cast<unsigned>((bytes & EightTimes(1)) * 0x8040201008040201U >> 56);
 }
 
 }  // namespace detail
 
-// The digits that begin at `at` and end at a blank.
+// Reads the digits that begin at `at` and end at a blank, eight at a time.
 inline Digits ReadDigits(const Byte* at, const Byte* end) noexcept {
     Digits digits{at, 0, 0, true};
     EightBytes other = 0;
@@ -106,18 +108,18 @@ inline Digits ReadDigits(const Byte* at, const Byte* end) noexcept {
     return digits;
 }
 
-// The digit that is thought in front of digits that are fewer than their variable's elements.
+// Returns the level by which a value with fewer digits than elements is extended on the left.
 unsigned ExtendingLevel(unsigned first) noexcept;
 
-// The level of a state of a port in the extended format; above 8 for other letters.
+// Returns the level of a port's state in the extended format; above 8 for other letters.
 unsigned LevelOfPort(Byte state) noexcept;
 
-// A real number, inf and nan among them; false when the text is none. A decimal one that passes the
-// range becomes the largest one.
+// Reads a real number, including inf and nan. Returns false for other texts. A decimal number
+// beyond the range becomes the largest double, and `passes` becomes true.
 bool ReadReal(std::string_view text, double& number, bool& passes) noexcept;
 
-// The characters of a text with its escapes resolved, C's: \n \t \\ \' \" \? \a \b \f \v \r, up to
-// three octal digits, \x and hexadecimal ones.
+// Stores the characters of a text with the escapes of C resolved: \n \t \\ \' \" \? \a \b \f \v \r,
+// up to three octal digits, and \x with hexadecimal digits.
 void Unescape(std::string_view text, std::string& characters);
 
 }  // namespace corv::vcd

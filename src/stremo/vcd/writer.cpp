@@ -19,7 +19,7 @@
 namespace corv::vcd {
 namespace {
 
-// The letter of a level in the four-state form.
+// Returns the letter of a level in the four-state form.
 char FourState(char letter) noexcept {
     constexpr std::string_view kNine = "UX01ZWLH-";
     constexpr std::string_view kFour = "xx01zz01x";
@@ -60,15 +60,15 @@ private:
     OutputTree tree_;
     std::unique_ptr<platform::FileOutput> file_;
     std::string text_;
-    std::string triggers_;  // events of the first time, which stand behind the values
+    std::string triggers_;  // events at the first time, which follow the values
 
     std::vector<std::uint64_t> values_;  // by element
-    std::vector<State> states_;          // by element; kHasEvent since it was written
-    std::vector<bool> changed_;          // by variable: stands in changes_
+    std::vector<State> states_;          // by element; kHasEvent: not written yet
+    std::vector<bool> changed_;          // by variable: it is in changes_
     std::vector<std::uint32_t> changes_;
     std::int64_t time_ = 0;  // of the changes
     std::int64_t written_time_ = -1;
-    bool first_ = true;  // the values of the first time have not been written
+    bool first_ = true;  // the values at the first time have not been written
 };
 
 bool Writer::Write(platform::Files& files) {
@@ -107,7 +107,7 @@ bool Writer::WriteAll() {
     if (!WriteEvents()) {
         return false;
     }
-    tree_.AskLatest();  // now that all has been read
+    tree_.AskLatest();  // now that everything has been read
     if (const std::int64_t end = EndTime(); end > time_) {
         WriteTime(end);
     }
@@ -130,7 +130,7 @@ void Writer::TellInterest() {
     own->SetInterest(handles);
 }
 
-// The values at the start, none of them an event.
+// Takes the values at the start, none of which is an event.
 void Writer::TakeCachedValues() {
     for (const auto& [handle, first] : tree_.first_uses) {
         unsigned char bytes[16] = {};
@@ -186,7 +186,8 @@ void Writer::TakeEvent(int handle, std::uint64_t value) {
     }
 }
 
-// A second event of a scalar at one time writes the first one. A vector has one change at a time.
+// Sets the value of an element. A second event of a scalar at one time first writes the previous
+// one, so that no event is lost; a vector has one change per time.
 void Writer::Set(const Use& use, std::uint64_t value, State state) {
     const OutputVariable& variable = tree_.variables[use.variable];
     const std::uint32_t element = variable.first + use.element;
@@ -202,7 +203,7 @@ void Writer::Set(const Use& use, std::uint64_t value, State state) {
     }
 }
 
-// Once for each time.
+// Writes a time, once.
 void Writer::WriteTime(std::int64_t time) {
     if (time != written_time_) {
         text_ += '#' + std::to_string(time) + '\n';
@@ -264,7 +265,7 @@ void Writer::WriteValue(const OutputVariable& variable) {
                  states_.begin() + variable.first + variable.count, kHasEvent, kHasValue);
 }
 
-// The letter of an element; one that has no value yet is unknown.
+// Returns the letter of an element; one without a value yet is U.
 char Writer::Letter(const OutputVariable& variable, std::uint32_t element) const noexcept {
     const std::string& letters = tree_.types[variable.type].letters;
     const std::uint64_t value = values_[element];
@@ -275,7 +276,7 @@ char Writer::Letter(const OutputVariable& variable, std::uint32_t element) const
 
 void Writer::AppendDigits(const OutputVariable& variable, std::string& out) const {
     if (!variable.is_vector) {
-        // some tools drop single letters of upper case
+        // some tools drop single upper-case letters
         out += platform::Lower(Letter(variable, variable.first));
         return;
     }
@@ -303,7 +304,7 @@ void Writer::AppendText(const OutputVariable& variable, std::string& out) const 
     out += ' ';
 }
 
-// Writes the text when it has grown to a size.
+// Writes the text once it has grown to a size.
 bool Writer::Flush(std::size_t least) {
     if (text_.size() < least) {
         return true;
