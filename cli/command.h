@@ -27,6 +27,7 @@ void AddEvents(CLI::App& program, Action& chosen);
 void AddRun(CLI::App& program, Action& chosen);
 void AddInfo(CLI::App& program, Action& chosen);
 void AddValueAt(CLI::App& program, Action& chosen);
+void AddFind(CLI::App& program, Action& chosen);
 void AddConvert(CLI::App& program, Action& chosen);
 void AddFormula(CLI::App& program, Action& chosen);
 void AddClock(CLI::App& program, Action& chosen);

@@ -9,7 +9,7 @@ namespace corv::cli {
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&, Action&) = {
-    AddDraw,  AddEvents,  AddRun, AddInfo,   AddValueAt, AddConvert,    AddFormula,
+    AddDraw,  AddEvents,  AddRun, AddInfo,   AddValueAt, AddFind,       AddConvert, AddFormula,
     AddClock, AddCounter, AddSti, AddStates, AddMan,     AddCompletion, AddHelp,
 };
 

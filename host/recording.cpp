@@ -18,7 +18,7 @@ using Value = std::array<unsigned char, 16>;
 
 // Takes over the units of a physical type, which signals do not load from their recording
 // themselves.
-void TakeUnits(stremo::IEventsStreamRead& reader, ISignal& leaf) {
+void TakeUnitsOf(stremo::IEventsStreamRead& reader, ISignal& leaf) {
     constexpr const char* kUnits = "Units";
     if (const char* const units = reader.GetSignalProperty(leaf.GetHandle(), kUnits)) {
         leaf.SetProperty(kUnits, units);
@@ -34,7 +34,7 @@ public:
     Waves(stremo::IEventsStreamRead& reader, const std::vector<ISignal*>& signals) {
         for (ISignal* const signal : signals) {
             for (ISignal* const leaf : LeavesOf(*signal)) {
-                TakeUnits(reader, *leaf);
+                TakeUnitsOf(reader, *leaf);
                 AddLeaf(*leaf);
             }
         }
@@ -95,6 +95,12 @@ std::vector<std::string> Recording::Notes() const {
 
 std::string Recording::Problem() const {
     return LastStreamError();
+}
+
+void Recording::TakeUnits(ISignal& signal) const {
+    for (ISignal* const leaf : LeavesOf(signal)) {
+        TakeUnitsOf(Reader(), *leaf);
+    }
 }
 
 std::int64_t Recording::LatestTime() const {

@@ -36,6 +36,10 @@ public:
     // The latest time of all signals, in picoseconds; 0 without events.
     std::int64_t LatestTime() const;
 
+    // Takes over the units of physical types, which signals do not load from their recording
+    // themselves, for the leaves of a signal.
+    void TakeUnits(ISignal& signal) const;
+
     // Fills the waves of the signals' leaves with their events in a window, the end included. If
     // these have more than `most` different times, only somewhat more than the first `most` are
     // loaded. The value that a leaf has before the window becomes an event at the last picosecond
