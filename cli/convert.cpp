@@ -30,7 +30,7 @@ host::ConvertOptions OptionsOf(const ConvertCommand& command) {
     options.end = command.end;
     options.four_state = command.four_state;
     if (options.start < 0) {
-        throw Failure("--start lies before 0");
+        throw Failure("--start is negative");
     }
     if (options.end && *options.end < options.start) {
         throw Failure("the window ends at " + FormatTime(*options.end) + ", before its start at " +
@@ -44,7 +44,7 @@ std::vector<host::NamedSignal> SelectWhole(const host::Recording& recording,
     std::vector<host::NamedSignal> selected = SelectNamed(recording, command.names);
     for (const host::NamedSignal& named : selected) {
         if (named.slice) {
-            throw Failure("a slice can't be converted: " + named.name +
+            throw Failure("a slice cannot be converted: " + named.name +
                           "; name the whole vector, or its elements");
         }
     }

@@ -136,7 +136,7 @@ void AddFormula(CLI::App& program, Action& chosen) {
                              "tell what is wrong with a formula\n"
                              "Writes every problem with its place. As after -f, NAME= may stand in "
                              "front, or NAME:TYPE= for the formula of a vector or of a VHDL type. "
-                             "A text that begins with - goes behind --.",
+                             "A text that begins with - goes after --.",
                              *check);
     command->add_flag("-q,--quiet", check->quiet, "Write nothing, only give the exit status");
     command->footer(

@@ -136,7 +136,7 @@ void AddFormulaOptions(CLI::App& command, FormulaOptions& options) {
     command
         .add_option(
             "-f,--formula", options.formulas,
-            "A formula, named f1, f2 and so on unless NAME= stands before it; of a vector of WIDTH "
+            "A formula, named f1, f2 and so on unless NAME= precedes it; of a vector of WIDTH "
             "elements after NAME:WIDTH=, of a VHDL type after NAME:TYPE=, such as "
             "v:std_logic_vector(7 downto 0)=; may be given many times")
         ->type_name("[NAME[:TYPE]=]FORMULA")

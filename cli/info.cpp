@@ -221,8 +221,8 @@ int RunInfo(const InfoOptions& options) {
 void AddInfo(CLI::App& program, Action& chosen) {
     CLI::App* command = program.add_subcommand(
         "info",
-        "tell what a recording holds\n"
-        "Tells the format, the times of the first and the last event, the signals with their types "
+        "show what a recording contains\n"
+        "Shows the format, the times of the first and the last event, the signals with their types "
         "and numbers of events, and what had to be repaired or was lost when it was read.");
     auto options = std::make_shared<InfoOptions>();
     command->add_option("FILE", options->file, "The recording")->required();

@@ -61,10 +61,9 @@ void CheckStates(std::string_view text, std::size_t offset, CappedProblems& prob
             complain("a time is a whole number of picoseconds; cut to " + FormatTime(*time));
         }
         if (last && *time <= *last) {
-            complain((*time == *last ? "the time is not later than " : "the time lies before ") +
+            complain((*time == *last ? "the time is not later than " : "the time is before ") +
                      FormatTime(*last) +
-                     ", which stands in front of it; on and off go by turns in the order of the "
-                     "text");
+                     ", the time that precedes it; on and off alternate in the order of the text");
         } else if (*time < 0) {
             complain("the time is negative");
         }

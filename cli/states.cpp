@@ -57,9 +57,10 @@ void AddStates(CLI::App& program, Action& chosen) {
         "states",
         "show when a stimulator switches on and off\n"
         "A state text lists times with ; between them, `100ns;200ns;1us`: the stimulator switches "
-        "on at the first, off at the second and so on by turns. A time without a unit counts "
-        "picoseconds. What is odd about the text is told with its place, and the exit status is 1 "
-        "then. A text that begins with - goes behind --.");
+        "on at the first, off at the second and so on alternately. A time without a unit counts "
+        "picoseconds. What is odd about the text is reported with its place, and the exit status "
+        "is 1 "
+        "then. A text that begins with - goes after --.");
     auto options = std::make_shared<StatesOptions>();
     AddTextOperand(*command, options->text, "The state text, or - for standard input");
     AddTimeUnit(*command, "--time-unit", options->time_unit,

@@ -67,13 +67,13 @@ int RunValue(const ValueOptions& options) {
 void AddValueAt(CLI::App& program, Action& chosen) {
     CLI::App* command = program.add_subcommand(
         "value",
-        "tell the values at a time\n"
-        "Tells the value that each signal of a recording has at a time; a change at exactly that "
+        "show the values at a time\n"
+        "Shows the value that each signal of a recording has at a time; a change at exactly that "
         "time counts.");
     auto options = std::make_shared<ValueOptions>();
     AddRecordingOptions(*command, *options);
     command->get_option("FILE")->required();
-    AddTime(*command, "--at", options->time, "The time to tell the values of");
+    AddTime(*command, "--at", options->time, "The time at which to show the values");
     AddRecordingUnit(*command, options->recording_unit);
     AddRadix(*command, *options);
     AddText(*command, "-o,--output", "FILE", options->output, "Write to FILE");

@@ -5,7 +5,7 @@
 int main() {
     const corv::Stimulus reset("'0' 0, '1' 35ns");
     for (const auto& [time, value] : reset.Events()) {
-        std::cout << time << " ps: " << value << '\n';
+        std::cout << corv::FormatTime(time) << ": " << value << '\n';
     }
     std::cout << "normal form: " << reset.Formula() << '\n';
 }

@@ -328,8 +328,8 @@ private:
         }
         const std::string had = Quoted() + " has " + std::to_string(reading.bits.size()) +
                                 " bits for " + std::to_string(width);
-        return filled > 0            ? had + "; zeros are put in front"
-               : cut >= reading.each ? had + "; the zeros in front are left out"
+        return filled > 0            ? had + "; leading zeros are added"
+               : cut >= reading.each ? had + "; leading zeros are dropped"
                                      : "";
     }
 

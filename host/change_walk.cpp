@@ -4,8 +4,7 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "corv/stremo/stream_details.h"
-#include "corv/stremo/stream_error.h"
+#include "corv/stremo/streams.h"
 
 namespace corv::host {
 
@@ -45,7 +44,7 @@ void ChangeWalk::AddLeaf(int handle, std::size_t signal) {
 
 void ChangeWalk::ReadFirstValues(const std::vector<int>& handles) {
     stremo::IEventsStreamRead& reader = recording_.Reader();
-    SelectStreamSignals(reader, handles.data(), static_cast<int>(handles.size()));
+    SelectStreamSignals(reader, handles);
     if (!reader.Seek(&window_.start)) {
         throw std::runtime_error(recording_.Problem());
     }

@@ -82,7 +82,7 @@ Recording::Recording(const std::string& file_name, const OpenOptions& options)
     if (FAILED(CreateSignalContainer(signals_.Out(), nullptr)) ||
         FAILED(signals_->LoadFromReader(&Reader()))) {
         const std::string why = Problem();
-        throw std::runtime_error(file_name + ": its signals can't be read" +
+        throw std::runtime_error(file_name + ": its signals cannot be read" +
                                  (why.empty() ? "" : ": " + why));
     }
 }

@@ -133,7 +133,7 @@ HRESULT CORV_CALL SignalContainer::LoadFromReader(IEventsStreamRead* reader) noe
     signals::ReaderLoad load(*reader);
     const HRESULT result = platform::Guarded(E_OUTOFMEMORY, [&] { return LoadAll(load, *reader); });
     if (result == E_OUTOFMEMORY) {
-        load.Refuse("memory has run out");
+        load.Refuse("out of memory");
     }
     return SUCCEEDED(result) ? S_OK : E_FAIL;
 }
@@ -194,7 +194,7 @@ HRESULT SignalContainer::LoadOne(signals::ReaderLoad& load, IEventsStreamRead& r
     ComPtr<ISignal> made;
     if (FAILED(load.Signals().Make(made.Out())) || !Describe(*made, handle, info) ||
         FAILED(made->LoadFromReader(&reader, this, parent, info.member_count))) {
-        load.Refuse("memory has run out");
+        load.Refuse("out of memory");
         return E_FAIL;
     }
     if (info.member_count == 0) {

@@ -44,8 +44,8 @@ constexpr Reason kReasons[] = {
     {ENAMETOOLONG, "the name is too long"},
     {EMFILE, "too many files are open"},
     {ENFILE, "too many files are open"},
-    {ENOMEM, "memory has run out"},
-    {EIO, "the disk can't be read or written"},
+    {ENOMEM, "out of memory"},
+    {EIO, "the disk cannot be read or written"},
     {ELOOP, "its symbolic links lead in a circle"},
 };
 
@@ -55,7 +55,7 @@ const char* ReasonOf(int code) noexcept {
             return reason.text;
         }
     }
-    return "the system refuses it";
+    return "the system refused it";
 }
 
 #if CORV_HAS_POSIX_FILES
@@ -129,7 +129,7 @@ Files::Opened<FileContent> OpenContent(const std::string& name) {
         return {nullptr, ReasonOf(errno)};
     }
     if (!S_ISREG(status.st_mode)) {
-        return {nullptr, S_ISDIR(status.st_mode) ? kIsFolder : "it is no ordinary file"};
+        return {nullptr, S_ISDIR(status.st_mode) ? kIsFolder : "it is not an ordinary file"};
     }
     auto content = MakeContent(std::make_unique<FileSource>(std::move(file)),
                                static_cast<std::uint64_t>(status.st_size));
@@ -281,7 +281,7 @@ FoundFile FindEntry(const path& folder, const std::string& name) {
             continue;
         }
         if (found.failure == nullptr) {
-            return {{}, "several names differ from this one in case only"};
+            return {{}, "several names differ from this one only in case"};
         }
         found = {(folder / entry).string(), nullptr};
     }

@@ -32,7 +32,7 @@ std::optional<CounterProblem> CheckNumber(std::string_view text, int radix) {
     if (ReadCountNumber(text, radix)) {
         return std::nullopt;
     }
-    return CounterProblem{text, Quote(text) + " is no number in radix " + std::to_string(radix)};
+    return CounterProblem{text, Quote(text) + " is not a number in radix " + std::to_string(radix)};
 }
 
 std::optional<CounterProblem> CheckPeriod(std::string_view text) {

@@ -37,12 +37,12 @@ constexpr std::array<FaultRow, 13> kFaults{{
      "the text in brackets is not a hexadecimal number; the value is left out"},
     {VeskFault::TooLong,
      "the duration of this value is past the range of 9.2e18ps; the value is left out"},
-    {VeskFault::GroupDropped, "this group can't be read and is left out"},
+    {VeskFault::GroupDropped, "this group cannot be read and is left out"},
     {VeskFault::GroupWithoutCount,
      "the group that ends here has no repeat count and contributes nothing; write one, such as "
      "`)1`"},
     {VeskFault::NoValue,
-     "this character can't be a value, since it would begin a quoted word or end an element"},
+     "this character cannot be a value, since it would begin a quoted word or end an element"},
     {VeskFault::NoLength,
      "this value lasts 0; write the value and then its duration, such as `110NS` for 1 during "
      "10ns"},
@@ -87,7 +87,7 @@ void CheckFront(std::string_view formula, std::string_view text, ProblemList& pr
     const std::size_t mark = FindNotation(formula);
     if (before.find_first_not_of(" \t\n") < mark) {
         problems.Warn(problems.PlaceOf(util::TrimEnds(before.substr(0, mark), " \t\n")),
-                      "what stands before `" + std::string(kMark) + "` is ignored; remove it");
+                      "the text before `" + std::string(kMark) + "` is ignored; remove it");
     }
 }
 

@@ -164,7 +164,7 @@ bool OrdinaryChecker::CheckSpaces(const FormulaItem& item) {
         if (!space.empty()) {
             problems_.Error(problems_.PlaceOf(word),
                             "a " + std::string(space) +
-                                " is no blank here and becomes part of a word; use spaces, tabs "
+                                " is not a blank here and becomes part of a word; use spaces, tabs "
                                 "and line feeds only");
             return false;
         }
@@ -200,7 +200,7 @@ bool OrdinaryChecker::CheckTime(const FormulaItem& item, const FormulaTime& time
     } else if (time.time.value < 0 && !item.is_repeat) {
         problems_.Error(place, "the time " + Quote(item.time) + " is negative; times start at 0");
     } else if (picoseconds > kMaxTime || picoseconds < -kMaxTime) {
-        problems_.Error(place, "the time " + Quote(item.time) + ", which counts in " +
+        problems_.Error(place, "the time " + Quote(item.time) + ", which is in " +
                                    std::string(util::kTimeUnits[time.time.unit].name) +
                                    ", is past the range of 9.2e18ps");
     } else if (time.fraction_cut) {
@@ -251,7 +251,7 @@ void OrdinaryChecker::CheckPeriod(const FormulaItem& item, const FormulaTime& ti
         problems_.Error(place, "a repeat period of 0 repeats nothing");
     } else if (period < 0 && period >= -kMaxTime) {
         problems_.Error(place,
-                        "a repeat period can't be negative; it counts as " + TimeText(-period));
+                        "a repeat period cannot be negative; it counts as " + TimeText(-period));
     }
 }
 
@@ -369,7 +369,7 @@ void OrdinaryChecker::CheckAbsolutes() {
     for (const Timed& absolute : absolutes_) {
         if (!absolute.reported && absolute.time < start) {
             problems_.Warn(absolute.place, "the absolute time " + TimeText(absolute.time) +
-                                               " lies before the pattern starts at " +
+                                               " is before the pattern starts at " +
                                                TimeText(start) +
                                                ", so that the value never takes effect");
         }

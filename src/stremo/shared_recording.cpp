@@ -45,7 +45,7 @@ std::shared_ptr<BlockStore> SharedRecording::Blocks(const Leaves& leaves) noexce
     if (!Holds(leaves)) {
         const bool all = leaves.empty() || readings_ >= kPartialReadings;
         if (!platform::Done([&] { Read(all ? Leaves() : Union(announced_, leaves)); })) {
-            SetError(recording_->file_name(), "memory has run out");
+            SetError(recording_->file_name(), "out of memory");
         }
     }
     return Holds(leaves) ? blocks_ : nullptr;

@@ -50,7 +50,7 @@ Streams::iterator Find(std::string_view name) noexcept {
 stremo::IEventsStreamRead* OpenRegistered(const char* name, Factory factory) {
     stremo::IEventsStreamRead* const reader = factory();
     if (reader == nullptr && *corv::LastStreamError() == '\0') {
-        SetError(name, "whoever registered the name gave no recording");
+        SetError(name, "the registered factory returned no recording");
     }
     return reader;
 }
@@ -82,7 +82,7 @@ IEventsStreamRead* CreateStreamRead(const char* file_name) noexcept {
     const char* const name = file_name != nullptr ? file_name : "";
     corv::recording::ClearError();
     if (!corv::platform::Done([&] { reader = corv::recording::Open(name); })) {
-        corv::recording::SetError(name, "memory has run out");
+        corv::recording::SetError(name, "out of memory");
     }
     return reader;
 }

@@ -38,7 +38,7 @@ std::unique_ptr<recording::Recording> Open(const std::string& name,
     const std::uint64_t size = source->GetSize();
     auto content = platform::MakeContent(std::make_unique<HostSource>(std::move(source)), size);
     if (content == nullptr) {
-        recording::SetError(name, "memory has run out");
+        recording::SetError(name, "out of memory");
         return nullptr;
     }
     return time_unit < 0 ? recording::OpenContent(name, std::move(content))
@@ -59,7 +59,7 @@ std::unique_ptr<stremo::IEventsStreamRead> OpenStreamSource(const char* name,
         }
     });
     if (!done) {
-        recording::SetError(name != nullptr ? name : "", "memory has run out");
+        recording::SetError(name != nullptr ? name : "", "out of memory");
     }
     return reader;
 }

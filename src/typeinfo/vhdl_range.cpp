@@ -46,7 +46,7 @@ bool ReadBound(VhdlCursor& cursor, const Limits<std::int32_t>& limits, std::int3
                                                             : " has no closing `#`"));
     }
     bound = number.value_or(0);
-    return number || cursor.Fail(place, Quote(place) + " is no value of " + Quote(limits.name));
+    return number || cursor.Fail(place, Quote(place) + " is not a value of " + Quote(limits.name));
 }
 
 // Takes the time unit of a number, which is the next word or the end of the number itself; returns
@@ -73,14 +73,14 @@ bool ReadBound(VhdlCursor& cursor, const Limits<double>& limits, double& bound,
     const int unit = limits.times ? TakeUnit(cursor, *text, place) : 0;
     if (unit < 0) {
         return cursor.Fail(place,
-                           Quote(place) + " has no time unit; write one behind it, such as `ns`");
+                           Quote(place) + " has no time unit; write one after it, such as `ns`");
     }
     const auto number = ReadReal(*text);
     if (!number) {
         const bool is_based = text->find('#') != std::string::npos;
         return cursor.Fail(place, Quote(place) + (is_based ? " is a based literal; write the bound "
                                                              "of a real in decimal"
-                                                           : " is no number in the range of a "
+                                                           : " is not a number in the range of a "
                                                              "double"));
     }
     bound = *number * static_cast<double>(util::kFemtoseconds[static_cast<unsigned>(unit)]);
@@ -189,15 +189,15 @@ bool ReadRange(VhdlCursor& cursor, const Limits<Bound>& limits, Range<Bound>& ra
     const bool is_right_in = IsWithin(range.right, limits.range);
     if (is_to ? range.left > range.right : range.left < range.right) {
         const std::string_view place = Span(left, right);
-        return cursor.Fail(
-            place, "the range " + Quote(place) + " holds no value; " +
-                       (!is_left_in || !is_right_in ? "only ranges that hold one can be read"
-                        : is_to                     ? "write it with `downto`"
-                                                    : "write it with `to`"));
+        return cursor.Fail(place,
+                           "the range " + Quote(place) + " is empty; " +
+                               (!is_left_in || !is_right_in ? "only ranges with a value can be read"
+                                : is_to                     ? "write it with `downto`"
+                                                            : "write it with `to`"));
     }
     const std::string_view place = is_left_in ? right : left;
     return (is_left_in && is_right_in) ||
-           cursor.Fail(place, Quote(place) + " is no value of " + Quote(limits.name));
+           cursor.Fail(place, Quote(place) + " is not a value of " + Quote(limits.name));
 }
 
 bool TakePrefixedName(VhdlCursor& cursor, std::string_view& name) {
@@ -205,7 +205,7 @@ bool TakePrefixedName(VhdlCursor& cursor, std::string_view& name) {
     while (cursor.Skip(".")) {
         const Word& next = cursor.Next();
         if (next.kind != WordKind::Extended && !IsIdentifier(next)) {
-            return cursor.FailAtNext("a name behind `.`");
+            return cursor.FailAtNext("a name after `.`");
         }
         name = cursor.Take();
     }
@@ -237,8 +237,7 @@ bool ReadIndex(VhdlCursor& cursor, const IndexNeeds& needs, IndexRange& range) {
     }
     range = own.range;
     return IsWithin(range.left, needs.limits.range) ||
-           cursor.Fail(name,
-                       Quote(name) + " has values that are none of " + Quote(needs.limits.name));
+           cursor.Fail(name, Quote(name) + " has values outside " + Quote(needs.limits.name));
 }
 
 void AppendIndex(std::string& out, const IndexRange& range) {

@@ -87,8 +87,9 @@ void VhdlReader::ReadWhole() {
         return;
     }
     if (cursor_.Next().kind == WordKind::End) {
-        cursor_.Fail(cursor_.Text(),
-                     "the text holds no type; write one, such as `std_logic_vector(7 downto 0)`");
+        cursor_.Fail(
+            cursor_.Text(),
+            "the text contains no type; write one, such as `std_logic_vector(7 downto 0)`");
         return;
     }
     const VhdlType* const type = ReadType(1);
@@ -98,7 +99,7 @@ void VhdlReader::ReadWhole() {
     // a type copied from a declaration ends in a semicolon
     cursor_.Skip(";");
     if (cursor_.Next().kind != WordKind::End) {
-        cursor_.FailAtNext("nothing more behind the type");
+        cursor_.FailAtNext("nothing more after the type");
         return;
     }
     out_.whole = type;
@@ -133,14 +134,14 @@ const VhdlType* VhdlReader::ReadEnumeration() {
             return nullptr;
         }
     } while (cursor_.Skip(","));
-    if (!cursor_.Expect(")", " or `,` behind the literal")) {
+    if (!cursor_.Expect(")", " or `,` after the literal")) {
         return nullptr;
     }
     if (const std::string_view* repeated = FindRepeated(type.literals)) {
         // the kept text of a character literal lacks its second apostrophe, the message shows it
         const std::size_t rest = repeated->starts_with('\'') ? 1 : 0;
         const std::string_view literal(repeated->data(), repeated->size() + rest);
-        return Fail(literal, "the literal " + Quote(literal) + " stands twice");
+        return Fail(literal, "the literal " + Quote(literal) + " appears twice");
     }
     return &type;
 }
@@ -153,7 +154,7 @@ bool VhdlReader::ReadLiteral(VhdlType& type) {
         type.literals.push_back(next.text);
         type.words = true;
     } else if (next.kind == WordKind::Extended) {
-        return cursor_.Fail(next.text, "a literal can't have a blank in its name");
+        return cursor_.Fail(next.text, "a literal cannot have a blank in its name");
     } else {
         return cursor_.FailAtNext("a literal, such as `idle` or `'0'`");
     }
@@ -165,7 +166,7 @@ bool VhdlReader::ReadLiteral(VhdlType& type) {
 
 const VhdlType* VhdlReader::ReadArray(int level) {
     VhdlType& type = Make(KTypeInfo::KindArray);
-    if (!cursor_.Expect("(", " behind `array`")) {
+    if (!cursor_.Expect("(", " after `array`")) {
         return nullptr;
     }
     do {
@@ -177,7 +178,7 @@ const VhdlType* VhdlReader::ReadArray(int level) {
             return Fail(place, "an array has `<>` in all of its dimensions or in none");
         }
     } while (cursor_.Skip(","));
-    if (!cursor_.Expect(")", " or `,` behind the range") ||
+    if (!cursor_.Expect(")", " or `,` after the range") ||
         !cursor_.Expect("of", " and the type of the elements")) {
         return nullptr;
     }
@@ -197,9 +198,9 @@ const VhdlType* VhdlReader::ReadRecord(int level) {
         }
     }
     if (const std::string_view* repeated = FindRepeated(names)) {
-        return Fail(*repeated, "the field " + Quote(*repeated) + " stands twice");
+        return Fail(*repeated, "the field " + Quote(*repeated) + " appears twice");
     }
-    if (!cursor_.Expect("record", " behind `end`")) {
+    if (!cursor_.Expect("record", " after `end`")) {
         return nullptr;
     }
     // `end record name` is the only place where the name of a record can be written
@@ -214,7 +215,7 @@ bool VhdlReader::ReadFields(VhdlType& type, std::vector<std::string_view>& names
     do {
         const Word& next = cursor_.Next();
         if (next.kind == WordKind::Extended && !IsIdentifier(next)) {
-            return cursor_.Fail(next.text, "a field can't have a blank in its name");
+            return cursor_.Fail(next.text, "a field cannot have a blank in its name");
         }
         if (!IsIdentifier(next)) {
             return cursor_.FailAtNext(names.size() == first ? "a field or `end record`"
@@ -229,7 +230,7 @@ bool VhdlReader::ReadFields(VhdlType& type, std::vector<std::string_view>& names
     for (std::size_t i = first; field && i < names.size(); ++i) {
         type.fields.push_back({names[i], field});
     }
-    return field && cursor_.Expect(";", " behind the field");
+    return field && cursor_.Expect(";", " after the field");
 }
 
 // ---- named types ----
@@ -241,7 +242,7 @@ const VhdlType* VhdlReader::ReadNamed(int level) {
     }
     // `resolved std_ulogic` is how the standard package itself defines std_logic
     if (platform::EqualNoCase(name, "resolved")) {
-        if (!cursor_.Expect("std_ulogic", " behind `resolved`")) {
+        if (!cursor_.Expect("std_ulogic", " after `resolved`")) {
             return nullptr;
         }
         name = "std_logic";
@@ -282,7 +283,7 @@ const VhdlType* VhdlReader::ReadScalar(const NamedScalar& row, std::string_view 
             is_number ? nullptr : FindNamedArray(std::string(row.name) + "_vector");
         return Fail(name, Quote(name) + " takes no range in parentheses" +
                               DidYouMean(array ? array->name : std::string_view(),
-                                         is_number ? "; write it behind `range`" : ""));
+                                         is_number ? "; write it after `range`" : ""));
     }
     if (!cursor_.Skip("range")) {
         return Ready(row.text);
@@ -309,7 +310,7 @@ const VhdlType* VhdlReader::ReadNamedArray(const NamedArray& row, std::string_vi
                                            int level) {
     if (cursor_.Next().Is("range")) {
         return Fail(cursor_.Next().text, "the range of " + Quote(name) +
-                                             " stands in parentheses, as in " +
+                                             " is written in parentheses, as in " +
                                              Quote(std::string(name) + "(7 downto 1)"));
     }
     // the element is one level deeper, although ReadType is not called for it
@@ -319,7 +320,7 @@ const VhdlType* VhdlReader::ReadNamedArray(const NamedArray& row, std::string_vi
     bool constrained = cursor_.Skip("(");
     if (constrained && cursor_.Skip("open")) {
         constrained = false;
-        if (!cursor_.Expect(")", " behind `open`")) {
+        if (!cursor_.Expect(")", " after `open`")) {
             return nullptr;
         }
     }
@@ -337,8 +338,8 @@ const VhdlType* VhdlReader::ReadNamedArray(const NamedArray& row, std::string_vi
     const Limits<std::int32_t> limits{IndexTypeName(row.first_index), range};
     range.constrained = true;
     const IndexNeeds needs{limits, "a number as the bound"};
-    return ReadIndex(cursor_, needs, range) && cursor_.Expect(")", " behind the range") ? &type
-                                                                                        : nullptr;
+    return ReadIndex(cursor_, needs, range) && cursor_.Expect(")", " after the range") ? &type
+                                                                                       : nullptr;
 }
 
 }  // namespace

@@ -84,7 +84,7 @@ x \Counter                     | 0  | 2  | E | counter
 /vesk 0PS110NS/CLK             | 6  | 1  | W | lasts 0
 /vesk 00NS110NS/CLK            | 6  | 2  | W | lasts 0
 /vesk 1NS                      | 6  | 1  | W | lasts 0
-/vesk "10NS010NS               | 6  | 1  | E | can't be a value
+/vesk "10NS010NS               | 6  | 1  | E | cannot be a value
 )";
 
 // The carriage returns and line feeds of the table.

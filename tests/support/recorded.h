@@ -65,7 +65,7 @@ private:
             return taken.size() < bytes.size() ? "the disk is full" : nullptr;
         }
         const char* Close() noexcept override {
-            return files_.fail_on_close_ ? "the disk can't be read or written" : nullptr;
+            return files_.fail_on_close_ ? "the disk cannot be read or written" : nullptr;
         }
 
     private:

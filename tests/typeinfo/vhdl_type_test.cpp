@@ -138,35 +138,35 @@ constexpr const char* kProblems = R"table(
     int | 0 | 3 | did you mean `integer`?
     recrod a : bit; end record | 0 | 6 | did you mean `record`?
     my_type | 0 | 7 | unknown type `my_type`; write ;; work.my_type | 5 | 7 | `my_type`
-    work. | 5 | 0 | a name behind `.`, but the text ends ;; bit bit | 4 | 3 | nothing more
+    work. | 5 | 0 | a name after `.`, but the text ends ;; bit bit | 4 | 3 | nothing more
     bit;; | 4 | 1 | found `;` ;; 7 | 0 | 1 | expected a type
     range 0 to 7 | 0 | 5 | expected a type
     std_logic(3 downto 0) | 0 | 9 | did you mean `std_logic_vector`?
-    integer(3 downto 0) | 0 | 7 | behind `range`
+    integer(3 downto 0) | 0 | 7 | after `range`
     bit range 0 to 1 | 4 | 5 | `bit` is an enumeration
     unsigned range 7 downto 0 | 9 | 5 | in parentheses
     unsigned(7 dwonto 0) | 11 | 6 | did you mean `downto`?
     unsigned(7:0) | 10 | 1 | `to` or `downto`
     unsigned(WIDTH-1 downto 0) | 9 | 5 | a number as the bound, found `WIDTH`
-    unsigned(7 downto 0 | 19 | 0 | expected `)` behind the range, but the text ends
+    unsigned(7 downto 0 | 19 | 0 | expected `)` after the range, but the text ends
     unsigned(7+1 downto 0) | 10 | 1 | found `+`
-    unsigned(3 downto -1) | 18 | 2 | `-1` is no value of `natural`
-    string(0 to 3) | 7 | 1 | `0` is no value of `positive`
-    unsigned(0 downto 7) | 9 | 10 | holds no value; write it with `to`
-    unsigned(7 to 0) | 9 | 6 | holds no value; write it with `downto`
+    unsigned(3 downto -1) | 18 | 2 | `-1` is not a value of `natural`
+    string(0 to 3) | 7 | 1 | `0` is not a value of `positive`
+    unsigned(0 downto 7) | 9 | 10 | is empty; write it with `to`
+    unsigned(7 to 0) | 9 | 6 | is empty; write it with `downto`
     unsigned(7.0 downto 0) | 9 | 3 | no whole number
     unsigned(8bit downto 0) | 9 | 4 | no whole number
     integer range 0 to 99999999999 | 19 | 11 | no value of `integer`
-    natural range -1 to 3 | 14 | 2 | `-1` is no value of `natural`
+    natural range -1 to 3 | 14 | 2 | `-1` is not a value of `natural`
     real range 0.0 to 1e999 | 18 | 5 | range of a double
-    real range 1.0 to 0.0 | 11 | 10 | holds no value
+    real range 1.0 to 0.0 | 11 | 10 | is empty
     time range 0 to 5 ns | 11 | 1 | no time unit
     time range 0 ns to 5 s | 19 | 1 | no time unit
     delay_length range -1 ns to 0 ns | 19 | 5 | no value of `delay_length`
     time range 0 fs to 1e6 hr | 19 | 6 | no value of `time` ;; () | 1 | 1 | expected a literal
-    (a, b, A) | 7 | 1 | `A` stands twice ;; (a, b, b, a) | 7 | 1 | `b` stands twice
-    ('a', 'A', 'a') | 11 | 3 | `'a'` stands twice
-    (a b) | 3 | 1 | expected `)` or `,` behind the literal, found `b`
+    (a, b, A) | 7 | 1 | `A` appears twice ;; (a, b, b, a) | 7 | 1 | `b` appears twice
+    ('a', 'A', 'a') | 11 | 3 | `'a'` appears twice
+    (a b) | 3 | 1 | expected `)` or `,` after the literal, found `b`
     (a, to) | 4 | 2 | expected a literal ;; (\a b\) | 1 | 5 | blank
     array 0 to 3 of bit | 6 | 1 | expected `(` ;; array (<>) of bit | 7 | 2 | found `<>`
     array (boolean) of bit | 7 | 7 | whole numbers
@@ -176,20 +176,20 @@ constexpr const char* kProblems = R"table(
     record in : bit; end record | 7 | 2 | found `in`, a reserved word
     (begin, in) | 1 | 5 | a reserved word ;; (a__b) | 1 | 4 | whose underscores no name may have
     (a_) | 1 | 2 | whose underscores no name may have
-    unsigned(-1 downto 0) | 9 | 11 | holds no value; only ranges that hold one can be read
-    string(1 to 0) | 7 | 6 | holds no value; only ranges that hold one can be read
-    string(natural range 0 to 3) | 21 | 1 | `0` is no value of `positive`
-    unsigned(positive range 0 to 3) | 24 | 1 | `0` is no value of `positive`
-    std_logic_vector(integer) | 17 | 7 | `integer` has values that are none of `natural`
+    unsigned(-1 downto 0) | 9 | 11 | is empty; only ranges with a value can be read
+    string(1 to 0) | 7 | 6 | is empty; only ranges with a value can be read
+    string(natural range 0 to 3) | 21 | 1 | `0` is not a value of `positive`
+    unsigned(positive range 0 to 3) | 24 | 1 | `0` is not a value of `positive`
+    std_logic_vector(integer) | 17 | 7 | `integer` has values outside `natural`
     real range -1.0e-3 to 16#F.8# | 22 | 7 | a based literal; write the bound of a real in decimal
     integer range 0 to 16#FF | 19 | 5 | no closing `#`
     std_ulogic range 'X' to '1' | 11 | 5 | only ranges of numbers can be read
-    resolved bit | 9 | 3 | expected `std_ulogic` behind `resolved`
+    resolved bit | 9 | 3 | expected `std_ulogic` after `resolved`
     array (0 to 3) bit | 15 | 3 | expected `of` ;; array (0 to 3) of | 17 | 0 | expected a type
     record a : bit end record | 15 | 3 | expected `;`
     record a bit; end record | 9 | 3 | expected `:`
     record a, : bit; end record | 10 | 1 | the name of a field
-    record a : bit; A : bit; end record | 16 | 1 | the field `A` stands twice
+    record a : bit; A : bit; end record | 16 | 1 | the field `A` appears twice
     record a : bit; | 15 | 0 | `end record` ;; record \a b\ : bit; end record | 7 | 5 | blank
     record a : bit; end recrd | 20 | 5 | did you mean `record`?
     bit /* open | 4 | 2 | no closing `*/`)table";

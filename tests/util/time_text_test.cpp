@@ -7,7 +7,7 @@
 
 #include "corv/util/time_units.h"
 #include "tests/support/failing_alloc.h"
-#include "tests/support/random_formula.h"
+#include "tests/support/random.h"
 #include "tests/support/table.h"
 
 namespace corv::test {

@@ -53,7 +53,7 @@ struct ProcessMemory {
 TEST(WaveMemory, LeavesAHostItsAddresses) {
     rlimit before{};
     if (!ProcessMemory().IsPlain() || getrlimit(RLIMIT_AS, &before) != 0) {
-        GTEST_SKIP() << "the addresses can't be limited here";
+        GTEST_SKIP() << "the addresses cannot be limited here";
     }
     const rlimit limit{8'000'000'000, before.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
@@ -72,7 +72,7 @@ TEST(WaveMemory, LeavesLittleBehind) {
     platform::AddressRange::ReleaseKept();
     const ProcessMemory before;
     if (!before.IsPlain()) {
-        GTEST_SKIP() << "the memory of waves can't be told here";
+        GTEST_SKIP() << "the memory of waves cannot be told here";
     }
     for (const std::int64_t events : {60'000, 200'000}) {
         LongWaves(20, events);

@@ -128,7 +128,7 @@ void Copy::TellInterest() {
 bool Copy::WriteEvents() {
     if (!reader_.Seek(&options_.start)) {
         if (*LastStreamError() == '\0') {
-            SetError(file_name_, "the recording can't be read");
+            SetError(file_name_, "the recording cannot be read");
         }
         return true;
     }
@@ -173,7 +173,7 @@ bool Copy::Write(int handle, std::int64_t time, const Value& value) {
         return false;
     }
     if (++written_ % kReportEvery == 0 && options_.progress && !options_.progress(time)) {
-        SetError(file_name_, "the work was ended");
+        SetError(file_name_, "the writing was cancelled");
         return false;
     }
     return true;
@@ -206,7 +206,7 @@ bool WriteEventFile(stremo::IEventsStreamRead& reader, const char* file_name,
         written = recording::WriteEventFile(reader, platform::SystemFiles(), name, options);
     });
     if (!done) {
-        recording::SetError(name, "memory has run out");
+        recording::SetError(name, "out of memory");
     }
     return done && written;
 }

@@ -89,7 +89,7 @@ template <class Work>
 bool EventFileWriter::Do(Work work) noexcept {
     bool done = false;
     if (!platform::Done([&] { done = work(); })) {
-        SetError(output_.file_name(), "memory has run out");
+        SetError(output_.file_name(), "out of memory");
         failed_ = true;
     }
     return done;
@@ -286,7 +286,7 @@ IEventsStreamWrite* CreateStreamWrite(const char* file_name) noexcept {
         writer = MakeEventFileWriter(name, std::move(created.file)).release();
     });
     if (!done) {
-        SetError(file_name, "memory has run out");
+        SetError(file_name, "out of memory");
     }
     return writer;
 }

@@ -229,7 +229,7 @@ void Changes::Value(Input& in, std::size_t rank) {
     const std::size_t offset = in.offset();
     const Net& net = source_.nets[rank];
     const std::int64_t value = Types::ReadValue(in, net.kind);
-    const auto none = [&] { notes_.Add(offset, "a value is none of its type; it is left out"); };
+    const auto none = [&] { notes_.Add(offset, "a value is not of its type; it is left out"); };
     if (!in.ok()) {
         return;
     }

@@ -139,7 +139,7 @@ void Hierarchy::ReadGenerate(Input& in) {
     std::string name(strings_.ReadName(in, notes_));
     const std::uint32_t type = types_.ReadNumber(in);
     if (!types_[type].IsScalar() || type == kNoType) {
-        in.Fail("the index of a generate statement is no scalar");
+        in.Fail("the index of a generate statement is not a scalar");
     }
     const std::int64_t value = Types::ReadValue(in, types_[type].kind);
     OpenScope(name + "(" + IndexText(types_, type, value) + ")");
@@ -232,7 +232,7 @@ const char* Hierarchy::WhyNot(std::string_view name, std::uint32_t place) {
     if (!budget_.Take(path_.size() + name.size() + 1)) {
         return "there are too many names; the other signals are left out";
     }
-    return texts_.Of(place).empty() ? "the type of a signal can't be described; it is left out"
+    return texts_.Of(place).empty() ? "the type of a signal cannot be described; it is left out"
                                     : nullptr;
 }
 

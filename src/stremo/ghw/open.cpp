@@ -32,7 +32,7 @@ std::unique_ptr<stremo::IEventsStreamRead> OpenGhwRecording(const char* file_nam
     const char* const name = file_name != nullptr ? file_name : "";
     recording::ClearError();
     if (!platform::Done([&] { reader = Open(name, time_unit); })) {
-        recording::SetError(name, "memory has run out");
+        recording::SetError(name, "out of memory");
     }
     return reader;
 }

@@ -231,9 +231,9 @@ void GhwRecording::ReadHierarchy(const ghw::Strings& strings, const ghw::Types& 
     nets_ = hierarchy.TakeNets();
     if (!in_.ok()) {
         remarks_.Add(in_.offset(), kSectionNames[kHierarchy] + std::string(": ") + in_.failure() +
-                                       "; the signals behind it and all values are left out");
+                                       "; the signals after it and all values are left out");
     } else if (!hierarchy.nets_known()) {
-        remarks_.Add(in_.offset(), "the values can't be told apart and are left out");
+        remarks_.Add(in_.offset(), "the values cannot be told apart and are left out");
     } else {
         changes_ = in_.offset();
     }
@@ -257,7 +257,7 @@ std::unique_ptr<BlockStore> GhwRecording::OpenBlocks(std::span<const std::uint32
     auto blocks = std::make_unique<MemoryBlocks>();
     recording::Notes remarks = remarks_;
     if (changes_ != 0 && !ghw::ReadChanges(Source(), signals_, leaves, *blocks, remarks)) {
-        SetError(file_name(), "memory has run out");
+        SetError(file_name(), "out of memory");
         return nullptr;
     }
     TellNotes(remarks);

@@ -154,7 +154,7 @@ std::unique_ptr<BlockStore> VcdRecording::OpenBlocks(std::span<const std::uint32
     auto blocks = std::make_unique<MemoryBlocks>();
     vcd::Changes changes(*content_, declarations_, signals_, leaves, *blocks, notes);
     if (!changes.Read(end_, [this](platform::Bytes part) { Pass(part); })) {
-        SetError(file_name(), "memory has run out");
+        SetError(file_name(), "out of memory");
         return nullptr;
     }
     TellProgress(file_.size(), file_.size());

@@ -102,7 +102,7 @@ bool Writer::WriteAll() {
     time_ = options_.start;
     if (!reader_.Seek(&time_)) {
         if (*LastStreamError() == '\0') {
-            recording::SetError(file_name_, "the recording can't be read");
+            recording::SetError(file_name_, "the recording cannot be read");
         }
         return false;
     }
@@ -172,7 +172,7 @@ bool Writer::WriteEvents() {
             }
         }
         if (++events % kPause == 0 && options_.progress && !options_.progress(time)) {
-            recording::SetError(file_name_, "the work was ended");
+            recording::SetError(file_name_, "the writing was cancelled");
             return false;
         }
         TakeEvent(handle, ReadValue());
@@ -351,7 +351,7 @@ bool WriteVcd(stremo::IEventsStreamRead& reader, const char* file_name,
     recording::ClearError();
     if (!platform::Done(
             [&] { written = vcd::WriteVcd(reader, platform::SystemFiles(), name, options); })) {
-        recording::SetError(name, "memory has run out");
+        recording::SetError(name, "out of memory");
         return false;
     }
     return written;

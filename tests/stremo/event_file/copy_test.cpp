@@ -112,7 +112,7 @@ TEST(WriteEventFile, SaysWhyItFails) {
     EventFileOptions ended;
     ended.progress = [](std::int64_t time) { return time < 0; };
     EXPECT_FALSE(write(ended));
-    EXPECT_STREQ(LastStreamError(), "copy.evt: the work was ended");
+    EXPECT_STREQ(LastStreamError(), "copy.evt: the writing was cancelled");
     recorded.files.LimitRoom(2'000);
     EXPECT_FALSE(write());
     EXPECT_STREQ(LastStreamError(), "copy.evt: the disk is full");
@@ -131,7 +131,7 @@ TEST(WriteEventFile, KeepsWhatCouldBeRead) {
     Recorded recorded(5);
     Broken broken(recorded.reader.release());
     EXPECT_FALSE(recording::WriteEventFile(broken, recorded.files, "run.evt", {}));
-    EXPECT_STREQ(LastStreamError(), "run.evt: the recording can't be read");
+    EXPECT_STREQ(LastStreamError(), "run.evt: the recording cannot be read");
     const Reader copied = Read(recorded.files);
     ASSERT_NE(copied, nullptr);
     EXPECT_EQ(copied->GetSignalCount(), static_cast<int>(recorded.model.signals.size()));

@@ -241,7 +241,7 @@ TEST_F(EventFileOnDisk, IsFoundByItsNameInAnyCase) {
     EXPECT_EQ(CountEvents(Name("SUB/./../Sub/run.evt")), 7U);
     ASSERT_TRUE(WriteExample("Sub/RUN.evt"));
     EXPECT_EQ(CountEvents(Name("Sub/RUN.evt")), 7U);
-    ExpectRefused(Name("Sub/run.evt"), "several names differ from this one in case only");
+    ExpectRefused(Name("Sub/run.evt"), "several names differ from this one only in case");
     ExpectRefused(Name("Sub/other.evt"), "there is no such file");
     ExpectRefused(Name("none/run.evt"), "there is no such file");
 }
@@ -260,7 +260,7 @@ TEST_F(EventFileOnDisk, WhatIsNoEventFileIsRefused) {
         ExpectRefused(Name("run.fst"),
                       "it is an FST file, which is not read; convert it with fst2vcd first");
     }
-    ExpectRefused("/dev/null", "it is no ordinary file");
+    ExpectRefused("/dev/null", "it is not an ordinary file");
     EXPECT_EQ(stremo::CreateStreamRead(nullptr), nullptr);
     EXPECT_STREQ(LastStreamError(), "a name is missing");
     EXPECT_EQ(stremo::CreateStreamRead(std::string(100'000, 'a').c_str()), nullptr);

@@ -27,10 +27,9 @@ TEST(GhwDamage, IsToldWithItsPlace) {
                              "ECX\0",
                              6),
                  "the changes end without their mark"},
-             Row{GhwFile::Bit(1, 2) + GhwFile::End(),
-                 "a value is none of its type; it is left out"},
+             Row{GhwFile::Bit(1, 2) + GhwFile::End(), "a value is not of its type; it is left out"},
              Row{"\3" + GhwFile::Signed(std::int64_t{1} << 31) + GhwFile::End(),
-                 "a value is none of its type"},
+                 "a value is not of its type"},
              Row{std::string(10, '\xFF') + "\1", "a number has more than 64 bits"},
          }) {
         GhwFile file = whole;
@@ -103,7 +102,7 @@ TEST(GhwDamage, OfNumbersLeavesTheSignals) {
     file.SetMost(8);
     file.Snapshot(0, Start(file));
     EXPECT_EQ(Changes(file.Bytes()), "");
-    EXPECT_TRUE(Says(Notes(file.Bytes()), "the values can't be told apart"));
+    EXPECT_TRUE(Says(Notes(file.Bytes()), "the values cannot be told apart"));
 
     // one net of two kinds
     GhwFile twice = SomeSignals();
@@ -251,7 +250,7 @@ TEST(GhwLimits, HoldForAFewBytesThatStandForMuch) {
     EXPECT_EQ(reader->GetSignalCount(), 2);
     const std::string notes = NoteText(*reader);
     for (const char* const part :
-         {"the type of a signal can't be described", "a signal has too many members",
+         {"the type of a signal cannot be described", "a signal has too many members",
           "there are too many signals", "the file ends before the parts of a signal"}) {
         EXPECT_TRUE(Says(notes, part));
     }

@@ -146,7 +146,7 @@ TEST(VcdChanges, AreToldWithWhatWasRepaired) {
         #9 1! #5 0!               | line 3, column 7: the time goes back to `#5`
         #0 b11010 "               | line 3, column 4: the value `11010` has more digits
         #0 r1 !                   | line 3, column 4: the value `1` does not fit the type
-        #0 r1e999 $               | the value `1e999` passes the range of real numbers
+        #0 r1e999 $               | the value `1e999` exceeds the range of real numbers
         #0 $dumpoff x! $end #7 $dumpon 0! $end #8 | line 3, column 4: nothing is recorded from 0ps to 7ps
         #0 $dumpoff x! $end       | line 3, column 4: nothing is recorded from 0ps on
         #0 $dumpall 0!            | line 3, column 4: a block of values has no $end
