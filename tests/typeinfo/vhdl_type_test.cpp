@@ -156,14 +156,14 @@ constexpr const char* kProblems = R"table(
     unsigned(7 to 0) | 9 | 6 | is empty; write it with `downto`
     unsigned(7.0 downto 0) | 9 | 3 | no whole number
     unsigned(8bit downto 0) | 9 | 4 | no whole number
-    integer range 0 to 99999999999 | 19 | 11 | no value of `integer`
+    integer range 0 to 99999999999 | 19 | 11 | not a value of `integer`
     natural range -1 to 3 | 14 | 2 | `-1` is not a value of `natural`
     real range 0.0 to 1e999 | 18 | 5 | range of a double
     real range 1.0 to 0.0 | 11 | 10 | is empty
     time range 0 to 5 ns | 11 | 1 | no time unit
     time range 0 ns to 5 s | 19 | 1 | no time unit
-    delay_length range -1 ns to 0 ns | 19 | 5 | no value of `delay_length`
-    time range 0 fs to 1e6 hr | 19 | 6 | no value of `time` ;; () | 1 | 1 | expected a literal
+    delay_length range -1 ns to 0 ns | 19 | 5 | not a value of `delay_length`
+    time range 0 fs to 1e6 hr | 19 | 6 | not a value of `time` ;; () | 1 | 1 | expected a literal
     (a, b, A) | 7 | 1 | `A` appears twice ;; (a, b, b, a) | 7 | 1 | `b` appears twice
     ('a', 'A', 'a') | 11 | 3 | `'a'` appears twice
     (a b) | 3 | 1 | expected `)` or `,` after the literal, found `b`
