@@ -23,8 +23,7 @@ constexpr const char* kTexts[] = {
     "the declaration of % cannot be read; it is left out",
     "% is too wide to be shown; it is left out",
     "the name % is too long; it is left out",
-    "% shares its code with a variable of another width or type; each takes the values in its own "
-    "way",
+    "% shares its code with a variable of another width or type; each reads values its own way",
     "% is an integer of more than 32 bits; it is shown as a vector",
     "% makes no sense here; it is left out",
     "the code % is not declared; its values are left out",
