@@ -1,11 +1,11 @@
 // Elements of arrays that are made when they are asked for.
 
-#include "tests/support/test.h"
 #include "containers/signal_container.h"
 #include "tests/containers/container_support.h"
 #include "tests/containers/fake_reader.h"
 #include "tests/containers/fake_writer.h"
 #include "tests/containers/memory_stream.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,9 +1,9 @@
-#include "tests/support/test.h"
 #include "corv/cpp/recording.h"
 
 #include "corv/cpp/save_signals.h"
 #include "tests/cpp/support.h"
 #include "tests/support/other_programs.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,9 +1,9 @@
-#include "tests/support/test.h"
 #include "corv/cpp/stimulus.h"
 
 #include <ranges>
 
 #include "tests/cpp/support.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/support/test.h"
 #include "corv/cpp/error.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 

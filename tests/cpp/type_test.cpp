@@ -1,7 +1,7 @@
-#include "tests/support/test.h"
 #include "corv/cpp/type.h"
 
 #include "tests/cpp/support.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

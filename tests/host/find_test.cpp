@@ -1,13 +1,6 @@
 // Conditions over recordings, against a model that looks at each picosecond.
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "host/find/measure.h"
 #include "host/find/search.h"

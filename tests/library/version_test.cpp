@@ -1,5 +1,6 @@
-#include "tests/support/test.h"
 #include "corv/version.h"
+
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,9 +1,9 @@
 // The texts of values, from and to stored bytes.
 
 #include "corv/typeinfo/type_info.h"
+#include "tests/support/test.h"
 #include "tests/typeinfo/random_type.h"
 #include "typeinfo/named_types.h"
-#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

@@ -1,14 +1,7 @@
 #include "corv/util/time_text.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <string>
-
 #include "corv/util/time_units.h"
-#include "tests/support/failing_alloc.h"
-#include "tests/support/random.h"
-#include "tests/support/table.h"
+#include "tests/support/test.h"
 
 namespace corv::test {
 namespace {

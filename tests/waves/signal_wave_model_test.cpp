@@ -1,8 +1,8 @@
 // Random operations on waves, of both value sizes, against the naive model.
 
 #include "corv/waves/signal_wave.h"
-#include "tests/waves/naive_wave.h"
 #include "tests/support/test.h"
+#include "tests/waves/naive_wave.h"
 
 namespace corv::test {
 namespace {

@@ -8,8 +8,8 @@ namespace corv::test {
 namespace {
 
 // A random recording in `files`, and the model that it was written from.
-struct Recorded {
-    explicit Recorded(std::uint32_t seed, int events = 400)
+struct Original {
+    explicit Original(std::uint32_t seed, int events = 400)
         : model(RandomModel(seed).Make(9, events)) {
         const Writer writer = Write(files);
         EXPECT_TRUE(WriteModel(*writer, model) && writer->Close());
@@ -63,7 +63,7 @@ std::string SignalText(stremo::IEventsStreamRead& reader) {
 
 TEST(WriteEventFile, CopiesAllThereIs) {
     for (std::uint32_t seed = 0; seed < 20; ++seed) {
-        Recorded recorded(seed);
+        Original recorded(seed);
         const std::string signals = SignalText(*recorded.reader);
         EXPECT_EQ(recorded.CopiedEvents({}), recorded.model.events) << seed;
         EXPECT_EQ(SignalText(*Read(recorded.files)), signals) << seed;
@@ -72,7 +72,7 @@ TEST(WriteEventFile, CopiesAllThereIs) {
 
 TEST(WriteEventFile, CutsAPartOut) {
     for (std::uint32_t seed = 0; seed < 40; ++seed) {
-        Recorded recorded(seed);
+        Original recorded(seed);
         const std::vector<ModelEvent>& events = recorded.model.events;
         EventFileOptions options;
         options.start = events[events.size() / 4].time;
@@ -105,7 +105,7 @@ TEST(WriteEventFile, CutsAPartOut) {
 }
 
 TEST(WriteEventFile, SaysWhyItFails) {
-    Recorded recorded(3, 70'000);
+    Original recorded(3, 70'000);
     const auto write = [&](const EventFileOptions& options = {}) {
         return recording::WriteEventFile(*recorded.reader, recorded.files, "copy.evt", options);
     };
@@ -128,7 +128,7 @@ TEST(WriteEventFile, KeepsWhatCouldBeRead) {
         using ForeignReader::ForeignReader;
         bool Seek(const std::int64_t*) override { return false; }
     };
-    Recorded recorded(5);
+    Original recorded(5);
     Broken broken(recorded.reader.release());
     EXPECT_FALSE(recording::WriteEventFile(broken, recorded.files, "run.evt", {}));
     EXPECT_STREQ(LastStreamError(), "run.evt: the recording cannot be read");
