@@ -54,14 +54,14 @@ TEST(Signal, HandleAndItsProperty) {
 
 TEST(Signal, NamesOfAnyLength) {
     const SignalPtr signal = MakeSignal("");
-    for (const std::size_t length : {0, 11, 12, 13, 500, 3}) {
+    for (const std::size_t length : {0U, 11U, 12U, 13U, 500U, 3U}) {
         const std::string name(length, 'n');
         signal->SetName(name.c_str());
         EXPECT_EQ(signal->GetName(), name);
         EXPECT_EQ(signal->GetProperty("NAME"), name);
     }
     signal->SetName("a name of its own");
-    for (const std::size_t cut : {2, 5, 1}) {
+    for (const std::size_t cut : {2U, 5U, 1U}) {
         const std::string rest = signal->GetName() + cut;
         signal->SetName(signal->GetName() + cut);
         EXPECT_EQ(signal->GetName(), rest);
