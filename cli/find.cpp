@@ -15,7 +15,7 @@
 namespace corv::cli {
 namespace {
 
-constexpr int kDefaultMax = 10000;
+constexpr int kMostListed = 10000;
 
 struct FindCommand {
     std::string file, condition, clock, output;
@@ -155,7 +155,7 @@ std::string TextOf(const FindCommand& options, const Findings& findings) {
 
 int List(const FindCommand& options, find::Search& search, std::int64_t start) {
     const auto most =
-        static_cast<std::size_t>(options.first ? 1 : options.max.value_or(kDefaultMax));
+        static_cast<std::size_t>(options.first ? 1 : options.max.value_or(kMostListed));
     Findings findings = search.IsLevel() ? FindStretches(*search.TakeLevel(), start, most)
                                          : FindMoments(*search.TakeMoments(), most);
     findings.condition = options.condition;
