@@ -1,8 +1,13 @@
 #pragma once
 
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "corv/platform/cstring.h"
 #include "corv/stremo/events_stream_read.h"
-#include "tests/support/test.h"
 
 namespace corv::test {
 

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <utility>
+
 #include "corv/signals/byte_stream.h"
-#include "tests/support/test.h"
 
 namespace corv::test {
 

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <string>
+
 #include "corv/frame/com_ptr.h"
 #include "corv/frame/interface_ids.h"
 #include "corv/signals/byte_stream.h"
 #include "corv/signals/signal.h"
 #include "frame/com_object.h"
-#include "tests/support/test.h"
 
 namespace corv::test {
 
