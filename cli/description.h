@@ -50,8 +50,8 @@ std::vector<const CommandInfo*> AllCommands(const CommandInfo& program);
 
 // Texts that the help of the program and the man page have in addition.
 struct Section {
-    std::string_view title;
-    std::string_view text;
+    std::string title;
+    std::string text;
 };
 const std::vector<Section>& CommonSections();
 

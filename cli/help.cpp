@@ -117,7 +117,8 @@ const std::vector<Section>& CommonSections() {
              "Where a formula is expected, `-` reads it from standard input."},
         {"Exit status",
          "0 when the command did its work, also with notes or warnings; 1 when `corv formula "
-         "check`, `corv sti` or `corv states` found problems; 2 when the command could not do its "
+         "check`, `corv sti` or `corv states` found problems or `corv find` found nothing; 2 when "
+         "the command could not do its "
          "work."},
         {"Environment",
          "CORV_COLORS (auto, always or never) and NO_COLOR decide about colours where --color does "

@@ -7,6 +7,7 @@
 #include <array>
 #include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "corv/typeinfo/type_builders.h"
@@ -37,7 +38,8 @@ std::string FullName(ISignal& signal) {
     for (std::size_t size = kUsualName * 8; size <= kLongestName; size *= 8) {
         std::string longer(size, '\0');
         if (SUCCEEDED(signal.GetFullName(longer.data(), static_cast<std::uint32_t>(size)))) {
-            return longer.c_str();
+            longer.resize(std::strlen(longer.c_str()));
+            return longer;
         }
     }
     return {};

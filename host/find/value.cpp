@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <compare>
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
@@ -52,20 +51,22 @@ std::string Sortable(const Value& value, std::size_t width) {
     return bits;
 }
 
-bool InOrder(std::partial_ordering order, Relation relation) {
+// The order of two values of a kind; none of them holds for numbers that are not comparable.
+template <class T>
+bool InOrder(const T& left, Relation relation, const T& right) {
     switch (relation) {
         case Relation::Less:
-            return order < 0;
+            return left < right;
         case Relation::LessOrEqual:
-            return order <= 0;
+            return left <= right;
         case Relation::Greater:
-            return order > 0;
+            return left > right;
         case Relation::GreaterOrEqual:
-            return order >= 0;
+            return left >= right;
         case Relation::NotEqual:
-            return order != 0;
+            return left != right;
         default:
-            return order == 0;
+            return left == right;
     }
 }
 
@@ -88,7 +89,7 @@ bool BitsHold(const Value& left, Relation relation, const Value& right) {
         default: {
             const std::string a = Sortable(left, width + 1);
             const std::string b = Sortable(right, width + 1);
-            return !a.empty() && !b.empty() && InOrder(a <=> b, relation);
+            return !a.empty() && !b.empty() && InOrder(a, relation, b);
         }
     }
 }
@@ -96,8 +97,8 @@ bool BitsHold(const Value& left, Relation relation, const Value& right) {
 bool TextsHold(const Value& left, Relation relation, const Value& right) {
     const bool placed = left.number >= 0 && right.number >= 0 && relation != Relation::Equal &&
                         relation != Relation::NotEqual && relation != Relation::Matching;
-    return placed ? InOrder(left.number <=> right.number, relation)
-                  : InOrder(left.text <=> right.text, relation);
+    return placed ? InOrder(left.number, relation, right.number)
+                  : InOrder(left.text, relation, right.text);
 }
 
 }  // namespace
@@ -111,7 +112,7 @@ bool Holds(const Value& left, Relation relation, const Value& right) {
     }
     if (left.kind == Kind::Number && right.kind == Kind::Number) {
         const bool is_number = !std::isnan(left.number) && !std::isnan(right.number);
-        return is_number && InOrder(left.number <=> right.number, relation);
+        return is_number && InOrder(left.number, relation, right.number);
     }
     const Value a = left.kind == Kind::Number ? BitsOf(left.number) : left;
     const Value b = right.kind == Kind::Number ? BitsOf(right.number) : right;

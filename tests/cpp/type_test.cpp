@@ -55,7 +55,7 @@ TEST(CppType, SaysWhatIsWrong) {
     EXPECT_EQ(Thrown([] { Type::FromDescription("e#3#abcc0 ").Vhdl(); }),
               "VHDL cannot express the type");
     try {
-        Type("bit_vector(7 downto x)");
+        const Type type("bit_vector(7 downto x)");
         ADD_FAILURE();
     } catch (const Error& error) {
         EXPECT_EQ(error.Position(), 20U);

@@ -103,7 +103,7 @@ TEST(CheckVectorFormula, CleanFormulas) {
     ASSERT_EQ(RegisterCounter(counter, 4, 1), 0);
     EXPECT_TRUE(CheckFormula("\\Counter\\wire\\3\\handle\\0").empty());
     EXPECT_TRUE(CheckVectorFormula("(a,b) 0, (c,d) 5, (a,b) 9 -r 10ns", 2, 0, TimeUnit::Nanosecond)
-                    .size() == 0);
+                    .empty());
     EXPECT_EQ(CheckVectorFormula("11 0, 01 20 -r 10ns", 2, 1, TimeUnit::Nanosecond).size(),
               1U);  // 20 ns
     EXPECT_TRUE(HasErrors(CheckVectorFormula(nullptr, 4, 1)));

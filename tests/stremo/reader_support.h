@@ -52,7 +52,7 @@ inline std::string ChangeText(const std::vector<SeenSignal>& signals) {
 
 // All signals and events of a reader, whose types must be ones.
 inline Recorded AllOf(stremo::IEventsStreamRead& reader) {
-    const Recorded recorded(reader);
+    Recorded recorded(reader);
     EXPECT_TRUE(recorded.is_sound) << LastStreamError();
     for (const RecordedSignal& signal : recorded.signals) {
         EXPECT_NE(signal.kind->GetKind(), KTypeInfo::KindNone) << signal.info.type;

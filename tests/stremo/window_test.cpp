@@ -86,7 +86,8 @@ TEST(Windows, ShowAllOfAVcdFile) {
         text += i % 100'000 == 0 ? "$comment " + std::string(2'000'000, 'c') + " $end\n" : "";
         text += i % 100'000 == 1 ? "b" + std::string(60'000, '1') + " w\nb1 i\nbx i\n" : "";
     }
-    ExpectTheSame(recording::OpenVcd, text + std::string(9'000'000, '\0') + "b1 w\n");
+    text.append(9'000'000, '\0');
+    ExpectTheSame(recording::OpenVcd, text + "b1 w\n");
 }
 
 TEST(Windows, ShowAllOfAGhwFile) {

@@ -87,7 +87,7 @@ private:
             length = FindClosing(text, 1, text[0], text[0] == '(' ? ')' : text[0]);
             length += length == std::string::npos ? 0 : 1;
         }
-        const std::string word = text.substr(0, length);
+        std::string word = text.substr(0, length);
         text.erase(0, word.size());
         return word;
     }

@@ -36,7 +36,7 @@ inline std::string Built(const std::function<HRESULT(char*, std::uint32_t*)>& bu
         return "no size";
     }
     std::string text(size, '?');
-    return build(text.data(), &size) == S_OK ? std::string(text.c_str()) : "not written";
+    return build(text.data(), &size) == S_OK ? text.substr(0, text.find('\0')) : "not written";
 }
 
 // The type-description string, with the builders where there is one.

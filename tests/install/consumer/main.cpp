@@ -17,7 +17,7 @@ int main() {
         time = stimulus.GetNextEventTime(time);
         CString value;
         stimulus.GetValue(time, value);
-        if (time != ticks * 50000 || value != (ticks % 2 == 0 ? "1" : "0")) {
+        if (time != std::int64_t{ticks} * 50000 || value != (ticks % 2 == 0 ? "1" : "0")) {
             std::printf("%s: `%s` at %lld\n", static_cast<const char*>(formula),
                         static_cast<const char*>(value), static_cast<long long>(time));
             return 1;

@@ -46,7 +46,7 @@ TEST(GhwDamage, LeavesACycleOutThatIsNotWhole) {
     const std::string before = Changes(file.Bytes());
     file.Cycles(1'000'000, GhwFile::Bit(1, 1) + GhwFile::Bit(1, 0) + GhwFile::End());
     const std::string whole = file.Bytes();
-    const std::size_t end = whole.find(std::string("ECY", 4));
+    const std::size_t end = whole.find(std::string("ECY\0", 4));
     for (const std::size_t missing : {2U, 3U, 4U, 5U}) {
         const auto cut = OpenGhwBytes(whole.substr(0, end - missing));
         const SeenLeaves seen(*cut);
@@ -168,7 +168,7 @@ TEST(GhwDamage, OfACutFileLeavesWhatStandsBefore) {
         const auto whole = OpenGhwBytes(sample);
         const std::vector<SeenSignal> leaves = SeenLeaves(*whole).leaves;
         std::size_t most = 0;
-        const std::size_t snapshot_end = sample.find(std::string("ESN", 4));
+        const std::size_t snapshot_end = sample.find(std::string("ESN\0", 4));
         for (std::size_t length = 0; length < sample.size(); ++length) {
             const auto reader = OpenGhwBytes(sample.substr(0, length));
             if (reader == nullptr) {

@@ -163,10 +163,10 @@ public:
 
     void Snapshot(std::int64_t time, const std::string& list) {
         values += std::string("SNP\0\0\0\0\0", 8) + Fixed(static_cast<Number>(time), 8) + list +
-                  std::string("ESN", 4);
+                  std::string("ESN\0", 4);
     }
     void Cycles(std::int64_t time, const std::string& lists) {
-        values += std::string("CYC", 4) + Fixed(static_cast<Number>(time), 8) + lists;
+        values += std::string("CYC\0", 4) + Fixed(static_cast<Number>(time), 8) + lists;
     }
     // A value of one byte in a list, of the signal so many places behind the one before.
     static std::string Bit(Number distance, int position) {
@@ -191,8 +191,9 @@ public:
         file += std::string("TYP\0\0\0\0\0", 8) + Fixed(type_count_, 4) + types + '\0';
         file += std::string("WKT\0\0\0\0\0", 8) + well_known + '\0';
         file += std::string("HIE\0\0\0\0\0", 8) + Fixed(0, 4) + Fixed(0, 4) + Fixed(most_, 4) +
-                hierarchy + '\0' + std::string("EOH", 4) + values;
-        return file + std::string("DIR", 4) + last + zeros + std::string("TAI", 4) + last + zeros;
+                hierarchy + '\0' + std::string("EOH\0", 4) + values;
+        return file + std::string("DIR\0", 4) + last + zeros + std::string("TAI\0", 4) + last +
+               zeros;
     }
 
 private:
@@ -214,7 +215,7 @@ private:
             before = name;
         }
         return Fixed(names_.size(), 4) + Fixed(total, 4) + text +
-               (names_.empty() ? "" : std::string(1, '\0')) + std::string("EOS", 4);
+               (names_.empty() ? "" : std::string(1, '\0')) + std::string("EOS\0", 4);
     }
 
     bool big_endian_;
