@@ -25,7 +25,9 @@ template <class Interface>
 class Plain final : public frame::PlainObject<Plain<Interface>, Interface> {
 public:
     explicit Plain(int value = 3) : value_(value) { ++living; }
-    ~Plain() override { --living; }
+    ~Plain() {
+        --living;
+    }  // NOLINT(modernize-use-override): one of the interfaces has no virtual one
     int Value() noexcept override { return value_ + (part_ ? *part_ : 0); }
     bool SetUp(int part) {
         part_ = std::make_unique<int>(part);
