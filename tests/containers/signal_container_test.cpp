@@ -232,7 +232,7 @@ public:
 };
 
 TEST_F(SignalContainer, TellsAManagerWhatLeaves) {
-    frame::ComPtr<ForeignManager> manager(new ForeignManager);
+    auto manager = frame::ComPtr<ForeignManager>::Share(new ForeignManager);
     const ContainerPtr container = NewContainer(manager.get());
     for (const FakePtr& signal : {NewLeaf("a", 0), NewLeaf("b", -1), NewLeaf("c", 7)}) {
         container->Add(signal.get());
