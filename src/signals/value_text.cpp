@@ -24,7 +24,7 @@ void ResetValueTexts() noexcept {
 }
 
 bool ValueTexts::Append(std::string_view piece) noexcept {
-    if (piece.size() >= text.size() - position) {
+    if (failed || piece.size() >= text.size() - position) {
         failed = true;
         return false;
     }

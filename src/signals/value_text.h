@@ -25,14 +25,16 @@ struct ValueTexts {
     bool failed = false;                                   // in this pass
 
     char* Here() noexcept { return text.data() + position; }
-    // Writes a piece and moves behind it; false when it doesn't fit.
+    // Writes a piece and moves after it. Returns false if it does not fit, and once the pass has
+    // failed: nothing more is written then, so that members nested without an end are not descended
+    // until the buffer is full.
     bool Append(std::string_view piece) noexcept;
     // Writes the text of a stored value, without moving; null when it has none or doesn't fit.
     const char* WriteValue(const KTypeInfo& type, const unsigned char* bytes,
                            typeinfo::ScalarStyle style) noexcept;
-    // Moves behind the text that stands here.
+    // Moves after the text that is here.
     void MoveToEnd() noexcept;
-    // Moves back; what stood from there on is gone.
+    // Moves back; the text from there on is gone.
     void Rewind(std::size_t place) noexcept;
 };
 
@@ -42,7 +44,7 @@ ValueTexts& SharedValueTexts() noexcept;
 void ResetValueTexts() noexcept;
 
 // A text being built, for as long as it lives. The outermost one begins at the start of the buffer,
-// those within it behind what is there.
+// those within it after what is there.
 class ValueTextPass {
 public:
     explicit ValueTextPass(ValueTexts& texts) noexcept;
